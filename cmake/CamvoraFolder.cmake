@@ -1,0 +1,20 @@
+# One target per source folder. Its headers are reached as "<target>/x.h", and only by targets that link
+# it: an include that the architecture does not allow does not compile.
+#
+#   camvora_folder(<target> [INTERFACE | <library type and sources>])
+function(camvora_folder name)
+  set(root ${PROJECT_BINARY_DIR}/include/${name})
+  set(source ${CMAKE_CURRENT_SOURCE_DIR})
+  if(NOT source MATCHES "/${name}$")
+    set(source ${source}/${name})
+  endif()
+  file(MAKE_DIRECTORY ${root})
+  file(CREATE_LINK ${source} ${root}/${name} SYMBOLIC)
+  add_library(${name} ${ARGN})
+  if(ARGV1 STREQUAL INTERFACE)
+    target_include_directories(${name} INTERFACE ${root})
+  else()
+    target_include_directories(${name} PUBLIC ${root})
+    target_link_libraries(${name} PRIVATE compile_options)
+  endif()
+endfunction()

@@ -1,0 +1,68 @@
+// Methods in the table that this build does not serve yet: each answers that it failed.
+#include "webapi/addons.h"
+
+namespace {
+
+constexpr int kErrFailed = 400;
+
+void AnswerNotServed(ORVA::APIResponse& response) {
+    response.SetError(kErrFailed, Json::Value());
+}
+
+}  // namespace
+
+void AddOnsHandler::HandleEnable() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleRestart() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleSetAutoUpdate() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleGetUpdateInfo() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleCheckUpdateInfo() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleCheckEnableDone() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleGetPkgInfo() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleLoadFile() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandlePkgUpdate() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleUpload() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleRestore() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleDownloadStart() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleDownloadProgress() {
+    AnswerNotServed(*m_pResponse);
+}
+
+void AddOnsHandler::HandleDownloadCancel() {
+    AnswerNotServed(*m_pResponse);
+}
