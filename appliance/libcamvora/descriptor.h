@@ -1,0 +1,27 @@
+// A file descriptor that is closed with its owner.
+#pragma once
+
+#include <unistd.h>
+
+namespace camvora {
+
+class Descriptor {
+public:
+    // Takes what open() and its like gave; negative for none.
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() {
+        if (number_ >= 0) {
+            close(number_);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    bool IsOpen() const { return number_ >= 0; }
+    int Number() const { return number_; }
+
+private:
+    const int number_;
+};
+
+}  // namespace camvora

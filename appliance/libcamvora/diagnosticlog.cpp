@@ -1,0 +1,39 @@
+#include "libcamvora/diagnosticlog.h"
+
+#include "libcamvora/logfile.h"
+#include "libcamvora/logprint.h"
+#include "libcamvora/paths.h"
+#include "platform/log.h"
+
+#include <mutex>
+
+namespace {
+
+constexpr long long kFileLimitBytes = 16LL << 20;
+
+// A rotation between the two files of one reading would hide lines.
+std::mutex gRotation;
+
+}  // namespace
+
+void CVPrintf(int /*level*/, const char* /*category*/, const char* /*device*/, const char* source, int line,
+              const char* function, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    camvora::PrintToLog(camvora::kLogFile, source, line, function, format, arguments);
+    va_end(arguments);
+}
+
+namespace camvora {
+
+Json::Value LogLinesOfRequest(const std::string& requestId) {
+    const std::lock_guard<std::mutex> noRotation(gRotation);
+    return LogFile(kLogFile).LinesOfRequest(requestId);
+}
+
+void RotateLogIfLarge() {
+    const std::lock_guard<std::mutex> rotation(gRotation);
+    LogFile(kLogFile).RotateIfLarger(kFileLimitBytes);
+}
+
+}  // namespace camvora

@@ -1,0 +1,68 @@
+// The reader of key-value files. A line is key=value or key="value"; blanks around both parts, comment lines
+// with "#" and a final CR do not count. Of several lines with the same key the first one holds.
+#include "libcamvora/plainfile.h"
+#include "platform/plibc.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t kFileLimitBytes = 1UL << 20;
+
+std::string_view Trimmed(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+// What stands between the quotes; a value without both quotes is taken as it is.
+std::string_view Unquoted(std::string_view value) {
+    if (value.empty() || value.front() != '"') {
+        return value;
+    }
+    const std::size_t end = value.find('"', 1);
+    return end == std::string_view::npos ? value : value.substr(1, end - 1);
+}
+
+std::optional<std::string_view> ValueInLine(std::string_view line, std::string_view key) {
+    const std::size_t equals = line.find('=');
+    const std::string_view name = Trimmed(line.substr(0, equals));
+    if (equals == std::string_view::npos || name != key || name.substr(0, 1) == "#") {
+        return std::nullopt;
+    }
+    const std::string_view value = Unquoted(Trimmed(line.substr(equals + 1)));
+    return value.substr(0, value.find('\0'));
+}
+
+std::optional<std::string_view> ValueInText(std::string_view text, std::string_view key) {
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        if (const auto value = ValueInLine(line, key)) {
+            return value;
+        }
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+int PLIBCFileGetKeyValue(const char* path, const char* key, char* buffer, int bufferSize, int /*flags*/) {
+    if (path == nullptr || key == nullptr || buffer == nullptr || bufferSize <= 0) {
+        return -1;
+    }
+    buffer[0] = '\0';
+    const auto text = camvora::ReadPlainFile(path, kFileLimitBytes);
+    const auto value = text ? ValueInText(*text, key) : std::nullopt;
+    if (!value) {
+        return -1;
+    }
+    const std::size_t length = value->copy(buffer, static_cast<std::size_t>(bufferSize) - 1);
+    buffer[length] = '\0';
+    return static_cast<int>(length);
+}

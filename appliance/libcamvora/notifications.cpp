@@ -1,0 +1,29 @@
+#include "libcamvora/notifications.h"
+
+#include "libcamvora/records.h"
+#include "libcamvora/store.h"
+#include "platform/notify.h"
+
+void CVClientNotify::Notify(CLIENT_NOTIFY_TYPE type, const std::string& text1, const std::string& text2,
+                            const std::string& text3) {
+    (void)camvora::TheStore().Write([&](SQLite::Database& database) {  // a failure is in the log
+        camvora::AddNotification(database, type, {text1, text2, text3});
+    });
+}
+
+namespace camvora {
+
+long long LastNotificationId() {
+    long long id = 0;
+    TheStore().Query([&id](SQLite::Database& database) { id = LastNotificationId(database); });
+    return id;
+}
+
+std::vector<Notification> NotificationsAfter(long long id, int limit) {
+    std::vector<Notification> notifications;
+    TheStore().Query(
+        [&](SQLite::Database& database) { notifications = NotificationsAfter(database, id, limit); });
+    return notifications;
+}
+
+}  // namespace camvora

@@ -1,0 +1,10 @@
+#include "libcamvora/records.h"
+#include "libcamvora/store.h"
+#include "platform/log.h"
+
+void CVLog(CV_LOG_TYPE type, long long number, const std::string& text1, const std::string& text2,
+           const std::string& text3) {
+    (void)camvora::TheStore().Write([&](SQLite::Database& database) {  // a failure is in the log
+        camvora::AddOperation(database, {type, number, {text1, text2, text3}});
+    });
+}

@@ -1,0 +1,25 @@
+// Every path of the stand-in, as seen inside its private file system.
+#pragma once
+
+namespace camvora {
+
+// Installed add-ons; the factory copy of each lies beside it.
+inline constexpr char kDevicePackFolder[] = "/var/packages/Camvora/target/device_pack";
+inline constexpr char kLocalDisplayFolder[] = "/var/packages/Camvora/target/local_display";
+inline constexpr char kFactoryCopySuffix[] = ".default";
+inline constexpr char kAddOnConfName[] = "/conf";
+
+// The web applications' configuration and texts.
+inline constexpr char kUiFolder[] = "/var/packages/Camvora/target/ui";
+
+// What the stand-in keeps.
+inline constexpr char kDatabaseFile[] = "/var/packages/Camvora/target/@CVData/camvora.db";
+inline constexpr char kLogFile[] = "/var/packages/Camvora/target/@CVData/log/camvora.log";
+
+// Signs of life: the package is started while the first one exists, a daemon runs while it holds a lock on
+// the file named by the prefix, its type and the suffix.
+inline constexpr char kStartedFile[] = "/var/packages/Camvora/target/@CVData/run/started";
+inline constexpr char kDaemonLockPrefix[] = "/var/packages/Camvora/target/@CVData/run/daemon-";
+inline constexpr char kDaemonLockSuffix[] = ".lock";
+
+}  // namespace camvora

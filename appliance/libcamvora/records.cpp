@@ -1,0 +1,65 @@
+#include "libcamvora/records.h"
+
+#include "libcamvora/requestid.h"
+#include "libcamvora/utctime.h"
+
+#include <SQLiteCpp/Statement.h>
+#include <SQLiteCpp/VariadicBind.h>
+
+namespace camvora {
+
+namespace {
+
+void Drop(SQLite::Database& database, const char* query, int kept) {
+    SQLite::Statement statement(database, query);
+    statement.bind(1, kept);
+    statement.exec();
+}
+
+Notification NotificationOf(const SQLite::Statement& row) {
+    return {row.getColumn(0).getInt64(),
+            row.getColumn(1).getString(),
+            row.getColumn(2).getString(),
+            row.getColumn(3).getInt(),
+            {row.getColumn(4).getString(), row.getColumn(5).getString(), row.getColumn(6).getString()}};
+}
+
+}  // namespace
+
+void AddOperation(SQLite::Database& database, const Operation& operation) {
+    SQLite::Statement statement(database,
+                                "INSERT INTO operation_log(time, request, event, number, text1, text2, text3)"
+                                " VALUES(?, ?, ?, ?, ?, ?, ?)");
+    SQLite::bind(statement, UtcTimeText(), RequestId(), operation.event, operation.number, operation.texts[0],
+                 operation.texts[1], operation.texts[2]);
+    statement.exec();
+    Drop(database, "DELETE FROM operation_log WHERE id <= last_insert_rowid() - ?", kOperationsKept);
+}
+
+void AddNotification(SQLite::Database& database, int type, const std::array<std::string, 3>& texts) {
+    SQLite::Statement statement(database,
+                                "INSERT INTO notifications(time, request, type, text1, text2, text3)"
+                                " VALUES(?, ?, ?, ?, ?, ?)");
+    SQLite::bind(statement, UtcTimeText(), RequestId(), type, texts[0], texts[1], texts[2]);
+    statement.exec();
+    Drop(database, "DELETE FROM notifications WHERE id <= last_insert_rowid() - ?", kNotificationsKept);
+}
+
+long long LastNotificationId(SQLite::Database& database) {
+    return database.execAndGet("SELECT coalesce(max(id), 0) FROM notifications").getInt64();
+}
+
+std::vector<Notification> NotificationsAfter(SQLite::Database& database, long long id, int limit) {
+    SQLite::Statement statement(database,
+                                "SELECT id, time, request, type, text1, text2, text3 FROM notifications"
+                                " WHERE id > ? ORDER BY id LIMIT ?");
+    statement.bind(1, static_cast<std::int64_t>(id));
+    statement.bind(2, limit);
+    std::vector<Notification> notifications;
+    while (statement.executeStep()) {
+        notifications.push_back(NotificationOf(statement));
+    }
+    return notifications;
+}
+
+}  // namespace camvora

@@ -1,0 +1,22 @@
+#include "libcamvora/requestid.h"
+
+namespace camvora {
+
+namespace {
+
+std::string& StoredId() {
+    static std::string id;
+    return id;
+}
+
+}  // namespace
+
+void SetRequestId(const std::string& id) {
+    StoredId() = id;
+}
+
+const std::string& RequestId() {
+    return StoredId();
+}
+
+}  // namespace camvora

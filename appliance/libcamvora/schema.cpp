@@ -1,0 +1,54 @@
+#include "libcamvora/schema.h"
+
+#include <SQLiteCpp/Statement.h>
+#include <SQLiteCpp/Transaction.h>
+
+#include <cstddef>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+
+namespace camvora {
+
+namespace {
+
+// Step N leads from version N to version N + 1. Steps are only ever added.
+constexpr const char* kSteps[] = {
+    "CREATE TABLE settings(key TEXT PRIMARY KEY, value TEXT NOT NULL) WITHOUT ROWID;"
+    "CREATE TABLE options(number INTEGER PRIMARY KEY, value TEXT NOT NULL);"
+    "CREATE TABLE services(service INTEGER PRIMARY KEY, status INTEGER NOT NULL);"
+    "CREATE TABLE cameras(camera INTEGER PRIMARY KEY, owner INTEGER NOT NULL);"
+    "CREATE TABLE pairs(name TEXT NOT NULL, role TEXT NOT NULL CHECK(role IN ('server', 'host')),"
+    " secret_in TEXT NOT NULL, secret_out TEXT NOT NULL, PRIMARY KEY(name, role)) WITHOUT ROWID;"
+    "CREATE TABLE operation_log(id INTEGER PRIMARY KEY AUTOINCREMENT, time TEXT NOT NULL,"
+    " request TEXT NOT NULL, event INTEGER NOT NULL, number INTEGER NOT NULL,"
+    " text1 TEXT NOT NULL, text2 TEXT NOT NULL, text3 TEXT NOT NULL);"
+    "CREATE TABLE notifications(id INTEGER PRIMARY KEY AUTOINCREMENT, time TEXT NOT NULL,"
+    " request TEXT NOT NULL, type INTEGER NOT NULL,"
+    " text1 TEXT NOT NULL, text2 TEXT NOT NULL, text3 TEXT NOT NULL);",
+};
+
+}  // namespace
+
+int SchemaVersion(SQLite::Database& database) {
+    return database.execAndGet("PRAGMA user_version").getInt();
+}
+
+int CurrentSchemaVersion() {
+    return static_cast<int>(std::size(kSteps));
+}
+
+void UpdateSchema(SQLite::Database& database) {
+    SQLite::Transaction update(database, SQLite::TransactionBehavior::IMMEDIATE);
+    const int version = SchemaVersion(database);
+    if (version < 0 || version > CurrentSchemaVersion()) {
+        throw std::runtime_error("tables of unknown version " + std::to_string(version));
+    }
+    for (std::size_t step = static_cast<std::size_t>(version); step < std::size(kSteps); ++step) {
+        database.exec(kSteps[step]);
+    }
+    database.exec("PRAGMA user_version = " + std::to_string(CurrentSchemaVersion()));
+    update.commit();
+}
+
+}  // namespace camvora

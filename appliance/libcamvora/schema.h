@@ -1,0 +1,28 @@
+// The tables of the database.
+//
+//   settings       texts by key; a boolean one is "yes" or "no"
+//   options        texts of the web user interface by number
+//   services       the last recorded status of each service
+//   cameras        the recording server that owns the camera; 0 is this one
+//   pairs          paired servers: role "server" for a recording server paired with this host, "host" for
+//                  the CMS host of this recording server; the secrets that the other side uses towards us
+//                  (secret_in) and that we use towards it (secret_out)
+//   operation_log  what the appliance's owner is told
+//   notifications  what connected clients are told
+#pragma once
+
+#include <SQLiteCpp/Database.h>
+
+namespace camvora {
+
+// The version of the tables that the database holds; 0 for an empty one.
+int SchemaVersion(SQLite::Database& database);
+
+// The version that this build works with.
+int CurrentSchemaVersion();
+
+// Brings the tables from any older version to the current one, in one transaction. Throws std::exception
+// with the database unchanged when that fails or when the database is of a newer version.
+void UpdateSchema(SQLite::Database& database);
+
+}  // namespace camvora

@@ -1,0 +1,81 @@
+#include "platform/services.h"
+
+#include "libcamvora/paths.h"
+#include "libcamvora/servicetable.h"
+#include "libcamvora/settings.h"
+#include "libcamvora/store.h"
+#include "platform/files.h"
+#include "platform/plibc.h"
+#include "platform/settings.h"
+
+#include <SQLiteCpp/Statement.h>
+
+#include <array>
+#include <string>
+
+namespace {
+
+using camvora::FindService;
+using camvora::ServiceEntry;
+using camvora::State;
+
+int RecordedStatus(ADDON_SERVICE service, const State& state) {
+    const auto status = state.statuses.find(service);
+    return status == state.statuses.end() ? CONTROL_ACTION_STOP : status->second;
+}
+
+std::string InstalledVersion(const std::string& folder) {
+    std::array<char, 256> version{};
+    (void)PLIBCFileGetKeyValue((folder + camvora::kAddOnConfName).c_str(), "version", version.data(),
+                               static_cast<int>(version.size()), 0);
+    return version.data();
+}
+
+void DescribePackages(const ServiceEntry* entry, Json::Value& description) {
+    const bool hasPackages = entry != nullptr && entry->folder != nullptr;
+    const std::string folder = hasPackages ? entry->folder : "";
+    description["blHasPackages"] = hasPackages;
+    description["version"] = hasPackages ? InstalledVersion(folder) : "";
+    description["blFactoryCopy"] = hasPackages && IsExistDir(folder + camvora::kFactoryCopySuffix);
+}
+
+}  // namespace
+
+Json::Value GetServiceInfo(ADDON_SERVICE service) {
+    const ServiceEntry* entry = FindService(service);
+    const auto state = camvora::TheStore().Read();
+    Json::Value description(Json::objectValue);
+    description["service"] = static_cast<int>(service);
+    description["name"] = entry != nullptr ? entry->name : "Service " + std::to_string(service);
+    description["shortName"] = GetServiceStr(service);
+    description["status"] = RecordedStatus(service, *state);
+    description["blRunning"] = entry != nullptr && entry->isRunning(*entry, *state);
+    description["blAutoUpdate"] = camvora::IsSettingEnabled(*state, GetAutoDownloadKey(service), false);
+    DescribePackages(entry, description);
+    return description;
+}
+
+std::string GetServiceStr(ADDON_SERVICE service) {
+    const ServiceEntry* entry = FindService(service);
+    return entry != nullptr ? entry->shortName : "service" + std::to_string(service);
+}
+
+int ChangeServiceStatus(ADDON_SERVICE service, CONTROL_ACTION status) {
+    const bool written = camvora::TheStore().Write([&](SQLite::Database& database) {
+        SQLite::Statement statement(database,
+                                    "INSERT OR REPLACE INTO services(service, status) VALUES(?, ?)");
+        statement.bind(1, static_cast<int>(service));
+        statement.bind(2, static_cast<int>(status));
+        statement.exec();
+    });
+    return written ? 0 : -1;
+}
+
+bool IsServiceRunning(ADDON_SERVICE service) {
+    const ServiceEntry* entry = FindService(service);
+    return entry != nullptr && entry->isRunning(*entry, *camvora::TheStore().Read());
+}
+
+bool IsCVRunning() {
+    return IsFileExist(camvora::kStartedFile);
+}

@@ -1,0 +1,21 @@
+// The add-on services: what sets them apart, in one table.
+#pragma once
+
+#include "libcamvora/state.h"
+#include "platform/services.h"
+
+namespace camvora {
+
+struct ServiceEntry {
+    ADDON_SERVICE service;
+    const char* shortName;
+    const char* name;
+    const char* folder;  // of the installed add-on; null for a service without packages
+    bool (*isRunning)(const ServiceEntry& entry, const State& state);
+    int daemonType;  // -1 for a service without a daemon
+};
+
+// The entry of `service`; null when there is no such service.
+const ServiceEntry* FindService(ADDON_SERVICE service);
+
+}  // namespace camvora

@@ -1,0 +1,29 @@
+// What platform functions read from the database, at one moment.
+#pragma once
+
+#include <SQLiteCpp/Database.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace camvora {
+
+struct Pair {
+    std::string role;      // "server" or "host"
+    std::string secretIn;  // what the other side uses towards us
+};
+
+struct State {
+    std::map<std::string, std::string> settings;
+    std::map<int, std::string> options;
+    std::map<int, int> statuses;      // by service
+    std::map<int, int> cameraOwners;  // by camera
+    std::vector<Pair> pairs;
+};
+
+// Reads all of it. Inside a transaction of the caller it is of one moment. Throws std::exception when it
+// cannot be read.
+State ReadState(SQLite::Database& database);
+
+}  // namespace camvora
