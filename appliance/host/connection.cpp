@@ -1,0 +1,129 @@
+#include "host/connection.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+constexpr std::size_t kHeadLimitBytes = std::size_t{64} << 10;
+constexpr std::chrono::seconds kLinger{2};
+
+int ToPollTime(std::chrono::steady_clock::duration duration) {
+    const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(duration).count();
+    return static_cast<int>(std::max<decltype(milliseconds)>(milliseconds, 0));
+}
+
+}  // namespace
+
+Connection::Connection(int socket, int stopEvent, int idleTimeS, int readTimeS)
+    : socket_(socket), stopEvent_(stopEvent), idleTime_(idleTimeS), readTime_(readTimeS) {}
+
+bool Connection::WaitForRequest() {
+    if (begin_ == end_ && !WaitForInput(idleTime_)) {
+        return false;
+    }
+    inHead_ = true;
+    headDeadline_ = Clock::now() + readTime_;
+    headSizeBytes_ = 0;
+    holdsHead_ = true;
+    return true;
+}
+
+void Connection::BeginBody(const httplib::Request& request) {
+    inHead_ = false;
+    isChunked_ = request.has_header("Transfer-Encoding");
+    bodyLeftBytes_ = request.get_header_value<std::uint64_t>("Content-Length");
+}
+
+bool Connection::IsAtRequestEnd() const {
+    return !inHead_ && !isChunked_ && bodyLeftBytes_ == 0;
+}
+
+bool Connection::WaitForInput(Clock::duration limit) const {
+    std::array<pollfd, 2> events{{{socket_.Get(), POLLIN, 0}, {stopEvent_, POLLIN, 0}}};
+    poll(events.data(), events.size(), ToPollTime(limit));
+    return events[0].revents != 0;
+}
+
+// The result of recv; -1 also when a limit is reached.
+ssize_t Connection::Fill() {
+    const auto limit = inHead_ ? headDeadline_ - Clock::now() : readTime_;
+    if (!Flush() || headSizeBytes_ > kHeadLimitBytes || !WaitForInput(limit)) {
+        return -1;
+    }
+    holdsHead_ = true;
+    const ssize_t size = recv(socket_.Get(), buffer_.data(), buffer_.size(), 0);
+    begin_ = 0;
+    end_ = size > 0 ? static_cast<std::size_t>(size) : 0;
+    return size;
+}
+
+ssize_t Connection::read(char* bytes, std::size_t sizeBytes) {
+    if (begin_ == end_) {
+        const ssize_t filled = Fill();
+        if (filled <= 0) {
+            return filled;
+        }
+    }
+    const std::size_t size = std::min(sizeBytes, end_ - begin_);
+    std::memcpy(bytes, buffer_.data() + begin_, size);
+    begin_ += size;
+    if (inHead_) {
+        headSizeBytes_ += size;
+    } else {
+        bodyLeftBytes_ -= std::min<std::uint64_t>(bodyLeftBytes_, size);
+    }
+    return static_cast<ssize_t>(size);
+}
+
+ssize_t Connection::write(const char* bytes, std::size_t sizeBytes) {
+    held_.append(bytes, sizeBytes);
+    if (!std::exchange(holdsHead_, false) && !Flush()) {
+        return -1;
+    }
+    return static_cast<ssize_t>(sizeBytes);
+}
+
+bool Connection::Flush() {
+    std::size_t sent = 0;
+    while (sent < held_.size()) {
+        const ssize_t size = send(socket_.Get(), held_.data() + sent, held_.size() - sent, MSG_NOSIGNAL);
+        if (size < 0 && errno != EINTR) {
+            return false;
+        }
+        sent += size > 0 ? static_cast<std::size_t>(size) : 0;
+    }
+    held_.clear();
+    return true;
+}
+
+void Connection::Close() {
+    if (!IsAtRequestEnd()) {
+        // A reset, sent in answer to what was not read, could overtake the reply.
+        shutdown(socket_.Get(), SHUT_WR);
+        const auto deadline = Clock::now() + kLinger;
+        while (WaitForInput(deadline - Clock::now()) &&
+               recv(socket_.Get(), buffer_.data(), buffer_.size(), 0) > 0) {
+        }
+    }
+    socket_.Close();
+}
+
+void Connection::get_remote_ip_and_port(std::string& ip, int& port) const {
+    ip.clear();
+    port = 0;
+}
+
+void Connection::get_local_ip_and_port(std::string& ip, int& port) const {
+    ip.clear();
+    port = 0;
+}
+
+}  // namespace host

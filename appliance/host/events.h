@@ -1,0 +1,73 @@
+// Client notifications as streams of server-sent events.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+namespace host {
+
+class EventHub;
+
+// One client's stream. Used by the thread that serves the client.
+class EventStream {
+public:
+    ~EventStream();  // gives its place back
+    EventStream(const EventStream&) = delete;
+    EventStream& operator=(const EventStream&) = delete;
+
+    // Waits for what comes next, in the form of server-sent events: first a snapshot, then notifications,
+    // oldest first, and a comment when there is nothing for a while. Empty when the stream is at its end.
+    std::string Next();
+
+private:
+    friend class EventHub;
+    EventStream(EventHub& hub, std::optional<long long> resumeAfter);
+
+    EventHub& hub_;
+    std::optional<long long> lastSeen_;
+    bool hasBegun_ = false;
+};
+
+// All streams, and the one thread that looks for new notifications while there are any.
+class EventHub {
+public:
+    //   streamLimit  streams at a time
+    //   heartbeat    the time after which a silent stream carries a comment, so that a dead client is found
+    EventHub(int streamLimit, std::chrono::seconds heartbeat);
+    ~EventHub();
+    EventHub(const EventHub&) = delete;
+    EventHub& operator=(const EventHub&) = delete;
+
+    // A new stream; null when too many are open.
+    //   lastSeen  the id of the last notification that the client has seen, if it has seen one
+    std::shared_ptr<EventStream> Open(std::optional<long long> lastSeen);
+
+    // Ends all streams. Called by any thread.
+    void Stop();
+
+private:
+    friend class EventStream;
+
+    std::string Begin(std::optional<long long>& lastSeen);
+    std::string Continue(long long& lastSeen);
+    void Leave();
+    void Poll();
+    long long ReadNewestId();
+
+    const int streamLimit_;
+    const std::chrono::seconds heartbeat_;
+    std::mutex storeMutex_;  // the store has one reader at a time
+    std::mutex mutex_;       // of what follows
+    std::condition_variable changed_;
+    int streams_ = 0;
+    long long newestId_ = 0;
+    bool isStopped_ = false;
+    std::thread poller_;
+};
+
+}  // namespace host

@@ -1,0 +1,59 @@
+#include "host/httpprocess.h"
+
+#include "host/events.h"
+#include "host/httpserver.h"
+#include "host/requestclient.h"
+#include "host/routes.h"
+
+#include "libcamvora/notifications.h"
+#include "platform/log.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+#include <thread>
+
+namespace host {
+
+namespace {
+
+// The store is quickest while one process keeps it open, and this one does not fork.
+void KeepStoreOpen() {
+    try {
+        (void)camvora::LastNotificationId();
+    } catch (const std::exception& error) {
+        CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Cannot read the store: %s\n",
+                 error.what());
+    }
+}
+
+// Held back in every thread, so that the one that waits for it gets it.
+sigset_t HoldBackStopSignal() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
+}
+
+}  // namespace
+
+int RunHttpProcess(UniqueFd listener, UniqueFd intake, const Module& module, const AccessToken& token,
+                   const Options& options) {
+    const sigset_t stopSignal = HoldBackStopSignal();
+    KeepStoreOpen();
+    RequestClient client(std::move(intake), options.requestLimit, options.requestTimeS);
+    EventHub events(options.streamLimit, std::chrono::seconds(options.heartbeatS));
+    Routes routes(module, token, options, client, events);
+    HttpServer server(std::move(listener), options);
+    routes.AddTo(server);
+    std::thread([&] {
+        int signal = 0;
+        sigwait(&stopSignal, &signal);
+        events.Stop();
+        server.Stop();
+    }).detach();
+    return server.Serve() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace host

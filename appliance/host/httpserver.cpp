@@ -1,0 +1,48 @@
+#include "host/httpserver.h"
+
+#include "host/connection.h"
+
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace host {
+
+HttpServer::HttpServer(UniqueFd listener, const host::Options& options)
+    : options_(options), listener_(std::move(listener)), stopEvent_(eventfd(0, EFD_CLOEXEC)) {
+    if (!stopEvent_.IsOpen()) {
+        throw std::system_error(errno, std::generic_category(), "eventfd");
+    }
+    svr_sock_ = listener_.Get();
+    new_task_queue = [this] {
+        const int threads = options_.connectionLimit + options_.streamLimit;
+        return new httplib::ThreadPool(static_cast<std::size_t>(threads));
+    };
+    set_write_timeout(options_.readTimeS);
+}
+
+bool HttpServer::Serve() {
+    return listen_after_bind();
+}
+
+void HttpServer::Stop() {
+    svr_sock_ = INVALID_SOCKET;
+    shutdown(listener_.Get(), SHUT_RDWR);  // ends the wait for a connection
+    eventfd_write(stopEvent_.Get(), 1);
+}
+
+bool HttpServer::process_and_close_socket(socket_t socket) {
+    Connection connection(socket, stopEvent_.Get(), options_.idleTimeS, options_.readTimeS);
+    bool closes = false;
+    while (!closes && connection.WaitForRequest()) {
+        const bool isServed = process_request(
+            connection, false, closes, [&](httplib::Request& request) { connection.BeginBody(request); });
+        closes = closes || !isServed || !connection.Flush() || !connection.IsAtRequestEnd();
+    }
+    connection.Close();
+    return true;
+}
+
+}  // namespace host

@@ -1,0 +1,32 @@
+// What the host can be told on its command line or in its configuration file.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace host {
+
+struct Options {
+    std::string listenAddress = "127.0.0.1";
+    int port = 8417;  // 0 picks a free one
+    std::string modulePath = "/var/packages/Camvora/target/webapi/ORVA.Camvora.AddOns.so";
+    std::string addressFile = "/var/packages/Camvora/target/@CVData/run/address";
+    int tokenFd = -1;
+    bool stopOnEof = false;
+
+    std::size_t bodyLimitBytes = std::size_t{8} << 20;
+    int requestLimit = 64;
+    int requestTimeS = 1800;
+    int connectionLimit = 256;
+    int streamLimit = 16;
+    int idleTimeS = 15;
+    int readTimeS = 10;
+    int drainTimeS = 30;
+    int heartbeatS = 10;
+};
+
+// Reads the command line and the configuration file into `options`. Returns true when the host shall
+// start; otherwise `exitStatus` tells how to end, after the help or a message has been printed.
+bool ParseOptions(int argc, const char* const* argv, Options& options, int& exitStatus);
+
+}  // namespace host

@@ -1,0 +1,89 @@
+#include "host/processes.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <fstream>
+#include <string>
+#include <system_error>
+#include <thread>
+
+namespace host {
+
+namespace {
+
+constexpr std::chrono::milliseconds kEndPoll{10};
+
+void ResetSignals() {
+    for (const int signal : {SIGCHLD, SIGPIPE, SIGINT, SIGTERM, SIGHUP}) {
+        std::signal(signal, SIG_DFL);
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+void DetachStandardStreams() {
+    const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
+    dup2(nowhere, STDIN_FILENO);
+    dup2(nowhere, STDOUT_FILENO);
+    close(nowhere);
+}
+
+void SignalChildren(int signal) {
+    const std::string self = std::to_string(getpid());
+    std::ifstream children("/proc/" + self + "/task/" + self + "/children");
+    for (pid_t child = 0; children >> child;) {
+        kill(child, signal);
+    }
+}
+
+// Returns true when no child is left.
+bool ReapAll() {
+    pid_t pid = 0;
+    while ((pid = waitpid(-1, nullptr, WNOHANG)) > 0) {
+    }
+    return pid < 0;
+}
+
+}  // namespace
+
+void EndWithParent(pid_t parent) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) {
+        _exit(1);  // it ended before the call above
+    }
+}
+
+pid_t StartProcess(const std::function<int()>& body) {
+    const pid_t parent = getpid();
+    const pid_t pid = fork();
+    if (pid == 0) {
+        EndWithParent(parent);
+        ResetSignals();
+        setsid();
+        DetachStandardStreams();
+        _exit(body());
+    }
+    if (pid < 0) {
+        throw std::system_error(errno, std::generic_category(), "fork");
+    }
+    return pid;
+}
+
+void EndDescendants(std::chrono::milliseconds grace) {
+    const auto deadline = std::chrono::steady_clock::now() + grace;
+    SignalChildren(SIGTERM);
+    while (!ReapAll()) {
+        if (std::chrono::steady_clock::now() >= deadline) {
+            SignalChildren(SIGKILL);
+        }
+        std::this_thread::sleep_for(kEndPoll);
+    }
+}
+
+}  // namespace host

@@ -1,0 +1,81 @@
+#include "host/records.h"
+
+#include <sys/socket.h>
+#include <sys/uio.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+namespace host {
+
+namespace {
+
+constexpr std::size_t kRecordLimitBytes = std::size_t{64} << 10;
+
+enum class Kind : char { kPart, kLastPart, kEnded };
+
+bool SendRecord(int socket, Kind kind, const void* bytes, std::size_t sizeBytes) {
+    std::array<iovec, 2> pieces{{{&kind, sizeof(kind)}, {const_cast<void*>(bytes), sizeBytes}}};
+    msghdr message{};
+    message.msg_iov = pieces.data();
+    message.msg_iovlen = pieces.size();
+    ssize_t sent = 0;
+    do {
+        sent = sendmsg(socket, &message, MSG_NOSIGNAL);
+    } while (sent < 0 && errno == EINTR);
+    return sent >= 0;
+}
+
+// The size of the record, 0 at the end, or -1.
+ssize_t ReceiveRecord(int socket, Kind& kind, char* bytes) {
+    std::array<iovec, 2> pieces{{{&kind, sizeof(kind)}, {bytes, kRecordLimitBytes}}};
+    msghdr message{};
+    message.msg_iov = pieces.data();
+    message.msg_iovlen = pieces.size();
+    ssize_t size = 0;
+    do {
+        size = recvmsg(socket, &message, 0);
+    } while (size < 0 && errno == EINTR);
+    return size;
+}
+
+}  // namespace
+
+bool SendText(int socket, const std::string& text) {
+    std::size_t offset = 0;
+    while (text.size() - offset > kRecordLimitBytes) {
+        if (!SendRecord(socket, Kind::kPart, text.data() + offset, kRecordLimitBytes)) {
+            return false;
+        }
+        offset += kRecordLimitBytes;
+    }
+    return SendRecord(socket, Kind::kLastPart, text.data() + offset, text.size() - offset);
+}
+
+void SendEnded(int socket, int waitStatus) {
+    (void)SendRecord(socket, Kind::kEnded, &waitStatus, sizeof(waitStatus));
+}
+
+Received ReceiveText(int socket, std::string& text, int& waitStatus) {
+    std::array<char, kRecordLimitBytes> buffer;
+    text.clear();
+    for (;;) {
+        Kind kind = Kind::kPart;
+        const ssize_t size = ReceiveRecord(socket, kind, buffer.data());
+        if (size <= 0) {
+            return size < 0 && errno == EAGAIN ? Received::kTimedOut : Received::kClosed;
+        }
+        if (kind == Kind::kEnded) {
+            std::memcpy(&waitStatus, buffer.data(), sizeof(waitStatus));
+            return Received::kEnded;
+        }
+        text.append(buffer.data(), static_cast<std::size_t>(size) - sizeof(kind));
+        if (kind == Kind::kLastPart) {
+            return Received::kText;
+        }
+    }
+}
+
+}  // namespace host

@@ -1,0 +1,50 @@
+#include "host/request.h"
+
+#include <cstring>
+
+namespace host {
+
+namespace {
+
+struct RequestHead {
+    std::int32_t row;
+    bool authorized;
+    bool upload;
+    std::uint32_t cookiesSize;
+};
+
+template <typename Head>
+std::string EncodeHead(const Head& head) {
+    return std::string(reinterpret_cast<const char*>(&head), sizeof(head));
+}
+
+template <typename Head>
+Head DecodeHead(const std::string& text) {
+    Head head{};
+    text.copy(reinterpret_cast<char*>(&head), sizeof(head));
+    return head;
+}
+
+}  // namespace
+
+std::string Encode(const Request& request) {
+    const RequestHead head{request.row, request.authorized, request.upload,
+                           static_cast<std::uint32_t>(request.cookies.size())};
+    return EncodeHead(head) + request.cookies + request.body;
+}
+
+Request DecodeRequest(const std::string& text) {
+    const auto head = DecodeHead<RequestHead>(text);
+    return {head.row, head.authorized, head.upload, text.substr(sizeof(head), head.cookiesSize),
+            text.substr(sizeof(head) + head.cookiesSize)};
+}
+
+std::string Encode(const Reply& reply) {
+    return EncodeHead(reply.httpStatus) + reply.body;
+}
+
+Reply DecodeReply(const std::string& text) {
+    return {DecodeHead<int>(text), text.substr(sizeof(int))};
+}
+
+}  // namespace host

@@ -1,0 +1,27 @@
+// A request on its way from the HTTP process to the request process.
+#pragma once
+
+#include "host/reply.h"
+
+#include <cstdint>
+#include <string>
+
+namespace host {
+
+constexpr std::int32_t kPing = -1;  // in place of a row: only tells that requests are served
+
+struct Request {
+    std::int32_t row = kPing;  // of the module's table
+    bool authorized = false;
+    bool upload = false;  // the body was a form
+    std::string cookies;  // as the client sent them
+    std::string body;     // the parameters as JSON text; empty for none
+};
+
+// The text form of requests and replies, for SendText. Decoding takes what Encode made.
+std::string Encode(const Request& request);
+std::string Encode(const Reply& reply);
+Request DecodeRequest(const std::string& text);
+Reply DecodeReply(const std::string& text);
+
+}  // namespace host

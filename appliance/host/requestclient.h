@@ -1,0 +1,33 @@
+// Has requests served by the request server, on behalf of HTTP clients.
+#pragma once
+
+#include "host/reply.h"
+#include "host/request.h"
+#include "host/uniquefd.h"
+
+#include <atomic>
+#include <string>
+
+namespace host {
+
+// Used by all threads of the HTTP process at once.
+class RequestClient {
+public:
+    //   intake        where connections are handed in to the request server
+    //   requestLimit  requests at a time; more are answered that too many run
+    //   requestTimeS  the longest time that the request server lets a request take, in seconds
+    RequestClient(UniqueFd intake, int requestLimit, int requestTimeS);
+
+    // Hands the request in and waits for the reply: the module's, or the framework's error when none comes.
+    Reply Call(const std::string& requestId, const Request& request);
+
+private:
+    Reply Exchange(const std::string& requestId, const Request& request) const;
+
+    UniqueFd intake_;
+    int requestLimit_;
+    int requestTimeS_;
+    std::atomic<int> running_{0};
+};
+
+}  // namespace host

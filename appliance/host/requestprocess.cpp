@@ -1,0 +1,100 @@
+#include "host/requestprocess.h"
+
+#include "host/cookies.h"
+#include "host/jsonparams.h"
+#include "host/records.h"
+#include "host/request.h"
+
+#include "libcamvora/requestcontent.h"
+#include "libcamvora/requestid.h"
+#include "platform/log.h"
+
+#include <cxxabi.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <typeinfo>
+
+namespace host {
+
+namespace {
+
+std::string TypeName(const std::type_info& type) {
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> name(
+        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
+    return name == nullptr ? type.name() : name.get();
+}
+
+// What the exception says may hold parameters, so only its type is logged. Where the caller is not authorised
+// to begin with, an exception on the way to the module's own refusal is a refusal too.
+Reply ReplyForException(const Request& request, const std::type_info* type, const char* what) {
+    const std::string name = type == nullptr ? "unknown" : TypeName(*type);
+    CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Handler failed with an exception of type %s\n",
+             name.c_str());
+    if (!request.authorized) {
+        return ReplyFor(FrameworkError::kNotAuthorized);
+    }
+    return ReplyFor(FrameworkError::kHandlerThrew, what);
+}
+
+Reply ReplyOf(const ORVA::ResponseContent& content) {
+    if (!content.answered) {
+        CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Handler ended without an answer\n");
+        return ReplyFor(FrameworkError::kNoAnswer);
+    }
+    return content.success ? SuccessReply(content.data) : ErrorReply(200, content.code, content.data);
+}
+
+Reply CallHandler(const Request& request, const MethodRow& row, const ORVA::RequestContent& content) {
+    ORVA::ResponseContent answer;
+    try {
+        ORVA::APIRequest apiRequest(content);
+        ORVA::APIResponse apiResponse(answer);
+        row.handler(&apiRequest, &apiResponse);
+        return ReplyOf(answer);
+    } catch (const std::exception& exception) {
+        return ReplyForException(request, &typeid(exception), exception.what());
+    } catch (...) {
+        return ReplyForException(request, abi::__cxa_current_exception_type(), "");
+    }
+}
+
+Reply Answer(const Request& request, const Module& module) {
+    if (request.row == kPing) {
+        return SuccessReply(Json::Value());
+    }
+    const MethodRow& row = module.Rows().at(static_cast<std::size_t>(request.row));
+    ORVA::RequestContent content;
+    if (const auto refusal = ReadParams(request.body, content.params)) {
+        return *refusal;
+    }
+    content.authorized = request.authorized;
+    content.upload = request.upload;
+    content.method = row.method;
+    content.cookies = ParseCookies(request.cookies);
+    return CallHandler(request, row, content);
+}
+
+}  // namespace
+
+void PrepareRequests() {
+    Json::Value params;
+    (void)ReadParams("{}", params);
+    (void)SuccessReply(params);
+}
+
+void ServeRequest(int connection, const std::string& requestId, const Module& module, int timeS) {
+    camvora::SetRequestId(requestId);
+    alarm(static_cast<unsigned>(timeS));
+    std::string text;
+    int waitStatus = 0;
+    if (ReceiveText(connection, text, waitStatus) == Received::kText) {
+        (void)SendText(connection, Encode(Answer(DecodeRequest(text), module)));
+    }
+    _exit(0);
+}
+
+}  // namespace host

@@ -1,0 +1,49 @@
+// What the host serves at which path.
+#pragma once
+
+#include "host/accesstoken.h"
+#include "host/events.h"
+#include "host/module.h"
+#include "host/options.h"
+#include "host/requestclient.h"
+
+#include <httplib.h>
+
+namespace host {
+
+// Answers HTTP requests. Used by all threads of the HTTP process at once.
+class Routes {
+public:
+    // All references stay the caller's.
+    Routes(const Module& module, const AccessToken& token, const Options& options, RequestClient& client,
+           EventHub& events);
+
+    // Has `server` answer its requests here. This object outlives the server.
+    void AddTo(httplib::Server& server);
+
+private:
+    using Answer = void (Routes::*)(const httplib::Request&, httplib::Response&);
+    struct Page;
+    static const Page kPages[];
+
+    httplib::Server::HandlerResponse AnswerEarly(const httplib::Request& request,
+                                                 httplib::Response& response);
+    void AnswerPage(const httplib::Request& request, httplib::Response& response);
+    void AnswerCall(const httplib::Request& request, httplib::Response& response,
+                    const httplib::ContentReader& reader);
+
+    void AnswerApis(const httplib::Request& request, httplib::Response& response);
+    void AnswerHealth(const httplib::Request& request, httplib::Response& response);
+    void AnswerLog(const httplib::Request& request, httplib::Response& response);
+    void AnswerEvents(const httplib::Request& request, httplib::Response& response);
+
+    bool IsAuthorized(const httplib::Request& request) const;
+
+    const Module& module_;
+    const AccessToken& token_;
+    const Options& options_;
+    RequestClient& client_;
+    EventHub& events_;
+};
+
+}  // namespace host
