@@ -1,0 +1,103 @@
+#include "client/commandline.h"
+
+#include "client/commands.h"
+#include "client/exitstatus.h"
+#include "client/failure.h"
+#include "client/jsontext.h"
+#include "client/output.h"
+#include "client/session.h"
+
+#include <unistd.h>
+#include <CLI/CLI.hpp>
+
+#include <cstring>
+#include <sstream>
+
+namespace client {
+namespace {
+
+// In the order of the help.
+constexpr void (*kCommands[])(CLI::App&, Session&) = {
+    AddList, AddStatus, AddApps, AddMethods, AddCall,
+};
+
+constexpr char kExamples[] =
+    "Examples:\n"
+    "  camvoractl list\n"
+    "  camvoractl status device_pack\n"
+    "  camvoractl apps --lang de --json\n"
+    "  camvoractl call GetInfo service=1\n\n";
+
+constexpr char kCommandFooter[] = "Options for all commands, and exit statuses: camvoractl --help\n";
+
+constexpr int kLongestTimeoutSeconds = 24 * 60 * 60;
+
+void AddOptions(CLI::App& program, GlobalOptions& options) {
+    program.set_version_flag("--version", "camvoractl " CAMVORA_VERSION, "Print the version and exit");
+    program.add_flag("--json", options.json, "Write JSON, errors too, to standard output");
+    program.add_option("--timeout", options.timeoutSeconds, "Longest time to wait for a reply, in seconds")
+        ->check(CLI::Range(1, kLongestTimeoutSeconds))
+        ->option_text("SECONDS [60]");
+    program
+        .add_option("--dir", options.location.dir,
+                    "The appliance's folder. Default: the environment's CAMVORA_DIR, else the folder of this "
+                    "program")
+        ->envname("CAMVORA_DIR")
+        ->option_text("DIR");
+    program.add_option("--url", options.location.url, "Address of the appliance, instead of the folder's")
+        ->option_text("http://HOST:PORT");
+    program
+        .add_option("--token-file", options.location.tokenFile, "File of the token, instead of the folder's")
+        ->option_text("FILE");
+}
+
+void AddCommands(CLI::App& program, Session& session) {
+    program.footer(kCommandFooter);  // handed down to the commands
+    for (const auto add : kCommands) {
+        add(program, session);
+    }
+    program.footer(kExamples + ExitStatusHelp());
+}
+
+int Report(const Failure& failure, bool json) {
+    const bool isReported = json && WriteWhole(STDOUT_FILENO, ToJson(FailureDocument(failure)) + "\n") == 0;
+    if (!isReported) {
+        (void)WriteWhole(STDERR_FILENO, FailureText(failure));  // there is nowhere else to say it
+    }
+    return static_cast<int>(failure.status);
+}
+
+// Help and version leave the parser as exceptions, too.
+int PrintInformation(const CLI::App& program, const CLI::Success& wish, const GlobalOptions& options) {
+    std::ostringstream text;
+    program.exit(wish, text, text);
+    const int error = WriteWhole(STDOUT_FILENO, text.str());
+    return error == 0 ? 0 : Report(Failure(ExitStatus::kFailed, strerror(error)), options.json);
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, const char* const* argv) {
+    GlobalOptions options;
+    Session session(options);
+    CLI::App program("Manages the add-on services of a Camvora appliance.", "camvoractl");
+    program.require_subcommand(1);
+    program.fallthrough();  // global options may stand behind the command
+    AddOptions(program, options);
+    AddCommands(program, session);
+    try {
+        program.parse(argc, argv);
+        return static_cast<int>(ExitStatus::kDone);
+    } catch (const CLI::Success& wish) {
+        return PrintInformation(program, wish, options);
+    } catch (const CLI::ParseError& error) {
+        const Failure failure(ExitStatus::kUsage, std::string(error.what()) + ". See camvoractl --help");
+        return Report(failure, program.count("--json") > 0);  // the option's variable may not be set yet
+    } catch (const Failure& failure) {
+        return Report(failure, options.json);
+    } catch (const std::exception& error) {
+        return Report(Failure(ExitStatus::kFailed, error.what()), options.json);
+    }
+}
+
+}  // namespace client

@@ -1,0 +1,20 @@
+// The commands, each in a source of its own name. Each function adds its command to the program's command
+// line; the command runs when the whole line has been parsed, and throws Failure when it is not done. Program
+// and session must live until then.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace client {
+
+class Session;
+
+void AddList(CLI::App& program, Session& session);
+void AddStatus(CLI::App& program, Session& session);
+void AddApps(CLI::App& program, Session& session);
+void AddMethods(CLI::App& program, Session& session);
+void AddCall(CLI::App& program, Session& session);
+
+}  // namespace client

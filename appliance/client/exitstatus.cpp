@@ -1,0 +1,63 @@
+#include "client/exitstatus.h"
+
+namespace client {
+namespace {
+
+struct Meaning {
+    ExitStatus status;
+    const char* words;
+};
+
+// Scripts rely on these.
+constexpr Meaning kMeanings[] = {
+    {ExitStatus::kDone, "done"},
+    {ExitStatus::kFailed, "failed"},
+    {ExitStatus::kUsage, "wrong usage"},
+    {ExitStatus::kNotFound, "not found"},
+    {ExitStatus::kRefused, "refused by a check"},
+    {ExitStatus::kBusy, "busy"},
+    {ExitStatus::kUnreachable, "host unreachable"},
+    {ExitStatus::kNotAuthorised, "not authorised"},
+    {ExitStatus::kTimedOut, "timed out"},
+    {ExitStatus::kOtherOutcome, "finished, but the outcome is not the one asked for"},
+    {ExitStatus::kInterrupted, "interrupted"},
+};
+
+constexpr int kAnyCode = 0;
+
+struct Mapping {
+    int httpStatus;
+    int code;
+    ExitStatus status;
+};
+
+constexpr Mapping kMappings[] = {
+    {200, 105, ExitStatus::kNotAuthorised},      {200, 400, ExitStatus::kFailed},
+    {401, kAnyCode, ExitStatus::kNotAuthorised}, {403, kAnyCode, ExitStatus::kNotAuthorised},
+    {404, kAnyCode, ExitStatus::kNotFound},      {408, kAnyCode, ExitStatus::kTimedOut},
+    {413, kAnyCode, ExitStatus::kRefused},       {429, kAnyCode, ExitStatus::kBusy},
+    {502, kAnyCode, ExitStatus::kUnreachable},   {503, kAnyCode, ExitStatus::kBusy},
+    {504, kAnyCode, ExitStatus::kTimedOut},
+};
+
+}  // namespace
+
+std::string ExitStatusHelp() {
+    std::string help = "Exit status:\n";
+    for (const Meaning& meaning : kMeanings) {
+        const std::string number = std::to_string(static_cast<int>(meaning.status));
+        help += std::string(5 - number.size(), ' ') + number + "  " + meaning.words + "\n";
+    }
+    return help;
+}
+
+ExitStatus StatusOfError(int httpStatus, int code) {
+    for (const Mapping& mapping : kMappings) {
+        if (mapping.httpStatus == httpStatus && (mapping.code == kAnyCode || mapping.code == code)) {
+            return mapping.status;
+        }
+    }
+    return ExitStatus::kFailed;
+}
+
+}  // namespace client

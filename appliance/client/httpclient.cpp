@@ -1,0 +1,100 @@
+#include "client/httpclient.h"
+
+#include "client/failure.h"
+#include "client/watchdog.h"
+
+#include <httplib.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace client {
+namespace {
+
+constexpr std::chrono::seconds kConnectLimit{10};
+constexpr std::size_t kReplyLimitBytes = 16U << 20U;
+
+httplib::Request MakeRequest(const char* method, const std::string& path, const std::string& body,
+                             const std::string& token) {
+    httplib::Request request;
+    request.method = method;
+    request.path = path;
+    request.body = body;
+    if (!body.empty()) {
+        request.set_header("Content-Type", "application/json");
+    }
+    if (!token.empty()) {
+        request.set_header("Authorization", "Bearer " + token);
+    }
+    return request;
+}
+
+bool IsWithoutConnection(httplib::Error error) {
+    return error == httplib::Error::Connection || error == httplib::Error::ConnectionTimeout;
+}
+
+Failure NotAnswering(const Location& location) {
+    const std::string hint = location.hint.empty() ? "" : "; " + location.hint;
+    return {ExitStatus::kUnreachable, "No appliance answers at " + location.url + hint};
+}
+
+Failure TimedOut(const Location& location, std::chrono::seconds timeLimit) {
+    return {ExitStatus::kTimedOut, "No whole reply from " + location.url + " within " +
+                                       std::to_string(timeLimit.count()) +
+                                       " s. The appliance may still be at work; --timeout waits longer"};
+}
+
+Failure BrokenOff(const Location& location, httplib::Error error) {
+    if (error == httplib::Error::Canceled) {
+        return {ExitStatus::kFailed, "The reply from " + location.url + " is too large"};
+    }
+    return {ExitStatus::kUnreachable,
+            "The connection to " + location.url +
+                " ended without a whole reply. The appliance may have done its work"};
+}
+
+}  // namespace
+
+HttpClient::HttpClient(Location location, std::chrono::seconds timeLimit)
+    : location_(std::move(location)), timeLimit_(timeLimit) {}
+
+HttpReply HttpClient::Get(const std::string& path,
+                          const std::multimap<std::string, std::string>& query) const {
+    return Send("GET", query.empty() ? path : httplib::append_query_params(path, query), "");
+}
+
+HttpReply HttpClient::Post(const std::string& path, const std::string& body) const {
+    return Send("POST", path, body);
+}
+
+HttpReply HttpClient::Send(const char* method, const std::string& path, const std::string& body) const {
+    httplib::Client http(location_.url);
+    http.set_connection_timeout(std::min(timeLimit_, kConnectLimit));
+    http.set_read_timeout(2 * timeLimit_);  // the watchdog comes first: a read limit starts anew at each byte
+    http.set_write_timeout(2 * timeLimit_);
+
+    HttpReply reply;
+    httplib::Request request = MakeRequest(method, path, body, location_.token);
+    request.content_receiver = [&reply](const char* data, std::size_t size, std::uint64_t, std::uint64_t) {
+        reply.body.append(data, size);
+        return reply.body.size() <= kReplyLimitBytes;
+    };
+
+    Watchdog watchdog(timeLimit_, [&http] { http.stop(); });
+    const httplib::Result result = http.send(request);
+    if (IsWithoutConnection(result.error())) {
+        throw NotAnswering(location_);
+    }
+    // Ended by the watchdog, a reply of unknown length looks whole.
+    if (watchdog.HasExpired()) {
+        throw TimedOut(location_, timeLimit_);
+    }
+    if (!result) {
+        throw BrokenOff(location_, result.error());
+    }
+    reply.status = result->status;
+    reply.requestId = result->get_header_value("X-Request-Id");
+    return reply;
+}
+
+}  // namespace client

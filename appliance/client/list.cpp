@@ -1,0 +1,33 @@
+// camvoractl list
+#include "client/commands.h"
+#include "client/jsontext.h"
+#include "client/servicefields.h"
+#include "client/services.h"
+#include "client/session.h"
+#include "client/table.h"
+
+#include <CLI/App.hpp>
+
+namespace client {
+namespace {
+
+Table ServiceTable(const Json::Value& data) {
+    Table table(FieldLabels());
+    for (const Json::Value& entry : EntriesIn(data)) {
+        table.AddRow(FieldWords(Member(entry, "info")));
+    }
+    return table;
+}
+
+void List(Session& session) {
+    const Json::Value data = session.Host().Call("List", Json::objectValue);
+    session.Print(data, ServiceTable(data));
+}
+
+}  // namespace
+
+void AddList(CLI::App& program, Session& session) {
+    program.add_subcommand("list", "Show all services")->callback([&session] { List(session); });
+}
+
+}  // namespace client

@@ -1,0 +1,26 @@
+#include "client/commandline.h"
+#include "client/exitstatus.h"
+
+#include <unistd.h>
+
+#include <csignal>
+
+namespace {
+
+// Nothing has been written yet and nothing is to be tidied up: output is written when it is whole.
+extern "C" void EndInterrupted(int /*signal*/) {
+    constexpr char kText[] = "camvoractl: Interrupted\n";
+    (void)!write(STDERR_FILENO, kText, sizeof(kText) - 1);
+    _exit(static_cast<int>(client::ExitStatus::kInterrupted));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+    // A shell starts background jobs with the interrupt ignored; that stays.
+    if (std::signal(SIGINT, EndInterrupted) == SIG_IGN) {
+        std::signal(SIGINT, SIG_IGN);
+    }
+    return client::RunCommandLine(argc, argv);
+}

@@ -1,0 +1,18 @@
+// Values of the appliance in plain words. A value of an unexpected type is shown as it is, a missing one is
+// empty.
+#pragma once
+
+#include <json/value.h>
+
+#include <string>
+
+namespace client {
+
+std::string YesNo(const Json::Value& value);
+
+std::string OnOff(const Json::Value& value);
+
+// The word for the status of a service; the number where there is no word for it.
+std::string StatusWord(const Json::Value& value);
+
+}  // namespace client

@@ -1,0 +1,33 @@
+// Services by the names that the appliance gives them.
+#pragma once
+
+#include <json/value.h>
+
+#include <string>
+#include <vector>
+
+namespace client {
+
+class Appliance;
+
+struct Service {
+    int number;
+    std::string shortName;
+};
+
+// The array in the data of "List". Throws Failure (kFailed) when there is none.
+Json::Value EntriesIn(const Json::Value& listData);
+
+// The services in the data of "List". Entries that are not of the expected form are passed over.
+//   throws  as EntriesIn does
+std::vector<Service> ServicesIn(const Json::Value& listData);
+
+// The number of the service of that short name.
+//   throws  Failure (kNotFound), with the names that may have been meant
+int FindByName(const std::vector<Service>& services, const std::string& name);
+
+// The number of the service that `text` names: a number, which is taken as it is, or a short name, which
+// the appliance is asked about. Throws Failure: kNotFound, kUsage for a number too large, or as Call does.
+int ResolveService(const Appliance& appliance, const std::string& text);
+
+}  // namespace client

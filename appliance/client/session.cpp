@@ -1,0 +1,37 @@
+#include "client/session.h"
+
+#include "client/failure.h"
+#include "client/jsontext.h"
+#include "client/output.h"
+#include "client/table.h"
+
+#include <unistd.h>
+
+#include <cstring>
+
+namespace client {
+
+Session::Session(const GlobalOptions& options) : options_(options) {}
+
+Appliance& Session::Host() {
+    if (!appliance_) {
+        appliance_.emplace(HttpClient(Locate(options_.location, ProgramDir()),
+                                      std::chrono::seconds(options_.timeoutSeconds)));
+    }
+    return *appliance_;
+}
+
+void Session::Print(const Json::Value& data, const Table& table) const {
+    const int error = WriteWhole(STDOUT_FILENO, options_.json ? ToJson(data) + "\n" : table.Text());
+    if (error != 0) {
+        throw Failure(ExitStatus::kFailed, std::string("Cannot write the outcome: ") + strerror(error));
+    }
+}
+
+void Session::Say(const std::string& text) const {
+    if (!options_.json) {
+        (void)WriteWhole(STDERR_FILENO, text + "\n");  // there is nowhere else to say it
+    }
+}
+
+}  // namespace client

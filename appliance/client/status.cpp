@@ -1,0 +1,45 @@
+// camvoractl status SERVICE
+#include "client/commands.h"
+#include "client/failure.h"
+#include "client/servicefields.h"
+#include "client/services.h"
+#include "client/session.h"
+#include "client/table.h"
+
+#include <CLI/App.hpp>
+
+#include <memory>
+
+namespace client {
+namespace {
+
+Table InfoTable(const Json::Value& info) {
+    if (!info.isObject()) {
+        throw Failure(ExitStatus::kFailed, "GetInfo failed: the answer describes no service");
+    }
+    const std::vector<std::string> labels = FieldLabels();
+    const std::vector<std::string> words = FieldWords(info);
+    Table table;
+    for (std::size_t field = 0; field < labels.size(); ++field) {
+        table.AddRow({labels[field], words[field]});
+    }
+    return table;
+}
+
+void Status(Session& session, const std::string& service) {
+    Json::Value params;
+    params["service"] = ResolveService(session.Host(), service);
+    const Json::Value info = session.Host().Call("GetInfo", params);
+    session.Print(info, InfoTable(info));
+}
+
+}  // namespace
+
+void AddStatus(CLI::App& program, Session& session) {
+    CLI::App* command = program.add_subcommand("status", "Show one service");
+    const auto service = std::make_shared<std::string>();
+    command->add_option("SERVICE", *service, "Number or short name of the service")->required();
+    command->callback([&session, service] { Status(session, *service); });
+}
+
+}  // namespace client
