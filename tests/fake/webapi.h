@@ -1,0 +1,38 @@
+// What a test gives the web API framework, and what comes back.
+#pragma once
+
+#include "platform/webapi.h"
+
+#include <map>
+#include <string>
+
+namespace ORVA {
+
+struct RequestContent {
+    bool isAuthorized;
+    std::string method;
+    Json::Value params;  // an object
+    std::map<std::string, std::string> cookies;
+};
+
+// The answer as its line in the journal ("SetError 105 null"); empty while there is none.
+struct ResponseContent {
+    std::string answer;
+};
+
+}  // namespace ORVA
+
+namespace fake {
+
+// A request for `method`, its parameters as JSON text, from a caller whom the framework has authorised.
+ORVA::RequestContent Authorized(const std::string& method, const std::string& params = "{}");
+
+// The same from any other caller.
+ORVA::RequestContent Unauthorized(const std::string& method, const std::string& params,
+                                  const std::map<std::string, std::string>& cookies = {});
+
+// Hands the request to `handler`, as the framework does, and returns its answer.
+std::string Serve(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
+                  const ORVA::RequestContent& request);
+
+}  // namespace fake

@@ -1,0 +1,129 @@
+#include "libcamvora/apps.h"
+
+#include "capturedlog.h"
+#include "temporaryfolder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+bool IsService6(ADDON_SERVICE service) {
+    return service == ADDON_SERVICE_LOCAL_DISPLAY;
+}
+
+constexpr char kApps[] = R"({"apps":[
+    {"id":"live", "title":"t_live", "path":"apps/live"},
+    {"id":"display", "title":"t_display", "path":"apps/display", "service":6},
+    {"id":"cms", "title":"t_cms", "path":"apps/cms", "service":2}]})";
+
+class AppsTest : public testing::Test {
+protected:
+    void SetUp() override {
+        folder_.Write("ui/apps.json", kApps);
+        folder_.Write("ui/texts/en.json", R"({"t_live":"Live View", "t_display":"Display"})");
+        folder_.Write("ui/texts/de.json", R"({"t_live":"Live-Ansicht", "t_display":5})");
+        (void)TakeLoggedTexts();
+    }
+
+    bool Read(const std::string& language) {
+        status_ = Json::Value(Json::objectValue);
+        return camvora::ReadAppsStatus(folder_.PathOf("ui"), language, IsService6, status_);
+    }
+
+    const TemporaryFolder folder_;
+    Json::Value status_;
+};
+
+TEST_F(AppsTest, HaveTitlePathAndWhetherTheyWork) {
+    EXPECT_TRUE(Read("en"));
+    ASSERT_EQ(3U, status_.size());
+    EXPECT_EQ("Live View", status_["live"]["title"].asString());
+    EXPECT_EQ("apps/live", status_["live"]["path"].asString());
+    EXPECT_TRUE(status_["live"]["blEnabled"].asBool());
+    EXPECT_TRUE(status_["display"]["blEnabled"].asBool());
+    EXPECT_FALSE(status_["cms"]["blEnabled"].asBool());
+    EXPECT_TRUE(TakeLoggedTexts().empty());
+}
+
+TEST_F(AppsTest, FallBackToEnglishThenToTheKey) {
+    EXPECT_TRUE(Read("de"));
+    EXPECT_EQ("Live-Ansicht", status_["live"]["title"].asString());
+    EXPECT_EQ("Display", status_["display"]["title"].asString());
+    EXPECT_EQ("t_cms", status_["cms"]["title"].asString());
+}
+
+TEST_F(AppsTest, TakeEnglishForWhatIsNoKnownLanguage) {
+    folder_.Write("ui/x.json", R"({"t_live":"outside"})");
+    folder_.Write("ui/texts/DE.json", R"({"t_live":"upper case"})");
+    folder_.Write("ui/texts/.json", R"({"t_live":"no name"})");
+    for (const std::string& language :
+         {std::string(), std::string("fr"), std::string("DE"), std::string("../x"), std::string("de/../../x"),
+          std::string("/etc/passwd"), std::string("de\0x", 4), std::string(100000, 'd')}) {
+        EXPECT_TRUE(Read(language)) << language.substr(0, 20);
+        EXPECT_EQ("Live View", status_["live"]["title"].asString()) << language.substr(0, 20);
+    }
+    EXPECT_TRUE(TakeLoggedTexts().empty());
+}
+
+struct DamageCase {
+    const char* name;
+    const char* file;
+    std::string content;
+    unsigned appsLeft;
+};
+
+const std::string kDeep = std::string(5000, '[') + std::string(5000, ']');
+
+// Each costs what is damaged and one line in the log.
+const DamageCase kDamageCases[] = {
+    {"empty_file", "ui/apps.json", "", 0},
+    {"cut_file", "ui/apps.json", R"({"apps":[{"id":"live")", 0},
+    {"list_at_the_top", "ui/apps.json", "[]", 0},
+    {"nested_too_deeply", "ui/apps.json", "{\"apps\":" + kDeep + "}", 0},
+    {"too_large", "ui/apps.json", "{\"apps\":[]}" + std::string(2U << 20, ' '), 0},
+    {"rest_behind_the_object", "ui/apps.json", R"({"apps":[]} {})", 0},
+    {"no_list", "ui/apps.json", "{}", 0},
+    {"object_for_list", "ui/apps.json", R"({"apps":{}})", 0},
+    {"one_app_without_id", "ui/apps.json",
+     R"({"apps":[{"title":"t", "path":"p"}, {"id":"live", "title":"t", "path":"p"}]})", 1},
+    {"number_for_app", "ui/apps.json", R"({"apps":[5, {"id":"live", "title":"t", "path":"p"}]})", 1},
+    {"text_for_service", "ui/apps.json",
+     R"({"apps":[{"id":"live", "title":"t", "path":"p", "service":"6"}]})", 0},
+    {"huge_service", "ui/apps.json",
+     R"({"apps":[{"id":"live", "title":"t", "path":"p", "service":6000000000}]})", 0},
+    {"damaged_texts", "ui/texts/de.json", "{", 3},
+    {"damaged_english_texts", "ui/texts/en.json", "{", 3},
+};
+
+class DamagedApps : public AppsTest, public testing::WithParamInterface<DamageCase> {};
+
+TEST_P(DamagedApps, AreReadAsFarAsPossible) {
+    folder_.Write(GetParam().file, GetParam().content);
+    EXPECT_FALSE(Read("de"));
+    EXPECT_TRUE(status_.isObject());
+    EXPECT_EQ(GetParam().appsLeft, status_.size());
+    EXPECT_EQ(1U, TakeLoggedTexts().size());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, DamagedApps, testing::ValuesIn(kDamageCases),
+                         [](const auto& damage) { return std::string(damage.param.name); });
+
+TEST(ShippedApps, HaveTitlesInEachLanguage) {
+    for (const char* language : {"en", "de"}) {
+        Json::Value status(Json::objectValue);
+        ASSERT_TRUE(camvora::ReadAppsStatus(UI_FOLDER, language, IsService6, status));
+        EXPECT_FALSE(status.empty());
+        for (const Json::Value& app : status) {
+            EXPECT_NE(0U, app["title"].asString().rfind("app_", 0)) << language << app["title"].asString();
+        }
+    }
+    Json::Value english(Json::objectValue);
+    Json::Value german(Json::objectValue);
+    (void)camvora::ReadAppsStatus(UI_FOLDER, "en", IsService6, english);
+    (void)camvora::ReadAppsStatus(UI_FOLDER, "de", IsService6, german);
+    EXPECT_NE(english, german);
+}
+
+}  // namespace

@@ -1,0 +1,55 @@
+#include "children.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+#include <array>
+#include <cstdlib>
+#include <exception>
+#include <vector>
+
+namespace {
+
+// Never returns, so that a child does not run the rest of the test program.
+[[noreturn]] void RunChild(int startSignal, int number, const std::function<bool(int)>& work) noexcept {
+    char end = 0;
+    (void)!read(startSignal, &end, 1);
+    try {
+        _exit(work(number) ? EXIT_SUCCESS : EXIT_FAILURE);
+    } catch (const std::exception&) {
+        _exit(EXIT_FAILURE);
+    }
+}
+
+bool Succeeded(pid_t child) {
+    int status = 0;
+    return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int CountSuccesses(int count, const std::function<bool(int)>& work) {
+    std::array<int, 2> start{};
+    if (pipe(start.data()) != 0) {
+        return 0;
+    }
+    std::vector<pid_t> children;
+    for (int number = 0; number < count; ++number) {
+        const pid_t child = fork();
+        if (child == 0) {
+            close(start[1]);
+            RunChild(start[0], number, work);
+        }
+        children.push_back(child);
+    }
+    close(start[0]);
+    close(start[1]);  // the end of the file is the signal
+    int successes = 0;
+    for (const pid_t child : children) {
+        successes += Succeeded(child) ? 1 : 0;
+    }
+    return successes;
+}
+
+bool SucceedsInChild(const std::function<bool()>& work) {
+    return CountSuccesses(1, [&work](int) { return work(); }) == 1;
+}

@@ -1,0 +1,189 @@
+#include "libcamvora/store.h"
+
+#include "capturedlog.h"
+#include "children.h"
+#include "temporaryfolder.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using camvora::Store;
+
+class StoreTest : public testing::Test {
+protected:
+    void SetUp() override { (void)TakeLoggedTexts(); }
+
+    bool Set(Store& store, const std::string& value) {
+        return store.Write([&value](SQLite::Database& database) {
+            database.exec("INSERT OR REPLACE INTO settings VALUES('key', '" + value + "')");
+        });
+    }
+
+    std::string Get(Store& store) {
+        const auto state = store.Read();
+        const auto setting = state->settings.find("key");
+        return setting == state->settings.end() ? "default" : setting->second;
+    }
+
+    // Runs `work` in a forked process, with the store's part in the fork.
+    bool InChild(Store& store, const std::function<bool()>& work) {
+        store.BeforeFork();
+        const bool success = SucceedsInChild([&] {
+            store.AfterForkInChild();
+            return work();
+        });
+        store.AfterForkInParent();
+        return success;
+    }
+
+    // Makes the last write look as if it were long ago.
+    void LetSettle() {
+        const timespec longAgo[2] = {{1000, 0}, {1000, 0}};
+        for (const std::string& path : {path_, path_ + "-wal"}) {
+            (void)utimensat(AT_FDCWD, path.c_str(), longAgo, 0);
+        }
+    }
+
+    int OpenFilesOfDatabase() {
+        int count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+            std::error_code closedMeanwhile;
+            const auto target = std::filesystem::read_symlink(entry.path(), closedMeanwhile).string();
+            count += target.rfind(path_, 0) == 0 ? 1 : 0;
+        }
+        return count;
+    }
+
+    const TemporaryFolder folder_;
+    const std::string path_ = folder_.PathOf("camvora.db");
+    Store store_{path_};
+};
+
+TEST_F(StoreTest, ReadsWhatWasWritten) {
+    EXPECT_EQ("default", Get(store_));
+    EXPECT_TRUE(Set(store_, "one"));
+    EXPECT_EQ("one", Get(store_));
+    EXPECT_TRUE(TakeLoggedTexts().empty());
+}
+
+TEST_F(StoreTest, WritesAllOrNothing) {
+    ASSERT_TRUE(Set(store_, "one"));
+    EXPECT_FALSE(store_.Write([](SQLite::Database& database) {
+        database.exec("UPDATE settings SET value = 'two'");
+        database.exec("UPDATE settings SET value = NULL");
+    }));
+    EXPECT_EQ("one", Get(store_));
+    EXPECT_EQ(1U, TakeLoggedTexts().size());
+}
+
+TEST_F(StoreTest, CarriesNoConnectionAcrossAFork) {
+    ASSERT_TRUE(Set(store_, "one"));
+    ASSERT_GT(OpenFilesOfDatabase(), 0);
+    EXPECT_TRUE(InChild(
+        store_, [this] { return OpenFilesOfDatabase() == 0 && Get(store_) == "one" && Set(store_, "two"); }));
+    EXPECT_EQ("two", Get(store_));
+}
+
+TEST_F(StoreTest, TakesWritesOfManyProcesses) {
+    constexpr int kProcesses = 8;
+    constexpr int kWrites = 20;
+    ASSERT_EQ(kProcesses, CountSuccesses(kProcesses, [this](int number) {
+                  Store store(path_);
+                  int written = 0;
+                  for (int i = 0; i < kWrites; ++i) {
+                      const std::string key = std::to_string(number * kWrites + i);
+                      written += store.Write([&key](SQLite::Database& database) {
+                          database.exec("INSERT INTO settings VALUES('" + key + "', '')");
+                      })
+                                     ? 1
+                                     : 0;
+                  }
+                  return written == kWrites;
+              }));
+    EXPECT_EQ(static_cast<std::size_t>(kProcesses * kWrites), store_.Read()->settings.size());
+}
+
+// The one who remembers serves requests from a process of its own; `store_` is the rest of the world.
+class RememberingStore : public StoreTest {
+protected:
+    void SetUp() override {
+        StoreTest::SetUp();
+        ASSERT_TRUE(Set(store_, "one"));
+        LetSettle();
+        server_.Remember();
+    }
+
+    Store server_{path_};
+};
+
+TEST_F(RememberingStore, ReadsWithoutOpeningTheDatabase) {
+    EXPECT_TRUE(InChild(server_, [this] {
+        const int before = OpenFilesOfDatabase();
+        return Get(server_) == "one" && OpenFilesOfDatabase() == before;
+    }));
+}
+
+TEST_F(RememberingStore, SeesWhatWasWrittenAfterTheFork) {
+    EXPECT_TRUE(InChild(server_, [this] { return Set(store_, "two") && Get(server_) == "two"; }));
+}
+
+TEST_F(RememberingStore, SeesItsOwnWrites) {
+    EXPECT_TRUE(InChild(server_, [this] { return Set(server_, "two") && Get(server_) == "two"; }));
+}
+
+TEST_F(RememberingStore, SeesAWriteInTheSameInstantAsTheOneBefore) {
+    ASSERT_TRUE(Set(store_, "two"));
+    server_.Remember();  // too early to tell the next write from the last one
+    ASSERT_TRUE(Set(store_, "six"));
+    EXPECT_EQ("six", Get(server_));
+}
+
+TEST_F(RememberingStore, TakesNothingFromTheMiddleOfAWrite) {
+    ASSERT_TRUE(Set(store_, "two"));
+    ASSERT_TRUE(store_.Write([this](SQLite::Database& database) {
+        database.exec("UPDATE settings SET value = 'three'");
+        LetSettle();
+        server_.Remember();
+    }));
+    LetSettle();
+    EXPECT_EQ("three", Get(server_));
+}
+
+TEST_F(RememberingStore, SeesThatTheDatabaseWasReplaced) {
+    for (const char* suffix : {"", "-wal", "-shm"}) {
+        std::filesystem::remove(path_ + suffix);
+    }
+    EXPECT_EQ("default", Get(server_));
+}
+
+TEST_F(StoreTest, GivesDefaultsAndOneLineWhereTheDatabaseIsDamaged) {
+    folder_.Write("camvora.db", std::string(4096, 'x'));
+    for (int i = 0; i < 7; ++i) {
+        EXPECT_EQ("default", Get(store_));
+    }
+    EXPECT_EQ(1U, TakeLoggedTexts().size());
+    EXPECT_TRUE(
+        InChild(store_, [this] { return Get(store_) == "default" && TakeLoggedTexts().size() == 1; }));
+    EXPECT_FALSE(Set(store_, "one"));
+    EXPECT_EQ(1U, TakeLoggedTexts().size());
+    EXPECT_THROW(store_.Query([](SQLite::Database&) {}), std::runtime_error);
+    EXPECT_EQ(std::string(4096, 'x'), folder_.Read("camvora.db"));
+}
+
+TEST_F(StoreTest, RemembersNothingOfADamagedDatabase) {
+    folder_.Write("camvora.db", std::string(4096, 'x'));
+    LetSettle();
+    store_.Remember();
+    EXPECT_TRUE(TakeLoggedTexts().empty());
+    EXPECT_EQ("default", Get(store_));
+    EXPECT_EQ(1U, TakeLoggedTexts().size());
+}
+
+}  // namespace
