@@ -1,6 +1,6 @@
 #include "libcamvora/apps.h"
 
-#include "libcamvora/jsonfile.h"
+#include "libcamvora/jsonobject.h"
 #include "libcamvora/uitexts.h"
 #include "platform/log.h"
 

@@ -31,9 +31,8 @@ std::string_view Unquoted(std::string_view value) {
 
 std::optional<std::string_view> ValueInLine(std::string_view line, std::string_view key) {
     const std::size_t equals = line.find('=');
-    const std::string_view name = Trimmed(line.substr(0, equals));
-    if (equals == std::string_view::npos || name != key || name.substr(0, 1) == "#") {
-        return std::nullopt;
+    if (equals == std::string_view::npos || Trimmed(line.substr(0, equals)) != key) {
+        return std::nullopt;  // a comment, too: its "#" makes another key
     }
     const std::string_view value = Unquoted(Trimmed(line.substr(equals + 1)));
     return value.substr(0, value.find('\0'));

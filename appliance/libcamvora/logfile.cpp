@@ -1,9 +1,9 @@
 #include "libcamvora/logfile.h"
 
 #include "libcamvora/descriptor.h"
+#include "libcamvora/jsonobject.h"
 
 #include <fcntl.h>
-#include <json/reader.h>
 #include <sys/stat.h>
 
 #include <array>
@@ -12,6 +12,7 @@
 #include <cstring>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace camvora {
@@ -34,24 +35,21 @@ int OpenWithFolder(const std::string& path) {
     return OpenForAppend(path);
 }
 
-bool IsLineOfRequest(const char* line, const std::string& requestId, Json::Value& entry) {
+std::optional<Json::Value> EntryOfRequest(const char* line, const std::string& requestId) {
     if (std::strstr(line, requestId.c_str()) == nullptr) {
-        return false;  // spares the parser most lines
+        return std::nullopt;  // spares the parser most lines
     }
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    return reader->parse(line, line + std::strlen(line), &entry, nullptr) && entry.isObject() &&
-           entry["request"] == requestId;
+    std::optional<Json::Value> entry = ParseJsonObject(line);
+    return entry && (*entry)["request"] == requestId ? entry : std::nullopt;
 }
 
 void CollectLines(const std::string& path, const std::string& requestId, std::deque<Json::Value>& found) {
     const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "re"), &std::fclose);
     std::array<char, kLineLimitBytes> line{};
     while (file != nullptr && std::fgets(line.data(), line.size(), file.get()) != nullptr) {
-        Json::Value entry;
-        if (!IsLineOfRequest(line.data(), requestId, entry)) {
-            continue;
+        if (auto entry = EntryOfRequest(line.data(), requestId)) {
+            found.push_back(std::move(*entry));
         }
-        found.push_back(std::move(entry));
         if (found.size() > kLinesLimit) {
             found.pop_front();
         }

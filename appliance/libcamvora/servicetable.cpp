@@ -12,13 +12,13 @@ namespace {
 
 constexpr ServiceEntry kServices[] = {
     // clang-format off
-    {ADDON_SERVICE_NONE,          "none",          "None",               nullptr,             RunsNever,    -1},
-    {ADDON_SERVICE_DEVICE_PACK,   "device_pack",   "Device Pack",        kDevicePackFolder,   RunsByStatus, -1},
-    {ADDON_SERVICE_CMS,           "cms",           "Central Management", nullptr,             RunsByOption, -1},
-    {ADDON_SERVICE_3,             "service3",      "Service 3",          nullptr,             RunsByDaemon,  1},
-    {ADDON_SERVICE_4,             "service4",      "Service 4",          nullptr,             RunsByStatus, -1},
-    {ADDON_SERVICE_5,             "service5",      "Service 5",          nullptr,             RunsByDaemon,  6},
-    {ADDON_SERVICE_LOCAL_DISPLAY, "local_display", "Local Display",      kLocalDisplayFolder, RunsByDaemon, 11},
+    {ADDON_SERVICE_NONE,          -1, "none",          "None",               nullptr,             RunsNever},
+    {ADDON_SERVICE_DEVICE_PACK,   -1, "device_pack",   "Device Pack",        kDevicePackFolder,   RunsByStatus},
+    {ADDON_SERVICE_CMS,           -1, "cms",           "Central Management", nullptr,             RunsByOption},
+    {ADDON_SERVICE_3,              1, "service3",      "Service 3",          nullptr,             RunsByDaemon},
+    {ADDON_SERVICE_4,             -1, "service4",      "Service 4",          nullptr,             RunsByStatus},
+    {ADDON_SERVICE_5,              6, "service5",      "Service 5",          nullptr,             RunsByDaemon},
+    {ADDON_SERVICE_LOCAL_DISPLAY, 11, "local_display", "Local Display",      kLocalDisplayFolder, RunsByDaemon},
     // clang-format on
 };
 

@@ -8,11 +8,11 @@ namespace camvora {
 
 struct ServiceEntry {
     ADDON_SERVICE service;
+    int daemonType;  // -1 for a service without a daemon
     const char* shortName;
     const char* name;
     const char* folder;  // of the installed add-on; null for a service without packages
     bool (*isRunning)(const ServiceEntry& entry, const State& state);
-    int daemonType;  // -1 for a service without a daemon
 };
 
 // The entry of `service`; null when there is no such service.

@@ -72,7 +72,7 @@ void Store::Remember() {
     try {
         RememberUndisturbed();
     } catch (const std::exception&) {
-        rememberedStamp_.reset();
+        return;  // what was remembered before counts as long as its stamp does
     }
 }
 

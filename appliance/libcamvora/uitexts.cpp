@@ -1,6 +1,6 @@
 #include "libcamvora/uitexts.h"
 
-#include "libcamvora/jsonfile.h"
+#include "libcamvora/jsonobject.h"
 #include "platform/files.h"
 
 #include <algorithm>

@@ -22,8 +22,8 @@ int CountOf(SQLite::Database& database, const std::string& what) {
 }
 
 TEST(Database, IsMadeByManyProcessesAtOnce) {
-    constexpr int kProcesses = 8;
-    constexpr int kRounds = 10;
+    constexpr int kProcesses = 20;
+    constexpr int kRounds = 5;
     for (int round = 0; round < kRounds; ++round) {
         const TemporaryFolder folder;
         const std::string path = folder.PathOf("data/camvora.db");

@@ -1,4 +1,4 @@
-#include "libcamvora/jsonfile.h"
+#include "libcamvora/jsonobject.h"
 
 #include "libcamvora/plainfile.h"
 #include "platform/log.h"
@@ -6,7 +6,6 @@
 #include <json/reader.h>
 
 #include <memory>
-#include <optional>
 
 namespace camvora {
 
@@ -14,7 +13,9 @@ namespace {
 
 constexpr std::size_t kFileLimitBytes = 1UL << 20;
 
-std::optional<Json::Value> ParsedObject(const std::string& text) {
+}  // namespace
+
+std::optional<Json::Value> ParseJsonObject(std::string_view text) {
     Json::CharReaderBuilder strict;
     Json::CharReaderBuilder::strictMode(&strict.settings_);
     const std::unique_ptr<Json::CharReader> reader(strict.newCharReader());
@@ -29,14 +30,12 @@ std::optional<Json::Value> ParsedObject(const std::string& text) {
     return value;
 }
 
-}  // namespace
-
 bool ReadJsonObject(const std::string& path, Json::Value& object) {
     const auto text = ReadPlainFile(path.c_str(), kFileLimitBytes);
-    const auto parsed = text ? ParsedObject(*text) : std::nullopt;
+    const auto parsed = text ? ParseJsonObject(*text) : std::nullopt;
     if (!parsed) {
-        CVPrintf(0, nullptr, nullptr, "jsonfile", __LINE__, __func__, "Failed to read %s as a JSON object\n",
-                 path.c_str());
+        CVPrintf(0, nullptr, nullptr, "jsonobject", __LINE__, __func__,
+                 "Failed to read %s as a JSON object\n", path.c_str());
         return false;
     }
     object = *parsed;
