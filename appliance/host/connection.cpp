@@ -1,5 +1,7 @@
 #include "host/connection.h"
 
+#include "host/bodysize.h"
+
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -38,12 +40,12 @@ bool Connection::WaitForRequest() {
 
 void Connection::BeginBody(const httplib::Request& request) {
     inHead_ = false;
-    isChunked_ = request.has_header("Transfer-Encoding");
-    bodyLeftBytes_ = request.get_header_value<std::uint64_t>("Content-Length");
+    isBodySized_ = FramingOf(request) == BodyFraming::kSized;
+    bodyLeftBytes_ = AnnouncedSize(request);
 }
 
 bool Connection::IsAtRequestEnd() const {
-    return !inHead_ && !isChunked_ && bodyLeftBytes_ == 0;
+    return !inHead_ && isBodySized_ && bodyLeftBytes_ == 0;
 }
 
 bool Connection::WaitForInput(Clock::duration limit) const {

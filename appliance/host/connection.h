@@ -63,8 +63,8 @@ private:
     bool inHead_ = true;
     Clock::time_point headDeadline_;
     std::size_t headSizeBytes_ = 0;
+    bool isBodySized_ = false;  // otherwise the end of the body is not kept track of
     std::uint64_t bodyLeftBytes_ = 0;
-    bool isChunked_ = false;
 
     std::string held_;  // not yet sent
     bool holdsHead_ = true;

@@ -1,6 +1,7 @@
 #include "host/httpserver.h"
 
 #include "host/connection.h"
+#include "host/connectionthreads.h"
 
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -17,8 +18,7 @@ HttpServer::HttpServer(UniqueFd listener, const host::Options& options)
     }
     svr_sock_ = listener_.Get();
     new_task_queue = [this] {
-        const int threads = options_.connectionLimit + options_.streamLimit;
-        return new httplib::ThreadPool(static_cast<std::size_t>(threads));
+        return new ConnectionThreads(options_.connectionLimit + options_.streamLimit);
     };
     set_write_timeout(options_.readTimeS);
 }
@@ -35,10 +35,15 @@ void HttpServer::Stop() {
 
 bool HttpServer::process_and_close_socket(socket_t socket) {
     Connection connection(socket, stopEvent_.Get(), options_.idleTimeS, options_.readTimeS);
+    const auto beginBody = [&](httplib::Request& request) {
+        // Replies are short and sent as they are: neither in parts nor compressed.
+        request.ranges.clear();
+        request.headers.erase("Accept-Encoding");
+        connection.BeginBody(request);
+    };
     bool closes = false;
     while (!closes && connection.WaitForRequest()) {
-        const bool isServed = process_request(
-            connection, false, closes, [&](httplib::Request& request) { connection.BeginBody(request); });
+        const bool isServed = process_request(connection, false, closes, beginBody);
         closes = closes || !isServed || !connection.Flush() || !connection.IsAtRequestEnd();
     }
     connection.Close();

@@ -1,5 +1,7 @@
 #include "host/requestbody.h"
 
+#include "host/bodysize.h"
+
 #include <json/writer.h>
 
 #include <cstdint>
@@ -91,21 +93,12 @@ bool IsOfType(const httplib::Request& request, const std::string& type) {
 
 }  // namespace
 
-bool HasBody(const httplib::Request& request) {
-    return request.has_header("Transfer-Encoding") ||
-           request.get_header_value<std::uint64_t>("Content-Length") > 0;
-}
-
-bool IsAnnouncedTooLarge(const httplib::Request& request, std::size_t limitBytes) {
-    return request.get_header_value<std::uint64_t>("Content-Length") > limitBytes;
-}
-
 std::optional<Reply> ReadBody(const httplib::Request& from, const httplib::ContentReader& reader,
                               std::size_t limitBytes, Request& request) {
     if (!HasBody(from)) {
         return std::nullopt;
     }
-    if (IsAnnouncedTooLarge(from, limitBytes)) {
+    if (AnnouncedSize(from) > limitBytes) {
         return ReplyFor(FrameworkError::kTooLarge);
     }
     request.upload = IsOfType(from, "multipart/form-data");

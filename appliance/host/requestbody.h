@@ -10,12 +10,6 @@
 
 namespace host {
 
-// True when a body follows the head of `request`.
-bool HasBody(const httplib::Request& request);
-
-// True when the head already tells that the body has more than `limitBytes`.
-bool IsAnnouncedTooLarge(const httplib::Request& request, std::size_t limitBytes);
-
 // Reads the body into `request.body` and `request.upload`; the fields of a form become text parameters.
 // Returns the refusal when that fails: the body has then not been read to its end.
 std::optional<Reply> ReadBody(const httplib::Request& from, const httplib::ContentReader& reader,

@@ -14,6 +14,7 @@ namespace {
 
 // Beyond the time limit, which the request process keeps itself.
 constexpr int kExtraWaitS = 5;
+constexpr int kPingWaitS = 3;
 
 // One of a limited number of places, for as long as it lives.
 class Slot {
@@ -45,11 +46,17 @@ RequestClient::RequestClient(UniqueFd intake, int requestLimit, int requestTimeS
 
 Reply RequestClient::Call(const std::string& requestId, const Request& request) {
     const Slot slot(running_, requestLimit_);
-    return slot.IsFree() ? Exchange(requestId, request) : ReplyFor(FrameworkError::kTooBusy);
+    return slot.IsFree() ? Exchange(requestId, request, requestTimeS_ + kExtraWaitS)
+                         : ReplyFor(FrameworkError::kTooBusy);
 }
 
-Reply RequestClient::Exchange(const std::string& requestId, const Request& request) const {
-    const UniqueFd connection = Connect(intake_.Get(), requestId, requestTimeS_ + kExtraWaitS);
+Reply RequestClient::Ping(const std::string& requestId) const {
+    Reply reply = Exchange(requestId, Request(), kPingWaitS);
+    return reply.httpStatus == 200 ? reply : ReplyFor(FrameworkError::kRequestServerAway);
+}
+
+Reply RequestClient::Exchange(const std::string& requestId, const Request& request, int waitLimitS) const {
+    const UniqueFd connection = Connect(intake_.Get(), requestId, waitLimitS);
     if (!connection.IsOpen() || !SendText(connection.Get(), Encode(request))) {
         return ReplyFor(FrameworkError::kRequestServerAway);
     }

@@ -21,8 +21,12 @@ public:
     // Hands the request in and waits for the reply: the module's, or the framework's error when none comes.
     Reply Call(const std::string& requestId, const Request& request);
 
+    // Asks whether requests are served: success, or that the request server is away. Takes a few seconds at
+    // most, and no place of a request.
+    Reply Ping(const std::string& requestId) const;
+
 private:
-    Reply Exchange(const std::string& requestId, const Request& request) const;
+    Reply Exchange(const std::string& requestId, const Request& request, int waitLimitS) const;
 
     UniqueFd intake_;
     int requestLimit_;

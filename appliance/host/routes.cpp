@@ -1,9 +1,10 @@
 #include "host/routes.h"
 
+#include "host/bodysize.h"
 #include "host/callpath.h"
 #include "host/frameworkerrors.h"
+#include "host/httpreply.h"
 #include "host/requestbody.h"
-#include "host/requestids.h"
 
 #include "libcamvora/diagnosticlog.h"
 #include "platform/log.h"
@@ -18,49 +19,9 @@ namespace {
 
 using HandlerResponse = httplib::Server::HandlerResponse;
 
-constexpr char kRequestIdHeader[] = "X-Request-Id";
-
-void Write(httplib::Response& response, Reply reply) {
-    response.status = reply.httpStatus;
-    response.body = std::move(reply.body);
-    response.set_header("Content-Type", "application/json");
-}
-
-// Gives the library's own refusals the form of all others.
-HandlerResponse CompleteError(const httplib::Request& /*request*/, httplib::Response& response) {
-    if (!response.body.empty()) {
-        return HandlerResponse::Handled;
-    }
-    response.set_header("Connection", "close");
-    switch (response.status) {
-        case 404:
-            Write(response, ReplyFor(FrameworkError::kNotFound));
-            break;
-        case 413:
-        case 414:
-            Write(response, ReplyFor(FrameworkError::kTooLarge));
-            break;
-        default:
-            Write(response, ReplyFor(FrameworkError::kBadRequest));
-            break;
-    }
-    return HandlerResponse::Handled;
-}
-
-void CompleteHead(const httplib::Request& request, httplib::Response& response) {
-    if (!response.has_header(kRequestIdHeader)) {
-        response.set_header(kRequestIdHeader, NewRequestId());
-    }
-    response.headers.erase("Keep-Alive");
-    if (request.has_header("Transfer-Encoding") && !response.has_header("Connection")) {
-        response.set_header("Connection", "close");  // the end of such a body is not kept track of
-    }
-}
-
-void AnswerException(const httplib::Request& /*request*/, httplib::Response& response,
-                     const std::exception_ptr& /*exception*/) {
-    response.set_header("Connection", "close");
-    Write(response, ReplyFor(FrameworkError::kHostFailed));
+void RefuseHttpMethod(httplib::Response& response, const char* allowed) {
+    response.set_header("Allow", allowed);
+    Write(response, ReplyFor(FrameworkError::kWrongHttpMethod));
 }
 
 std::optional<long long> LastEventId(const httplib::Request& request) {
@@ -103,29 +64,30 @@ void Routes::AddTo(httplib::Server& server) {
         AnswerCall(request, response, reader);
     });
     server.set_expect_100_continue_handler([this](const auto& request, auto& response) {
-        if (IsAnnouncedTooLarge(request, options_.bodyLimitBytes)) {
+        if (AnnouncedSize(request) > options_.bodyLimitBytes) {
             Write(response, ReplyFor(FrameworkError::kTooLarge));
             return response.status;
         }
         return 100;
     });
-    server.set_error_handler(httplib::Server::HandlerWithResponse(CompleteError));
-    server.set_exception_handler(AnswerException);
-    server.set_post_routing_handler(CompleteHead);
+    CompleteReplies(server);
 }
 
 // Answers all but calls of methods that exist: only their bodies are read.
 HandlerResponse Routes::AnswerEarly(const httplib::Request& request, httplib::Response& response) {
     const auto method = FindMethod(module_, request.path);
     const auto* problem = std::get_if<FrameworkError>(&method);
-    if (problem == nullptr && request.method == "POST") {
+    const bool isWellFramed = FramingOf(request) != BodyFraming::kInvalid;
+    if (problem == nullptr && request.method == "POST" && isWellFramed) {
         return HandlerResponse::Unhandled;
     }
     if (HasBody(request)) {
-        response.set_header("Connection", "close");
+        AnnounceClose(response);
     }
-    if (problem == nullptr) {
-        Write(response, ReplyFor(FrameworkError::kWrongHttpMethod));
+    if (!isWellFramed) {
+        Write(response, ReplyFor(FrameworkError::kBadRequest, "the size of the body is not clear"));
+    } else if (problem == nullptr) {
+        RefuseHttpMethod(response, "POST");
     } else if (*problem != FrameworkError::kNotFound) {
         Write(response, ReplyFor(*problem));
     } else {
@@ -140,7 +102,7 @@ void Routes::AnswerPage(const httplib::Request& request, httplib::Response& resp
     if (page == std::end(kPages)) {
         Write(response, ReplyFor(FrameworkError::kNotFound));
     } else if (request.method != "GET") {
-        Write(response, ReplyFor(FrameworkError::kWrongHttpMethod));
+        RefuseHttpMethod(response, "GET");
     } else {
         (this->*page->answer)(request, response);
     }
@@ -153,13 +115,11 @@ void Routes::AnswerCall(const httplib::Request& request, httplib::Response& resp
     call.authorized = IsAuthorized(request);
     call.cookies = request.get_header_value("Cookie");
     if (auto refusal = ReadBody(request, reader, options_.bodyLimitBytes, call)) {
-        response.set_header("Connection", "close");
+        AnnounceClose(response);
         Write(response, std::move(*refusal));
         return;
     }
-    const std::string requestId = NewRequestId();
-    response.set_header(kRequestIdHeader, requestId);
-    Write(response, client_.Call(requestId, call));
+    Write(response, client_.Call(GiveRequestId(response), call));
 }
 
 void Routes::AnswerApis(const httplib::Request& /*request*/, httplib::Response& response) {
@@ -179,7 +139,7 @@ void Routes::AnswerApis(const httplib::Request& /*request*/, httplib::Response& 
 }
 
 void Routes::AnswerHealth(const httplib::Request& /*request*/, httplib::Response& response) {
-    Write(response, client_.Call(NewRequestId(), Request()));
+    Write(response, client_.Ping(GiveRequestId(response)));
 }
 
 void Routes::AnswerLog(const httplib::Request& request, httplib::Response& response) {
