@@ -51,7 +51,7 @@ bool Connection::IsAtRequestEnd() const {
 bool Connection::WaitForInput(Clock::duration limit) const {
     std::array<pollfd, 2> events{{{socket_.Get(), POLLIN, 0}, {stopEvent_, POLLIN, 0}}};
     poll(events.data(), events.size(), ToPollTime(limit));
-    return events[0].revents != 0;
+    return events[0].revents != 0 && events[1].revents == 0;
 }
 
 // The result of recv; -1 also when a limit is reached.

@@ -26,7 +26,7 @@ public:
 
 private:
     friend class EventHub;
-    EventStream(EventHub& hub, std::optional<long long> resumeAfter);
+    EventStream(EventHub& hub, std::optional<long long> lastSeen);
 
     EventHub& hub_;
     std::optional<long long> lastSeen_;

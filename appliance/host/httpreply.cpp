@@ -60,7 +60,7 @@ void Write(httplib::Response& response, Reply reply) {
 }
 
 std::string GiveRequestId(httplib::Response& response) {
-    const std::string id = NewRequestId();
+    std::string id = NewRequestId();
     response.set_header(kRequestId, id);
     return id;
 }

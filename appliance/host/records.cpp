@@ -14,6 +14,8 @@ namespace {
 
 constexpr std::size_t kRecordLimitBytes = std::size_t{64} << 10;
 
+using Buffer = std::array<char, kRecordLimitBytes>;
+
 enum class Kind : char { kPart, kLastPart, kEnded };
 
 bool SendRecord(int socket, Kind kind, const void* bytes, std::size_t sizeBytes) {
@@ -29,8 +31,8 @@ bool SendRecord(int socket, Kind kind, const void* bytes, std::size_t sizeBytes)
 }
 
 // The size of the record, 0 at the end, or -1.
-ssize_t ReceiveRecord(int socket, Kind& kind, char* bytes) {
-    std::array<iovec, 2> pieces{{{&kind, sizeof(kind)}, {bytes, kRecordLimitBytes}}};
+ssize_t ReceiveRecord(int socket, Kind& kind, Buffer& buffer) {
+    std::array<iovec, 2> pieces{{{&kind, sizeof(kind)}, {buffer.data(), buffer.size()}}};
     msghdr message{};
     message.msg_iov = pieces.data();
     message.msg_iovlen = pieces.size();
@@ -59,11 +61,11 @@ void SendEnded(int socket, int waitStatus) {
 }
 
 Received ReceiveText(int socket, std::string& text, int& waitStatus) {
-    std::array<char, kRecordLimitBytes> buffer;
+    Buffer buffer;  // of which a short record touches little
     text.clear();
     for (;;) {
         Kind kind = Kind::kPart;
-        const ssize_t size = ReceiveRecord(socket, kind, buffer.data());
+        const ssize_t size = ReceiveRecord(socket, kind, buffer);
         if (size <= 0) {
             return size < 0 && errno == EAGAIN ? Received::kTimedOut : Received::kClosed;
         }

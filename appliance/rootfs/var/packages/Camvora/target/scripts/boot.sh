@@ -9,4 +9,7 @@ umask 022
 rm -rf "$target/@CVData/run"
 mkdir -p "$target/@CVData/run" "$target/@CVData/log"
 "$target/scripts/S82camvora.sh" start
+
+# Symbols are looked up once, here, and not anew in the process of each request.
+export LD_BIND_NOW=1
 exec "$target/bin/camvora-host" "$@"

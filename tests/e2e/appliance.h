@@ -1,0 +1,72 @@
+// A real appliance in a temporary folder: laid out as an installation is, started by its launcher, stopped
+// with SIGTERM.
+#pragma once
+
+#include "e2e/httpcalls.h"
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace e2e {
+
+class Appliance {
+public:
+    // Lays one out, starts it with these options of the host, and returns when it serves.
+    // Throws std::runtime_error with the launcher's output when it does not.
+    explicit Appliance(const std::vector<std::string>& hostOptions = {});
+
+    // Stops it if it still runs, and removes its folder.
+    ~Appliance();
+    Appliance(const Appliance&) = delete;
+    Appliance& operator=(const Appliance&) = delete;
+
+    // The same with the tests' own module in place of the real one.
+    static std::vector<std::string> WithTestModule(std::vector<std::string> hostOptions = {});
+
+    // Stops it; expects that it ends well and that no process is left.
+    void Stop();
+
+    // Waits until it ends by itself. Returns the launcher's exit status.
+    int WaitForEnd();
+    bool IsRunning() const;
+
+    // Clients that show the token, or nothing.
+    HttpCalls Owner() const { return HttpCalls(url_, token_); }
+    HttpCalls Stranger() const { return HttpCalls(url_, ""); }
+
+    const std::string& Url() const { return url_; }
+    const std::string& Token() const { return token_; }
+
+    // The file or folder `path` of the package, as seen from outside of the appliance.
+    std::filesystem::path PackagePath(const std::string& path) const;
+
+    // The diagnostic log.
+    std::string Log() const;
+
+    // Waits until that many requests are being served. Returns false when that does not come about.
+    bool WaitForRequests(std::size_t count) const;
+
+    // Processes of the host: the supervisor, and the two that it starts.
+    pid_t Supervisor() const;
+    pid_t RequestServer() const;
+    pid_t HttpProcess() const;
+
+private:
+    void LayOut() const;
+    void Start(const std::vector<std::string>& hostOptions);
+    void WaitUntilServing();
+    std::vector<pid_t> HostProcesses() const;
+
+    std::filesystem::path folder_;
+    pid_t launcher_ = -1;
+    std::string url_;
+    std::string token_;
+};
+
+// The whole file as text, empty when it cannot be read.
+std::string ReadFile(const std::filesystem::path& path);
+
+}  // namespace e2e

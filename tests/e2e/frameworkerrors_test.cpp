@@ -1,0 +1,117 @@
+// The framework's own refusals: each has its code, its HTTP status and a sentence.
+#include "e2e/appliance.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace e2e {
+namespace {
+
+constexpr std::size_t kBodyLimitBytes = 10'000;
+
+struct ErrorCase {
+    std::string name;
+    std::string method;
+    std::string path;
+    std::string body;
+    std::string type;
+    int status;
+    int code;
+};
+
+std::string Nested(int depth) {
+    return R"({"value":)" + std::string(static_cast<std::size_t>(depth), '[') +
+           std::string(static_cast<std::size_t>(depth), ']') + "}";
+}
+
+constexpr char kJson[] = "application/json";
+constexpr char kForm[] = "multipart/form-data; boundary=b";
+const std::string kModule = "/api/TEST.Module/v1/";
+
+const std::vector<ErrorCase> kErrorCases = {
+    {"unknown_api", "POST", "/api/TEST.None/v1/Echo", "{}", kJson, 404, 1001},
+    {"api_in_other_case", "POST", "/api/test.module/v1/Echo", "{}", kJson, 404, 1001},
+    {"unknown_version", "POST", "/api/TEST.Module/v3/Echo", "{}", kJson, 404, 1002},
+    {"version_with_zero", "POST", "/api/TEST.Module/v01/Echo", "{}", kJson, 404, 1002},
+    {"unknown_method", "POST", kModule + "Nothing", "{}", kJson, 404, 1003},
+    {"method_of_another_version", "POST", "/api/TEST.Module/v2/Crash", "{}", kJson, 404, 1003},
+    {"method_with_nul", "POST", kModule + "Echo%00", "{}", kJson, 404, 1003},
+    {"method_with_newline", "POST", kModule + "Echo%0A", "{}", kJson, 404, 1003},
+    {"malformed_json", "POST", kModule + "Echo", "{", kJson, 400, 1004},
+    {"nested_too_deeply", "POST", kModule + "Echo", Nested(4000), kJson, 400, 1004},
+    {"no_object", "POST", kModule + "Echo", "[1]", kJson, 400, 1005},
+    {"null", "POST", kModule + "Echo", "null", kJson, 400, 1005},
+    {"body_too_large", "POST", kModule + "Echo", std::string(kBodyLimitBytes + 1, ' '), kJson, 413, 1006},
+    {"path_too_long", "GET", "/" + std::string(9000, 'x'), "", "", 413, 1006},
+    {"file_upload", "POST", kModule + "Echo",
+     "--b\r\nContent-Disposition: form-data; name=\"f\"; filename=\"x\"\r\n\r\ntext\r\n--b--\r\n", kForm, 415,
+     1007},
+    {"other_multipart", "POST", kModule + "Echo", "x", "multipart/mixed; boundary=b", 415, 1007},
+    {"form_too_large", "POST", kModule + "Echo",
+     "--b\r\nContent-Disposition: form-data; name=\"f\"\r\n\r\n" + std::string(kBodyLimitBytes - 10, 'x') +
+         "\r\n--b--\r\n",
+     kForm, 413, 1006},
+    {"damaged_form", "POST", kModule + "Echo", "--b\r\nContent-Disposition: form-data; name=\"f\"\r\n\r\nx",
+     kForm, 400, 1018},
+    {"no_answer", "POST", kModule + "StaySilent", "{}", kJson, 500, 1009},
+    {"exit", "POST", kModule + "Exit", "{}", kJson, 500, 1009},
+    {"crash", "POST", kModule + "Crash", "{}", kJson, 500, 1010},
+    {"exception", "POST", kModule + "Throw", "{}", kJson, 500, 1011},
+    {"exception_of_no_class", "POST", kModule + "ThrowNumber", "{}", kJson, 500, 1011},
+    {"time_limit", "POST", kModule + "Hang", "{}", kJson, 504, 1012},
+    {"unknown_page", "GET", "/nothing", "", "", 404, 1016},
+    {"page_below_a_page", "GET", "/health/x", "", "", 404, 1016},
+    {"page_with_post", "POST", "/health", "{}", kJson, 405, 1017},
+    {"method_with_get", "GET", kModule + "Echo", "", "", 405, 1017},
+    {"method_with_put", "PUT", kModule + "Echo", "{}", kJson, 405, 1017},
+    {"method_with_delete", "DELETE", kModule + "Echo", "{}", kJson, 405, 1017},
+    {"log_of_no_request", "GET", "/log", "", "", 400, 1018},
+    {"unsatisfiable_range_header", "RANGE", "/health", "", "", 400, 1018},
+};
+
+class FrameworkErrorTest : public testing::TestWithParam<ErrorCase> {
+protected:
+    static void SetUpTestSuite() {
+        appliance_ = std::make_unique<Appliance>(Appliance::WithTestModule(
+            {"--request-time", "1", "--body-limit", std::to_string(kBodyLimitBytes)}));
+    }
+    static void TearDownTestSuite() { appliance_.reset(); }
+
+    static httplib::Request ToRequest(const ErrorCase& c) {
+        httplib::Request request;
+        request.method = c.method == "RANGE" ? "GET" : c.method;
+        request.path = c.path;
+        request.body = c.body;
+        if (!c.type.empty()) {
+            request.set_header("Content-Type", c.type);
+        }
+        if (c.method == "RANGE") {
+            request.set_header("Range", "nonsense");
+        }
+        return request;
+    }
+
+    static std::unique_ptr<Appliance> appliance_;
+    HttpCalls owner_ = appliance_->Owner();
+};
+
+std::unique_ptr<Appliance> FrameworkErrorTest::appliance_;
+
+TEST_P(FrameworkErrorTest, HasItsCode) {
+    const ErrorCase& c = GetParam();
+    const Answer answer = ToAnswer(owner_.Client().send(ToRequest(c)));
+    EXPECT_EQ(c.status, answer.status);
+    EXPECT_EQ(c.code, answer.Code());
+    EXPECT_TRUE(answer.body.isMember("success"));
+    EXPECT_FALSE(answer.Succeeded());
+    EXPECT_NE("", answer.Text());
+    EXPECT_EQ(16U, answer.requestId.size());
+    EXPECT_TRUE(owner_.Test("Echo").Succeeded());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, FrameworkErrorTest, testing::ValuesIn(kErrorCases),
+                         [](const auto& c) { return c.param.name; });
+
+}  // namespace
+}  // namespace e2e

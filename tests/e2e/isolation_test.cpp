@@ -1,0 +1,160 @@
+// Each request has a process of its own: what one does, or leaves behind, does not reach the next.
+#include "e2e/appliance.h"
+#include "e2e/processes.h"
+#include "e2e/rawconnection.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <future>
+#include <memory>
+
+namespace e2e {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+class IsolationTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() { appliance_ = std::make_unique<Appliance>(Appliance::WithTestModule()); }
+    static void TearDownTestSuite() { appliance_.reset(); }
+
+    static Json::Value DetachParams(const std::string& file, int lifeMs) {
+        Json::Value params = Param("path", "/var/packages/Camvora/" + file);
+        params["ms"] = lifeMs;
+        return params;
+    }
+
+    static std::unique_ptr<Appliance> appliance_;
+    HttpCalls owner_ = appliance_->Owner();
+};
+
+std::unique_ptr<Appliance> IsolationTest::appliance_;
+
+TEST_F(IsolationTest, AHandlerSeesTheRequest) {
+    const Json::Value value = Param("text", "\xc3\xa4 \"\\\n\x01");
+    const Json::Value data =
+        owner_.Call("TEST.Module", "Echo", Param("value", value), {{"Cookie", "x=1; flavour=oat ; y"}})
+            .Data();
+    EXPECT_EQ(value, data["value"]);
+    EXPECT_EQ("oat", data["cookie"].asString());
+    EXPECT_EQ("Echo", data["method"].asString());
+    EXPECT_TRUE(data["authorized"].asBool());
+    EXPECT_FALSE(data["upload"].asBool());
+    EXPECT_FALSE(HttpCalls(appliance_->Stranger()).Test("Echo").Data()["authorized"].asBool());
+}
+
+TEST_F(IsolationTest, FormFieldsAreTextParameters) {
+    const httplib::MultipartFormDataItems form = {{"value", "12", "", ""}, {"other", "", "", ""}};
+    const Answer answer = ToAnswer(owner_.Client().Post("/api/TEST.Module/v1/Echo", form));
+    EXPECT_EQ("12", answer.Data()["value"].asString());
+    EXPECT_TRUE(answer.Data()["upload"].asBool());
+}
+
+TEST_F(IsolationTest, ABodyIsNotNeeded) {
+    RawConnection connection(appliance_->Url());
+    connection.Send("POST /api/TEST.Module/v1/Echo HTTP/1.1\r\nHost: x\r\n\r\n");
+    EXPECT_NE(std::string::npos, connection.ReceiveUntil("}}").find("200 OK"));
+}
+
+TEST_F(IsolationTest, RequestsMayFollowEachOtherWithoutWaiting) {
+    RawConnection connection(appliance_->Url());
+    connection.Send(PostText("Echo", R"({"value":"first"})") + PostText("Echo", R"({"value":"second"})"));
+    const std::string replies = connection.ReceiveUntil("second");
+    EXPECT_LT(replies.find("first"), replies.find("second"));
+    EXPECT_NE(std::string::npos, replies.find("second"));
+}
+
+TEST_F(IsolationTest, RepliesAreSentWhole) {
+    const httplib::Headers headers = {{"Range", "bytes=0-3"}, {"Accept-Encoding", "gzip, br"}};
+    const auto reply = owner_.Client().Get("/api", headers);
+    EXPECT_EQ(200, reply->status);
+    EXPECT_FALSE(reply->has_header("Content-Encoding"));
+}
+
+TEST_F(IsolationTest, TheModulesErrorsAreAnswersLikeOthers) {
+    const Answer failure = owner_.Test("Fail", Param("code", 400));
+    EXPECT_EQ(200, failure.status);
+    EXPECT_EQ(400, failure.Code());
+    EXPECT_TRUE(failure.body["error"].isMember("data"));
+    EXPECT_EQ("second", owner_.Test("AnswerTwice").Data().asString());
+}
+
+TEST_F(IsolationTest, LargeBodiesAndRepliesArriveWhole) {
+    const std::string text(5'000'000, 'y');
+    EXPECT_EQ(text, owner_.Test("Echo", Param("value", text)).Data()["value"].asString());
+    for (const int size : {65'000, 65'536, 131'072, 20'000'000}) {
+        EXPECT_EQ(static_cast<std::size_t>(size),
+                  owner_.Test("Large", Param("bytes", size)).Data().asString().size());
+    }
+}
+
+TEST_F(IsolationTest, RequestsRunAtTheSameTime) {
+    const auto sleep = [] { return appliance_->Owner().Test("Sleep", Param("ms", 600)).status; };
+    const auto begin = Clock::now();
+    std::array<std::future<int>, 4> calls;
+    for (auto& call : calls) {
+        call = std::async(std::launch::async, sleep);
+    }
+    for (auto& call : calls) {
+        EXPECT_EQ(200, call.get());
+    }
+    EXPECT_LT(Clock::now() - begin, milliseconds(1800));
+}
+
+TEST_F(IsolationTest, AClientThatGoesAwayDisturbsNobody) {
+    for (int i = 0; i < 10; ++i) {
+        RawConnection(appliance_->Url()).Send(PostText("Large", R"({"bytes":10000000})"));
+        RawConnection(appliance_->Url()).Send(PostText("Sleep", R"({"ms":50})"));
+        RawConnection(appliance_->Url()).Send("POST /api/TEST.Module/v1/Echo HTTP/1.1\r\nContent-Len");
+    }
+    EXPECT_TRUE(owner_.Test("Echo").Succeeded());
+}
+
+TEST_F(IsolationTest, ARequestProcessHasOnlyWhatItNeeds) {
+    ASSERT_TRUE(appliance_->WaitForRequests(0));
+    const auto other = std::async(std::launch::async,
+                                  [] { return appliance_->Owner().Test("Sleep", Param("ms", 500)).status; });
+    ASSERT_TRUE(appliance_->WaitForRequests(1));
+    const Json::Value data = owner_.Test("Inspect").Data();
+    const Json::Value& descriptors = data["descriptors"];
+    EXPECT_EQ("/dev/null", descriptors["0"].asString());
+    EXPECT_EQ("/dev/null", descriptors["1"].asString());
+    EXPECT_EQ(4U, descriptors.size()) << descriptors.toStyledString();  // standard error and the connection
+    EXPECT_TRUE(data["blChildSignalDefault"].asBool());
+    EXPECT_FALSE(data["blChildSignalBlocked"].asBool());
+}
+
+TEST_F(IsolationTest, NoDescriptorIsLeftBehind) {
+    const auto callSome = [this](int count) {
+        for (int i = 0; i < count; ++i) {
+            owner_.Test(i % 3 == 0 ? "Crash" : "Echo");
+            HttpCalls(appliance_->Stranger()).Get("/health");
+        }
+    };
+    callSome(20);
+    const int http = DescriptorCount(appliance_->HttpProcess());
+    const int requestServer = DescriptorCount(appliance_->RequestServer());
+    callSome(150);
+    EXPECT_TRUE(WaitUntil([&] { return DescriptorCount(appliance_->HttpProcess()) <= http; }));
+    EXPECT_TRUE(WaitUntil([&] { return DescriptorCount(appliance_->RequestServer()) <= requestServer; }));
+}
+
+TEST_F(IsolationTest, ADetachedChildLivesOnAndDelaysNobody) {
+    const auto begin = Clock::now();
+    EXPECT_TRUE(owner_.Test("Detach", DetachParams("detached", 1000)).Succeeded());
+    EXPECT_LT(Clock::now() - begin, milliseconds(900));
+    EXPECT_FALSE(std::filesystem::exists(appliance_->PackagePath("detached")));
+    EXPECT_TRUE(WaitUntil([] { return std::filesystem::exists(appliance_->PackagePath("detached")); }));
+}
+
+TEST_F(IsolationTest, ADetachedChildDoesNotHideThatTheHandlerGaveNoAnswer) {
+    Json::Value params = DetachParams("silent", 60'000);
+    params["blSilent"] = true;
+    EXPECT_EQ(1009, owner_.Test("Detach", params).Code());
+}
+
+}  // namespace
+}  // namespace e2e

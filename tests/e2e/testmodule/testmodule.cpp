@@ -1,0 +1,172 @@
+// A web API module for the tests of the host: its methods do what a module should not, or tell what a
+// handler sees.
+#include "platform/log.h"
+#include "platform/notify.h"
+#include "platform/webapi.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+namespace {
+
+using ORVA::APIRequest;
+using ORVA::APIResponse;
+
+int IntParam(APIRequest* request, const char* name, int defaultValue = 0) {
+    return request->GetParam(name, defaultValue).asInt();
+}
+
+std::string TextParam(APIRequest* request, const char* name) {
+    return request->GetParam(name, "").asString();
+}
+
+void SleepMs(int milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+void Echo(APIRequest* request, APIResponse* response) {
+    Json::Value data;
+    data["value"] = request->GetParam("value", Json::Value());
+    data["cookie"] = request->GetCookie("flavour", "none");
+    data["authorized"] = request->IsAuthorized();
+    data["upload"] = request->IsUploadRequest();
+    data["method"] = request->GetAPIMethod();
+    response->SetSuccess(data);
+}
+
+void Fail(APIRequest* request, APIResponse* response) {
+    response->SetError(IntParam(request, "code"), Json::Value());
+}
+
+void AnswerTwice(APIRequest*, APIResponse* response) {
+    response->SetError(400, "first");
+    response->SetSuccess("second");
+}
+
+void StaySilent(APIRequest*, APIResponse*) {}
+
+void Crash(APIRequest*, APIResponse*) {
+    std::raise(SIGSEGV);
+}
+
+void Throw(APIRequest*, APIResponse*) {
+    throw std::runtime_error("thrown on purpose");
+}
+
+void ThrowNumber(APIRequest*, APIResponse*) {
+    throw 42;
+}
+
+void Hang(APIRequest*, APIResponse*) {
+    for (;;) {
+        pause();
+    }
+}
+
+void Exit(APIRequest*, APIResponse*) {
+    _exit(0);
+}
+
+// Answers after so many milliseconds.
+void Sleep(APIRequest* request, APIResponse* response) {
+    SleepMs(IntParam(request, "ms"));
+    response->SetSuccess(Json::Value());
+}
+
+void Large(APIRequest* request, APIResponse* response) {
+    response->SetSuccess(std::string(static_cast<std::size_t>(IntParam(request, "bytes")), 'x'));
+}
+
+// Forks a child that lives on for so many milliseconds and then makes a file. The request answers at once,
+// or ends without an answer.
+void Detach(APIRequest* request, APIResponse* response) {
+    const std::string path = TextParam(request, "path");
+    const int milliseconds = IntParam(request, "ms");
+    if (fork() == 0) {
+        setsid();
+        SleepMs(milliseconds);
+        _exit(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600) < 0);
+    }
+    if (!request->GetParam("blSilent", false).asBool()) {
+        response->SetSuccess(Json::Value());
+    }
+}
+
+// What the handler's process has inherited.
+void Inspect(APIRequest*, APIResponse* response) {
+    Json::Value data;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        const auto target = std::filesystem::read_symlink(entry.path(), gone);
+        if (!gone && target.string().find("/fd") == std::string::npos) {
+            data["descriptors"][entry.path().filename().string()] = target.string();
+        }
+    }
+    sigset_t blocked;
+    sigprocmask(SIG_SETMASK, nullptr, &blocked);
+    struct sigaction childAction {};
+    sigaction(SIGCHLD, nullptr, &childAction);
+    data["blChildSignalBlocked"] = sigismember(&blocked, SIGCHLD) == 1;
+    data["blChildSignalDefault"] = childAction.sa_handler == SIG_DFL;
+    response->SetSuccess(data);
+}
+
+void Notify(APIRequest* request, APIResponse* response) {
+    CVClientNotify::Notify(static_cast<CLIENT_NOTIFY_TYPE>(IntParam(request, "type")),
+                           TextParam(request, "text"), "second", "third");
+    response->SetSuccess(Json::Value());
+}
+
+void Log(APIRequest* request, APIResponse* response) {
+    CVPrintf(0, nullptr, nullptr, "testmodule", __LINE__, __func__, "%s\n",
+             TextParam(request, "text").c_str());
+    response->SetSuccess(Json::Value());
+}
+
+struct Row {
+    const char* api;
+    std::int32_t version;
+    const char* method;
+    void (*handler)(APIRequest*, APIResponse*);
+};
+
+constexpr char kApi[] = "TEST.Module";
+
+const Row kTable[] = {
+    {kApi, 1, "Echo", Echo},
+    {kApi, 1, "Fail", Fail},
+    {kApi, 1, "AnswerTwice", AnswerTwice},
+    {kApi, 1, "StaySilent", StaySilent},
+    {kApi, 1, "Crash", Crash},
+    {kApi, 1, "Throw", Throw},
+    {kApi, 1, "ThrowNumber", ThrowNumber},
+    {kApi, 1, "Hang", Hang},
+    {kApi, 1, "Exit", Exit},
+    {kApi, 1, "Sleep", Sleep},
+    {kApi, 1, "Large", Large},
+    {kApi, 1, "Detach", Detach},
+    {kApi, 1, "Inspect", Inspect},
+    {kApi, 1, "Notify", Notify},
+    {kApi, 1, "Log", Log},
+    {kApi, 2, "Echo", Echo},
+    {"TEST.Other", 1, "Echo", Echo},
+    {},
+};
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) const Row* GetAPITable();
+
+const Row* GetAPITable() {
+    return kTable;
+}
