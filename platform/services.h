@@ -47,7 +47,7 @@ std::string GetServiceStr(ADDON_SERVICE service);
 // Records `status` as the last known state of `service`. Returns 0, or -1 when it cannot be stored.
 int ChangeServiceStatus(ADDON_SERVICE service, CONTROL_ACTION status);
 
-// True while the service works. Looks at the processes, not at the recorded status.
+// True while the service works: for one with a daemon, while that process lives, whatever was recorded.
 bool IsServiceRunning(ADDON_SERVICE service);
 
 // True while the main package is started.

@@ -24,6 +24,7 @@ constexpr Meaning kMeanings[] = {
 };
 
 constexpr int kAnyCode = 0;
+constexpr int kRequestServerAway = 1015;
 
 struct Mapping {
     int httpStatus;
@@ -31,13 +32,14 @@ struct Mapping {
     ExitStatus status;
 };
 
+// The first that fits.
 constexpr Mapping kMappings[] = {
     {200, 105, ExitStatus::kNotAuthorised},      {200, 400, ExitStatus::kFailed},
     {401, kAnyCode, ExitStatus::kNotAuthorised}, {403, kAnyCode, ExitStatus::kNotAuthorised},
     {404, kAnyCode, ExitStatus::kNotFound},      {408, kAnyCode, ExitStatus::kTimedOut},
     {413, kAnyCode, ExitStatus::kRefused},       {429, kAnyCode, ExitStatus::kBusy},
-    {502, kAnyCode, ExitStatus::kUnreachable},   {503, kAnyCode, ExitStatus::kBusy},
-    {504, kAnyCode, ExitStatus::kTimedOut},
+    {502, kAnyCode, ExitStatus::kUnreachable},   {503, kRequestServerAway, ExitStatus::kUnreachable},
+    {503, kAnyCode, ExitStatus::kBusy},          {504, kAnyCode, ExitStatus::kTimedOut},
 };
 
 }  // namespace

@@ -41,18 +41,16 @@ bool AddStatus(const Json::Value& apps, const UiTexts& texts, const ServiceCheck
 bool ReadAppsStatus(const std::string& uiFolder, const std::string& language, const ServiceCheck& isRunning,
                     Json::Value& status) {
     Json::Value config;
-    if (!ReadJsonObject(uiFolder + "/apps.json", config)) {
+    UiTexts texts(uiFolder + "/texts", language);
+    if (!ReadJsonObject(uiFolder + "/apps.json", config) || !texts.Read()) {
         return false;
     }
-    UiTexts texts(uiFolder + "/texts", language);
-    const bool textsRead = texts.Read();
-    const Json::Value& apps = config["apps"];
-    if (!AddStatus(apps, texts, isRunning, status)) {
+    if (!AddStatus(config["apps"], texts, isRunning, status)) {
         CVPrintf(0, nullptr, nullptr, "apps", __LINE__, __func__,
                  "Failed to read all applications from %s/apps.json\n", uiFolder.c_str());
         return false;
     }
-    return textsRead;
+    return true;
 }
 
 }  // namespace camvora
