@@ -3,11 +3,18 @@
 #include "host/uniquefd.h"
 
 #include <openssl/crypto.h>
+#include <strings.h>
 
 #include <array>
 #include <stdexcept>
 
 namespace host {
+
+namespace {
+
+constexpr char kScheme[] = "Bearer ";
+
+}  // namespace
 
 AccessToken AccessToken::ReadFrom(int fd) {
     const UniqueFd source(fd);
@@ -18,12 +25,14 @@ AccessToken AccessToken::ReadFrom(int fd) {
     if (token.empty()) {
         throw std::runtime_error("no access token to be read from descriptor " + std::to_string(fd));
     }
-    return AccessToken("Bearer " + token);
+    return AccessToken(token);
 }
 
 bool AccessToken::IsCarriedBy(const std::string& authorization) const {
-    return authorization.size() == expected_.size() &&
-           CRYPTO_memcmp(authorization.data(), expected_.data(), expected_.size()) == 0;
+    const std::size_t begin = sizeof(kScheme) - 1;
+    return authorization.size() == begin + expected_.size() &&
+           strncasecmp(authorization.c_str(), kScheme, begin) == 0 &&
+           CRYPTO_memcmp(authorization.data() + begin, expected_.data(), expected_.size()) == 0;
 }
 
 }  // namespace host

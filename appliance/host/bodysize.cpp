@@ -1,5 +1,7 @@
 #include "host/bodysize.h"
 
+#include <strings.h>
+
 #include <string>
 
 namespace host {
@@ -20,7 +22,8 @@ bool IsSize(const std::string& text) {
 BodyFraming FramingOf(const httplib::Request& request) {
     const std::size_t sizes = request.get_header_value_count(kSize);
     if (request.has_header(kEncoding)) {
-        const bool isChunked = sizes == 0 && request.get_header_value(kEncoding) == "chunked";
+        const bool isChunked =
+            sizes == 0 && strcasecmp(request.get_header_value(kEncoding).c_str(), "chunked") == 0;
         return isChunked ? BodyFraming::kChunked : BodyFraming::kInvalid;
     }
     const bool isSized = sizes == 0 || (sizes == 1 && IsSize(request.get_header_value(kSize)));

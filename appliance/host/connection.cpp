@@ -15,6 +15,8 @@ namespace host {
 namespace {
 
 constexpr std::size_t kHeadLimitBytes = std::size_t{64} << 10;
+constexpr std::uint64_t kChunkingFactor = 4;  // chunks of a few bytes are mostly frame
+constexpr std::size_t kSlowestBytesPerS = std::size_t{16} << 10;
 constexpr std::chrono::seconds kLinger{2};
 
 int ToPollTime(std::chrono::steady_clock::duration duration) {
@@ -24,22 +26,29 @@ int ToPollTime(std::chrono::steady_clock::duration duration) {
 
 }  // namespace
 
-Connection::Connection(int socket, int stopEvent, int idleTimeS, int readTimeS)
-    : socket_(socket), stopEvent_(stopEvent), idleTime_(idleTimeS), readTime_(readTimeS) {}
+Connection::Connection(int socket, int stopEvent, const Options& options)
+    : socket_(socket),
+      stopEvent_(stopEvent),
+      chunkedLimitBytes_(options.bodyLimitBytes * kChunkingFactor),
+      idleTime_(options.idleTimeS),
+      readTime_(options.readTimeS) {}
 
 bool Connection::WaitForRequest() {
-    if (begin_ == end_ && !WaitForInput(idleTime_)) {
+    const bool isThere = begin_ == end_ ? WaitForInput(idleTime_) : !IsStopped();
+    if (!isThere) {
         return false;
     }
     inHead_ = true;
-    headDeadline_ = Clock::now() + readTime_;
-    headSizeBytes_ = 0;
+    partBegin_ = Clock::now();
+    partSizeBytes_ = 0;
     holdsHead_ = true;
     return true;
 }
 
 void Connection::BeginBody(const httplib::Request& request) {
     inHead_ = false;
+    partBegin_ = Clock::now();
+    partSizeBytes_ = 0;
     isBodySized_ = FramingOf(request) == BodyFraming::kSized;
     bodyLeftBytes_ = AnnouncedSize(request);
 }
@@ -48,16 +57,35 @@ bool Connection::IsAtRequestEnd() const {
     return !inHead_ && isBodySized_ && bodyLeftBytes_ == 0;
 }
 
+bool Connection::IsStopped() const {
+    pollfd event{stopEvent_, POLLIN, 0};
+    return poll(&event, 1, 0) != 0;
+}
+
 bool Connection::WaitForInput(Clock::duration limit) const {
     std::array<pollfd, 2> events{{{socket_.Get(), POLLIN, 0}, {stopEvent_, POLLIN, 0}}};
     poll(events.data(), events.size(), ToPollTime(limit));
     return events[0].revents != 0 && events[1].revents == 0;
 }
 
+// What frames a chunked body counts too: the library collects a line of it however long it is.
+bool Connection::IsWithinLimits() const {
+    if (inHead_) {
+        return partSizeBytes_ <= kHeadLimitBytes;
+    }
+    return isBodySized_ || partSizeBytes_ <= chunkedLimitBytes_;
+}
+
+// A body may take longer the more of it has come, at the slowest rate.
+Connection::Clock::duration Connection::TimeLeft() const {
+    const auto earned = std::chrono::seconds(inHead_ ? 0 : partSizeBytes_ / kSlowestBytesPerS);
+    const Clock::duration left = partBegin_ + readTime_ + earned - Clock::now();
+    return std::min<Clock::duration>(left, readTime_);
+}
+
 // The result of recv; -1 also when a limit is reached.
 ssize_t Connection::Fill() {
-    const auto limit = inHead_ ? headDeadline_ - Clock::now() : readTime_;
-    if (!Flush() || headSizeBytes_ > kHeadLimitBytes || !WaitForInput(limit)) {
+    if (!Flush() || !IsWithinLimits() || !WaitForInput(TimeLeft())) {
         return -1;
     }
     holdsHead_ = true;
@@ -77,9 +105,8 @@ ssize_t Connection::read(char* bytes, std::size_t sizeBytes) {
     const std::size_t size = std::min(sizeBytes, end_ - begin_);
     std::memcpy(bytes, buffer_.data() + begin_, size);
     begin_ += size;
-    if (inHead_) {
-        headSizeBytes_ += size;
-    } else {
+    partSizeBytes_ += size;
+    if (!inHead_) {
         bodyLeftBytes_ -= std::min<std::uint64_t>(bodyLeftBytes_, size);
     }
     return static_cast<ssize_t>(size);

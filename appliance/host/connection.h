@@ -1,6 +1,7 @@
 // One client's connection, as the HTTP library's stream.
 #pragma once
 
+#include "host/options.h"
 #include "host/uniquefd.h"
 
 #include <httplib.h>
@@ -18,9 +19,8 @@ class Connection final : public httplib::Stream {
 public:
     // Owns `socket`.
     //   stopEvent  becomes readable when the server stops, which ends every wait for the client
-    //   idleTimeS  the longest wait for a request, in seconds
-    //   readTimeS  the longest wait for a request's head, and for each further piece of it, in seconds
-    Connection(int socket, int stopEvent, int idleTimeS, int readTimeS);
+    //   options    of which the times for idling and reading and the size of bodies count
+    Connection(int socket, int stopEvent, const Options& options);
 
     // Waits for the next request. Returns false when there will be none.
     bool WaitForRequest();
@@ -48,11 +48,15 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    bool IsStopped() const;
     bool WaitForInput(Clock::duration limit) const;
+    bool IsWithinLimits() const;
+    Clock::duration TimeLeft() const;
     ssize_t Fill();
 
     UniqueFd socket_;
     int stopEvent_;
+    std::uint64_t chunkedLimitBytes_;  // of a body with all that frames it
     std::chrono::seconds idleTime_;
     std::chrono::seconds readTime_;
 
@@ -61,8 +65,8 @@ private:
     std::size_t end_ = 0;
 
     bool inHead_ = true;
-    Clock::time_point headDeadline_;
-    std::size_t headSizeBytes_ = 0;
+    Clock::time_point partBegin_;  // of the head, or of the body
+    std::size_t partSizeBytes_ = 0;
     bool isBodySized_ = false;  // otherwise the end of the body is not kept track of
     std::uint64_t bodyLeftBytes_ = 0;
 

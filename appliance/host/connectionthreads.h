@@ -6,15 +6,19 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <utility>
 
 namespace host {
 
 // Starts a thread per connection, so that what a burst of them takes is given back afterwards. Where there
-// are as many as allowed, further connections wait to be accepted.
+// are as many as allowed, further connections wait to be accepted. Those that carry a stream do not count:
+// they have a limit of their own.
 class ConnectionThreads final : public httplib::TaskQueue {
 public:
-    //   limit  threads at a time
-    explicit ConnectionThreads(int limit) : limit_(limit) {}
+    //   limit        connections without a stream at a time
+    //   streamCount  tells how many streams there are
+    ConnectionThreads(int limit, std::function<int()> streamCount)
+        : limit_(limit), streamCount_(std::move(streamCount)) {}
 
     void enqueue(std::function<void()> connection) override;
     void shutdown() override;  // waits until all have ended
@@ -23,6 +27,7 @@ private:
     void End();
 
     const int limit_;
+    const std::function<int()> streamCount_;
     std::mutex mutex_;
     std::condition_variable ended_;
     int running_ = 0;

@@ -16,7 +16,7 @@ namespace host {
 namespace {
 
 constexpr std::chrono::milliseconds kPollInterval{250};
-constexpr int kBatch = 100;
+constexpr std::size_t kBatch = 100;
 constexpr char kHeartbeat[] = ": still here\n\n";
 
 std::string EventText(const char* event, long long id, const Json::Value& data) {
@@ -115,11 +115,15 @@ std::string EventHub::Continue(long long& lastSeen) {
 
     const std::lock_guard<std::mutex> storeLock(storeMutex_);
     std::string text;
-    for (const camvora::Notification& notification : camvora::NotificationsAfter(lastSeen, kBatch)) {
+    const std::vector<camvora::Notification> missed =
+        camvora::NotificationsAfter(lastSeen, static_cast<int>(kBatch));
+    for (const camvora::Notification& notification : missed) {
         text += NotificationText(notification);
         lastSeen = notification.id;
     }
-    lastSeen = std::max(lastSeen, newestId);  // also where those between have been dropped
+    if (missed.size() < kBatch) {
+        lastSeen = std::max(lastSeen, newestId);  // those between have been dropped
+    }
     return text.empty() ? kHeartbeat : text;
 }
 

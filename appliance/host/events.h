@@ -1,6 +1,7 @@
 // Client notifications as streams of server-sent events.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <memory>
@@ -47,6 +48,9 @@ public:
     //   lastSeen  the id of the last notification that the client has seen, if it has seen one
     std::shared_ptr<EventStream> Open(std::optional<long long> lastSeen);
 
+    // The number of open streams. Called by any thread.
+    int StreamCount() const { return streams_; }
+
     // Ends all streams. Called by any thread.
     void Stop();
 
@@ -64,7 +68,7 @@ private:
     std::mutex storeMutex_;  // the store has one reader at a time
     std::mutex mutex_;       // of what follows
     std::condition_variable changed_;
-    int streams_ = 0;
+    std::atomic<int> streams_ = 0;
     long long newestId_ = 0;
     bool isStopped_ = false;
     std::thread poller_;

@@ -45,15 +45,18 @@ int RunHttpProcess(UniqueFd listener, UniqueFd intake, const Module& module, con
     RequestClient client(std::move(intake), options.requestLimit, options.requestTimeS);
     EventHub events(options.streamLimit, std::chrono::seconds(options.heartbeatS));
     Routes routes(module, token, options, client, events);
-    HttpServer server(std::move(listener), options);
+    HttpServer server(std::move(listener), options, events);
     routes.AddTo(server);
-    std::thread([&] {
+    std::thread stopper([&] {
         int signal = 0;
         sigwait(&stopSignal, &signal);
         events.Stop();
         server.Stop();
-    }).detach();
-    return server.Serve() ? EXIT_SUCCESS : EXIT_FAILURE;
+    });
+    const bool served = server.Serve();
+    pthread_kill(stopper.native_handle(), SIGTERM);  // where it still waits
+    stopper.join();
+    return served ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace host

@@ -2,6 +2,7 @@
 
 #include "host/connection.h"
 #include "host/connectionthreads.h"
+#include "host/events.h"
 
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -11,14 +12,14 @@
 
 namespace host {
 
-HttpServer::HttpServer(UniqueFd listener, const host::Options& options)
+HttpServer::HttpServer(UniqueFd listener, const host::Options& options, const EventHub& events)
     : options_(options), listener_(std::move(listener)), stopEvent_(eventfd(0, EFD_CLOEXEC)) {
     if (!stopEvent_.IsOpen()) {
         throw std::system_error(errno, std::generic_category(), "eventfd");
     }
     svr_sock_ = listener_.Get();
-    new_task_queue = [this] {
-        return new ConnectionThreads(options_.connectionLimit + options_.streamLimit);
+    new_task_queue = [this, &events] {
+        return new ConnectionThreads(options_.connectionLimit, [&events] { return events.StreamCount(); });
     };
     set_write_timeout(options_.readTimeS);
 }
@@ -34,7 +35,7 @@ void HttpServer::Stop() {
 }
 
 bool HttpServer::process_and_close_socket(socket_t socket) {
-    Connection connection(socket, stopEvent_.Get(), options_.idleTimeS, options_.readTimeS);
+    Connection connection(socket, stopEvent_.Get(), options_);
     const auto beginBody = [&](httplib::Request& request) {
         // Replies are short and sent as they are: neither in parts nor compressed.
         request.ranges.clear();

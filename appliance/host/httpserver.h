@@ -8,10 +8,12 @@
 
 namespace host {
 
+class EventHub;
+
 class HttpServer final : public httplib::Server {
 public:
-    // Owns `listener`; the options stay the caller's. Throws std::system_error.
-    HttpServer(UniqueFd listener, const host::Options& options);
+    // Owns `listener`; options and events stay the caller's. Throws std::system_error.
+    HttpServer(UniqueFd listener, const host::Options& options, const EventHub& events);
 
     // Serves until Stop; returns when the last connection has ended, true when that was due to Stop.
     bool Serve();

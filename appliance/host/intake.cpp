@@ -62,6 +62,7 @@ UniqueFd Connect(int intake, const std::string& requestId, int waitLimitS) {
     const timeval limit{waitLimitS, 0};
     if (!OpenPair(mine, theirs) ||
         setsockopt(mine.Get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit)) != 0 ||
+        setsockopt(mine.Get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit)) != 0 ||
         !HandIn(intake, theirs.Get(), requestId)) {
         return UniqueFd();
     }

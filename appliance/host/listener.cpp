@@ -17,6 +17,7 @@ namespace host {
 namespace {
 
 constexpr int kBacklog = 128;
+constexpr unsigned kSilentPeerLimitMs = 30'000;  // for what was sent and not acknowledged
 
 using AddressInfo = std::unique_ptr<addrinfo, decltype(&freeaddrinfo)>;
 
@@ -33,8 +34,9 @@ AddressInfo Resolve(const std::string& address, int port) {
 }
 
 bool Open(const UniqueFd& socket, const addrinfo& address) {
-    // Accepted connections inherit both options.
+    // Accepted connections inherit all of it.
     const int yes = 1;
+    setsockopt(socket.Get(), IPPROTO_TCP, TCP_USER_TIMEOUT, &kSilentPeerLimitMs, sizeof(kSilentPeerLimitMs));
     setsockopt(socket.Get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
     setsockopt(socket.Get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof(yes));
     return bind(socket.Get(), address.ai_addr, address.ai_addrlen) == 0 &&

@@ -27,6 +27,9 @@ void AddLimits(CLI::App& app, Options& options) {
     const auto seconds = CLI::Range(1, kDayS);
     app.add_option("--body-limit", options.bodyLimitBytes, "Bytes of a request body")
         ->check(CLI::Range(1, 1 << 30));
+    app.add_option("--stranger-body-limit", options.strangerBodyLimitBytes,
+                   "Bytes of a request body without the access token")
+        ->check(CLI::Range(1, 1 << 30));
     app.add_option("--request-limit", options.requestLimit, "Requests at a time")->check(CLI::Range(1, 200));
     app.add_option("--request-time", options.requestTimeS, "Seconds that a request may take")->check(seconds);
     app.add_option("--connection-limit", options.connectionLimit, "Connections at a time")

@@ -14,12 +14,13 @@ struct Options {
     int tokenFd = -1;
     bool stopOnEof = false;
 
-    std::size_t bodyLimitBytes = std::size_t{8} << 20;
+    std::size_t bodyLimitBytes = std::size_t{2} << 20;
+    std::size_t strangerBodyLimitBytes = std::size_t{64} << 10;
     int requestLimit = 64;
     int requestTimeS = 1800;
     int connectionLimit = 256;
     int streamLimit = 16;
-    int idleTimeS = 15;
+    int idleTimeS = 5;
     int readTimeS = 10;
     int drainTimeS = 30;
     int heartbeatS = 10;

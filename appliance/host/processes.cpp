@@ -42,6 +42,11 @@ void SignalChildren(int signal) {
     }
 }
 
+// An exception must not climb into the code of the process that forked.
+[[noreturn]] void RunToEnd(const std::function<int()>& body) noexcept {
+    _exit(body());
+}
+
 // Returns true when no child is left.
 bool ReapAll() {
     pid_t pid = 0;
@@ -67,7 +72,7 @@ pid_t StartProcess(const std::function<int()>& body) {
         ResetSignals();
         setsid();
         DetachStandardStreams();
-        _exit(body());
+        RunToEnd(body);
     }
     if (pid < 0) {
         throw std::system_error(errno, std::generic_category(), "fork");

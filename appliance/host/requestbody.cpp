@@ -3,6 +3,7 @@
 #include "host/bodysize.h"
 
 #include <json/writer.h>
+#include <strings.h>
 
 #include <cstdint>
 #include <map>
@@ -88,7 +89,7 @@ std::optional<Reply> ReadForm(const httplib::ContentReader& reader, std::size_t 
 }
 
 bool IsOfType(const httplib::Request& request, const std::string& type) {
-    return request.get_header_value("Content-Type").rfind(type, 0) == 0;
+    return strncasecmp(request.get_header_value("Content-Type").c_str(), type.c_str(), type.size()) == 0;
 }
 
 }  // namespace
@@ -101,7 +102,7 @@ std::optional<Reply> ReadBody(const httplib::Request& from, const httplib::Conte
     if (AnnouncedSize(from) > limitBytes) {
         return ReplyFor(FrameworkError::kTooLarge);
     }
-    request.upload = IsOfType(from, "multipart/form-data");
+    request.upload = from.is_multipart_form_data();
     if (request.upload) {
         return ReadForm(reader, limitBytes, request.body);
     }

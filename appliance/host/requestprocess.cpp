@@ -86,7 +86,7 @@ void PrepareRequests() {
     (void)SuccessReply(params);
 }
 
-void ServeRequest(int connection, const std::string& requestId, const Module& module, int timeS) {
+void ServeRequest(int connection, const std::string& requestId, const Module& module, int timeS) noexcept {
     camvora::SetRequestId(requestId);
     alarm(static_cast<unsigned>(timeS));
     std::string text;
@@ -94,7 +94,7 @@ void ServeRequest(int connection, const std::string& requestId, const Module& mo
     if (ReceiveText(connection, text, waitStatus) == Received::kText) {
         (void)SendText(connection, Encode(Answer(DecodeRequest(text), module)));
     }
-    _exit(0);
+    _exit(kExitServed);
 }
 
 }  // namespace host

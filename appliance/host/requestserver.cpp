@@ -21,14 +21,27 @@ namespace host {
 
 namespace {
 
-void LogIfAbnormal(const std::string& requestId, int waitStatus) {
-    if (!WIFSIGNALED(waitStatus)) {
-        return;
+using std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kOverdue{3};
+constexpr timespec kLookAtDeadlines{1, 0};
+
+std::string AbnormalEnd(int waitStatus) {
+    if (WIFEXITED(waitStatus)) {
+        return "Request process ended with status " + std::to_string(WEXITSTATUS(waitStatus)) + " on its way";
     }
     const int signal = WTERMSIG(waitStatus);
+    return (signal == SIGALRM ? "Request took too long and was ended by signal "
+                              : "Request process was ended by signal ") +
+           std::to_string(signal);
+}
+
+void LogIfAbnormal(const std::string& requestId, int waitStatus) {
+    if (WIFEXITED(waitStatus) && WEXITSTATUS(waitStatus) == kExitServed) {
+        return;
+    }
     camvora::SetRequestId(requestId);
-    CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Request %s by signal %d\n",
-             signal == SIGALRM ? "took too long and was ended" : "process was ended", signal);
+    CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "%s\n", AbnormalEnd(waitStatus).c_str());
     camvora::SetRequestId("");
 }
 
@@ -49,13 +62,24 @@ void RequestServer::Run() {
     for (;;) {
         WaitForEvent();
         ReapEnded();
+        EndOverdue();
         TakeArrivals();
     }
 }
 
 void RequestServer::WaitForEvent() {
     pollfd arrival{intake_.Get(), POLLIN, 0};
-    (void)ppoll(&arrival, 1, nullptr, &waitMask_);
+    (void)ppoll(&arrival, 1, running_.empty() ? nullptr : &kLookAtDeadlines, &waitMask_);
+}
+
+// A handler may have switched off the alarm that ends a request at its time limit.
+void RequestServer::EndOverdue() {
+    const auto now = steady_clock::now();
+    for (const auto& [pid, running] : running_) {
+        if (now > running.deadline) {
+            kill(pid, SIGKILL);
+        }
+    }
 }
 
 void RequestServer::TakeArrivals() {
@@ -83,10 +107,11 @@ void RequestServer::Start(Arrival arrival) {
         (void)SendText(arrival.connection.Get(), Encode(ReplyFor(FrameworkError::kTooBusy)));
         return;
     }
-    running_.emplace(pid, Running{std::move(arrival.connection), std::move(arrival.requestId)});
+    const auto deadline = steady_clock::now() + std::chrono::seconds(options_.requestTimeS) + kOverdue;
+    running_.emplace(pid, Running{std::move(arrival.connection), std::move(arrival.requestId), deadline});
 }
 
-void RequestServer::BecomeRequestProcess(const Arrival& arrival) {
+void RequestServer::BecomeRequestProcess(const Arrival& arrival) noexcept {
     intake_.Close();
     for (auto& other : running_) {
         other.second.connection.Close();

@@ -7,6 +7,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <csignal>
 #include <string>
 #include <unordered_map>
@@ -28,12 +29,14 @@ private:
         // Kept until the request process has ended, to send word of it.
         UniqueFd connection;
         std::string requestId;
+        std::chrono::steady_clock::time_point deadline;  // for a process that does not end by itself in time
     };
 
     void WaitForEvent();
     void TakeArrivals();
     void Start(Arrival arrival);
-    [[noreturn]] void BecomeRequestProcess(const Arrival& arrival);
+    [[noreturn]] void BecomeRequestProcess(const Arrival& arrival) noexcept;
+    void EndOverdue();
     void ReapEnded();
 
     UniqueFd intake_;

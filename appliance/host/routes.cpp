@@ -64,7 +64,7 @@ void Routes::AddTo(httplib::Server& server) {
         AnswerCall(request, response, reader);
     });
     server.set_expect_100_continue_handler([this](const auto& request, auto& response) {
-        if (AnnouncedSize(request) > options_.bodyLimitBytes) {
+        if (AnnouncedSize(request) > BodyLimit(IsAuthorized(request))) {
             Write(response, ReplyFor(FrameworkError::kTooLarge));
             return response.status;
         }
@@ -114,7 +114,7 @@ void Routes::AnswerCall(const httplib::Request& request, httplib::Response& resp
     call.row = std::get<std::int32_t>(FindMethod(module_, request.path));
     call.authorized = IsAuthorized(request);
     call.cookies = request.get_header_value("Cookie");
-    if (auto refusal = ReadBody(request, reader, options_.bodyLimitBytes, call)) {
+    if (auto refusal = ReadBody(request, reader, BodyLimit(call.authorized), call)) {
         AnnounceClose(response);
         Write(response, std::move(*refusal));
         return;
@@ -176,6 +176,12 @@ void Routes::AnswerEvents(const httplib::Request& request, httplib::Response& re
                                               }
                                               return sink.write(text.data(), text.size());
                                           });
+}
+
+// What a stranger may have parsed before the module refuses it is little.
+std::size_t Routes::BodyLimit(bool authorized) const {
+    return authorized ? options_.bodyLimitBytes
+                      : std::min(options_.bodyLimitBytes, options_.strangerBodyLimitBytes);
 }
 
 bool Routes::IsAuthorized(const httplib::Request& request) const {

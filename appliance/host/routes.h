@@ -38,6 +38,7 @@ private:
     void AnswerEvents(const httplib::Request& request, httplib::Response& response);
 
     bool IsAuthorized(const httplib::Request& request) const;
+    std::size_t BodyLimit(bool authorized) const;
 
     const Module& module_;
     const AccessToken& token_;

@@ -5,14 +5,9 @@
 #include "libcamvora/paths.h"
 #include "platform/log.h"
 
-#include <mutex>
-
 namespace {
 
 constexpr long long kFileLimitBytes = 16LL << 20;
-
-// A rotation between the two files of one reading would hide lines.
-std::mutex gRotation;
 
 }  // namespace
 
@@ -27,12 +22,10 @@ void CVPrintf(int /*level*/, const char* /*category*/, const char* /*device*/, c
 namespace camvora {
 
 Json::Value LogLinesOfRequest(const std::string& requestId) {
-    const std::lock_guard<std::mutex> noRotation(gRotation);
     return LogFile(kLogFile).LinesOfRequest(requestId);
 }
 
 void RotateLogIfLarge() {
-    const std::lock_guard<std::mutex> rotation(gRotation);
     LogFile(kLogFile).RotateIfLarger(kFileLimitBytes);
 }
 

@@ -43,8 +43,20 @@ std::optional<Json::Value> EntryOfRequest(const char* line, const std::string& r
     return entry && (*entry)["request"] == requestId ? entry : std::nullopt;
 }
 
-void CollectLines(const std::string& path, const std::string& requestId, std::deque<Json::Value>& found) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "re"), &std::fclose);
+using File = std::unique_ptr<FILE, int (*)(FILE*)>;
+
+File OpenForReading(const std::string& path) {
+    return {std::fopen(path.c_str(), "re"), &std::fclose};
+}
+
+bool IsSameFile(const File& one, const File& other) {
+    struct stat first {};
+    struct stat second {};
+    return one != nullptr && other != nullptr && fstat(fileno(one.get()), &first) == 0 &&
+           fstat(fileno(other.get()), &second) == 0 && first.st_ino == second.st_ino;
+}
+
+void CollectLines(const File& file, const std::string& requestId, std::deque<Json::Value>& found) {
     std::array<char, kLineLimitBytes> line{};
     while (file != nullptr && std::fgets(line.data(), line.size(), file.get()) != nullptr) {
         if (auto entry = EntryOfRequest(line.data(), requestId)) {
@@ -69,8 +81,13 @@ void LogFile::Append(const std::string& line) const {
 
 Json::Value LogFile::LinesOfRequest(const std::string& requestId) const {
     std::deque<Json::Value> found;
-    CollectLines(oldPath_, requestId, found);
-    CollectLines(path_, requestId, found);
+    // The newer file first: if it is set aside in between, it is the older one too, and nothing is missed.
+    const File newer = OpenForReading(path_);
+    const File older = OpenForReading(oldPath_);
+    if (!IsSameFile(older, newer)) {
+        CollectLines(older, requestId, found);
+    }
+    CollectLines(newer, requestId, found);
     Json::Value lines(Json::arrayValue);
     for (Json::Value& entry : found) {
         lines.append(std::move(entry));

@@ -92,6 +92,25 @@ TEST_F(EventsTest, ResumeAfterTheLastOneSeen) {
     EXPECT_EQ(std::string::npos, events.find("\"seen\""));
 }
 
+TEST_F(EventsTest, ResumeAfterALongAbsence) {
+    constexpr int kMissed = 250;
+    std::string begin;
+    std::string seen;
+    {
+        RawConnection stream = WaitForStream(begin);
+        Notify("seen");
+        seen = LastId(stream.ReceiveUntil("seen"));
+    }
+    for (int i = 1; i <= kMissed; ++i) {
+        Notify("missed-" + std::to_string(i) + ".");
+    }
+    RawConnection resumed = OpenStream("Last-Event-ID: " + seen + "\r\n");
+    const std::string events = resumed.ReceiveUntil("missed-" + std::to_string(kMissed) + ".");
+    for (int i = 1; i <= kMissed; ++i) {
+        EXPECT_NE(std::string::npos, events.find("missed-" + std::to_string(i) + ".")) << i;
+    }
+}
+
 TEST_F(EventsTest, ANewStreamTellsNothingOld) {
     Notify("old");
     std::string begin;

@@ -50,7 +50,7 @@ TEST_F(LogTest, EveryReplyHasAnIdOfItsOwn) {
 }
 
 TEST_F(LogTest, AnAbnormalEndIsFoundByTheIdToo) {
-    for (const char* method : {"Crash", "Hang", "Throw", "ThrowNumber", "StaySilent"}) {
+    for (const char* method : {"Crash", "Hang", "Throw", "ThrowNumber", "StaySilent", "Exit"}) {
         const Answer answer = owner_.Test(method);
         EXPECT_EQ(1U, LinesOf(answer.requestId).size()) << method;
     }

@@ -65,8 +65,8 @@ int DescriptorCount(pid_t pid) {
     return CountEntries(ProcOf(pid) / "fd");
 }
 
-long ResidentKiB(pid_t pid) {
-    return std::stol("0" + StatusOf(pid, "VmRSS:"));
+long PeakMemoryKiB(pid_t pid) {
+    return std::stol("0" + StatusOf(pid, "VmHWM:"));
 }
 
 bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {

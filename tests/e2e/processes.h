@@ -19,7 +19,9 @@ bool IsAlive(pid_t pid);
 std::string NameOf(pid_t pid);
 int ThreadCount(pid_t pid);
 int DescriptorCount(pid_t pid);
-long ResidentKiB(pid_t pid);
+
+// The most memory that the process has held so far.
+long PeakMemoryKiB(pid_t pid);
 
 // Waits until `condition` holds. Returns false when it does not within `limit`.
 bool WaitUntil(const std::function<bool()>& condition,
