@@ -8,6 +8,8 @@
 #include "libcamvora/notifications.h"
 #include "platform/log.h"
 
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <exception>
@@ -54,7 +56,7 @@ int RunHttpProcess(UniqueFd listener, UniqueFd intake, const Module& module, con
         server.Stop();
     });
     const bool served = server.Serve();
-    pthread_kill(stopper.native_handle(), SIGTERM);  // where it still waits
+    kill(getpid(), SIGTERM);  // for the stopper, where it still waits
     stopper.join();
     return served ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -83,7 +83,7 @@ TEST_F(IsolationTest, TheModulesErrorsAreAnswersLikeOthers) {
 }
 
 TEST_F(IsolationTest, LargeBodiesAndRepliesArriveWhole) {
-    const std::string text(5'000'000, 'y');
+    const std::string text(1'500'000, 'y');
     const Answer echo = owner_.Test("Echo", Param("value", text));
     EXPECT_EQ(200, echo.status) << echo.Text();
     EXPECT_TRUE(text == echo.Data()["value"].asString());
