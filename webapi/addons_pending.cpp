@@ -11,14 +11,6 @@ void AnswerNotServed(ORVA::APIResponse& response) {
 
 }  // namespace
 
-void AddOnsHandler::HandleEnable() {
-    AnswerNotServed(*m_pResponse);
-}
-
-void AddOnsHandler::HandleRestart() {
-    AnswerNotServed(*m_pResponse);
-}
-
 void AddOnsHandler::HandleSetAutoUpdate() {
     AnswerNotServed(*m_pResponse);
 }
@@ -28,10 +20,6 @@ void AddOnsHandler::HandleGetUpdateInfo() {
 }
 
 void AddOnsHandler::HandleCheckUpdateInfo() {
-    AnswerNotServed(*m_pResponse);
-}
-
-void AddOnsHandler::HandleCheckEnableDone() {
     AnswerNotServed(*m_pResponse);
 }
 

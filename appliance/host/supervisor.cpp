@@ -7,6 +7,7 @@
 #include "host/requestserver.h"
 
 #include "libcamvora/diagnosticlog.h"
+#include "libcamvora/lockguards.h"
 #include "platform/log.h"
 
 #include <poll.h>
@@ -20,7 +21,7 @@ namespace host {
 
 namespace {
 
-constexpr int kRotationIntervalMs = 60'000;
+constexpr int kUpkeepIntervalMs = 60'000;
 constexpr int kStopPollMs = 50;
 constexpr std::chrono::milliseconds kEndGrace{2000};
 
@@ -95,11 +96,12 @@ void Supervisor::Start(Child& child) {
 
 // Returns true when told to stop, false when a process keeps failing.
 bool Supervisor::Supervise() {
-    while (!IsToldToStop(kRotationIntervalMs)) {
+    while (!IsToldToStop(kUpkeepIntervalMs)) {
         if (!RestartEnded()) {
             return false;
         }
         camvora::RotateLogIfLarge();
+        camvora::SweepLockFiles();
     }
     return true;
 }

@@ -6,11 +6,54 @@
 
 namespace camvora {
 
-bool IsLockHeld(const std::string& path) {
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+namespace {
+
+constexpr off_t kRunsByte = 0;
+constexpr off_t kReadyByte = 1;
+
+struct flock OneByte(off_t position) {
     struct flock lock {};
     lock.l_type = F_WRLCK;
-    return file.IsOpen() && fcntl(file.Number(), F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = position;
+    lock.l_len = 1;
+    return lock;
+}
+
+// A process's record locks go when it closes any descriptor of the file: this one is never closed.
+int LockDescriptor(const std::string& path) {
+    static const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    return fd;
+}
+
+bool Hold(const std::string& path, off_t position) {
+    struct flock lock = OneByte(position);
+    return fcntl(LockDescriptor(path), F_SETLK, &lock) == 0;
+}
+
+pid_t Holder(const std::string& path, off_t position) {
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct flock lock = OneByte(position);
+    const bool held = file.IsOpen() && fcntl(file.Number(), F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    return held ? lock.l_pid : 0;
+}
+
+}  // namespace
+
+bool HoldDaemonLock(const std::string& path) {
+    return Hold(path, kRunsByte);
+}
+
+bool HoldReadyLock(const std::string& path) {
+    return Hold(path, kReadyByte);
+}
+
+pid_t DaemonLockHolder(const std::string& path) {
+    return Holder(path, kRunsByte);
+}
+
+pid_t ReadyLockHolder(const std::string& path) {
+    return Holder(path, kReadyByte);
 }
 
 }  // namespace camvora

@@ -16,10 +16,13 @@ inline constexpr char kUiFolder[] = "/var/packages/Camvora/target/ui";
 inline constexpr char kDatabaseFile[] = "/var/packages/Camvora/target/@CVData/camvora.db";
 inline constexpr char kLogFile[] = "/var/packages/Camvora/target/@CVData/log/camvora.log";
 
-// Signs of life: the package is started while the first one exists, a daemon runs while it holds a lock on
-// the file named by the prefix, its type and the suffix.
+// What is true only while the appliance runs; emptied at its start. The package is started while kStartedFile
+// exists. Locks are guarded in kGuardFolder; kDaemonGuard lets one process at a time start or end daemons.
+inline constexpr char kRunFolder[] = "/var/packages/Camvora/target/@CVData/run";
 inline constexpr char kStartedFile[] = "/var/packages/Camvora/target/@CVData/run/started";
-inline constexpr char kDaemonLockPrefix[] = "/var/packages/Camvora/target/@CVData/run/daemon-";
-inline constexpr char kDaemonLockSuffix[] = ".lock";
+inline constexpr char kGuardFolder[] = "/var/packages/Camvora/target/@CVData/run/locks";
+inline constexpr char kDaemonGuard[] = "/var/packages/Camvora/target/@CVData/run/daemons.guard";
+
+inline constexpr char kDaemonProgram[] = "/var/packages/Camvora/target/bin/camvora-daemon";
 
 }  // namespace camvora

@@ -6,6 +6,9 @@
 
 namespace camvora {
 
+// The environment variable that carries the id to programs.
+inline constexpr char kRequestIdVariable[] = "CAMVORA_REQUEST_ID";
+
 // Sets the id for this process and all that it forks from now on. Called by the host, once per request.
 void SetRequestId(const std::string& id);
 

@@ -1,6 +1,7 @@
 #include "libcamvora/servicerunning.h"
 
 #include "libcamvora/daemonlock.h"
+#include "libcamvora/daemontable.h"
 #include "libcamvora/paths.h"
 
 namespace camvora {
@@ -26,7 +27,7 @@ bool RunsByOption(const ServiceEntry& /*entry*/, const State& state) {
 }
 
 bool RunsByDaemon(const ServiceEntry& entry, const State& /*state*/) {
-    return IsLockHeld(kDaemonLockPrefix + std::to_string(entry.daemonType) + kDaemonLockSuffix);
+    return DaemonLockHolder(DaemonLockFile(kRunFolder, entry.daemonType)) != 0;
 }
 
 }  // namespace camvora

@@ -24,6 +24,19 @@ int RecordedStatus(ADDON_SERVICE service, const State& state) {
     return status == state.statuses.end() ? CONTROL_ACTION_STOP : status->second;
 }
 
+std::string StatusName(int status) {
+    switch (status) {
+        case CONTROL_ACTION_STOP:
+            return "stopped";
+        case CONTROL_ACTION_START:
+            return "started";
+        case CONTROL_ACTION_IN_PROGRESS:
+            return "in progress";
+        default:
+            return std::to_string(status);
+    }
+}
+
 std::string InstalledVersion(const std::string& folder) {
     std::array<char, 256> version{};
     (void)PLIBCFileGetKeyValue((folder + camvora::kAddOnConfName).c_str(), "version", version.data(),
@@ -49,6 +62,7 @@ Json::Value GetServiceInfo(ADDON_SERVICE service) {
     description["name"] = entry != nullptr ? entry->name : "Service " + std::to_string(service);
     description["shortName"] = GetServiceStr(service);
     description["status"] = RecordedStatus(service, *state);
+    description["statusName"] = StatusName(RecordedStatus(service, *state));
     description["blRunning"] = entry != nullptr && entry->isRunning(*entry, *state);
     description["blAutoUpdate"] = camvora::IsSettingEnabled(*state, GetAutoDownloadKey(service), false);
     DescribePackages(entry, description);

@@ -17,3 +17,8 @@ void CVPrintf(int level, const char* category, const char* device, const char* s
     va_end(arguments);
     fake::Record("CVPrintf", level, category, device, source, function, text.data());
 }
+
+void CVLog(CV_LOG_TYPE type, long long number, const std::string& text1, const std::string& text2,
+           const std::string& text3) {
+    fake::Record("CVLog", type, number, text1, text2, text3);
+}

@@ -100,7 +100,7 @@ unsigned __wrap_sleep(unsigned seconds) {
     if (!stoppedClock) {
         return __real_sleep(seconds);
     }
-    *stoppedClock += static_cast<std::time_t>(seconds);
+    *stoppedClock += static_cast<std::time_t>(fake::NextAnswer("sleep", seconds).asInt64());
     return 0;
 }
 

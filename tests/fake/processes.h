@@ -12,8 +12,8 @@ namespace fake {
 // fail one call each.
 void FailOnce(const std::string& function, int error);
 
-// Stops the clock at `now`: time gives it, and sleep moves it on by its seconds instead of waiting. A forked
-// child goes on with a copy of the clock.
+// Stops the clock at `now`: time gives it, and sleep moves it on by its seconds (or by its scripted answer)
+// instead of waiting. A forked child goes on with a copy of the clock.
 void SetClock(std::time_t now);
 
 // For Session: back to the system's clock, and the next child is number 1.

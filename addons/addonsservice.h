@@ -1,0 +1,57 @@
+// One add-on service as a request works on it.
+#pragma once
+
+#include "addons/servicecontrol.h"
+#include "platform/services.h"
+
+#include <string>
+
+// A file of a service, see AddOns::GetServiceFile.
+enum PROCESS_FILE : int {
+    PROCESS_FILE_PID = 0,          // exists while an action process runs
+    PROCESS_FILE_LOCK = 1,         // exists while a control action is under way
+    PROCESS_FILE_UPDATE_LOCK = 2,  // exists while a package update is under way
+};
+
+// One service for the length of a request: its identity, its way of control, and the texts for the operation
+// log. Used in the request process and in what it forks; never copied within a process.
+class AddOns {
+public:
+    explicit AddOns(ADDON_SERVICE service);
+    ~AddOns();
+    AddOns(const AddOns&) = delete;
+    AddOns& operator=(const AddOns&) = delete;
+
+    // Switches to another service; for the current one nothing happens.
+    void InitService(ADDON_SERVICE newService);
+
+    // Makes the way of control of the current service. Only while there is none.
+    void InitController();
+
+    // Sets the two texts of the operation-log entry that follows a notified control action.
+    void SetLogInfo(std::string serviceName, std::string description);
+
+    // The full path of the service's file; any other value names the lock file.
+    std::string GetServiceFile(PROCESS_FILE file) const;
+
+    // True while the lock file of control actions exists, held or not.
+    bool IsLockFileExist() const;
+
+    // Performs a control action in a process of its own and waits for its end. Returns 0 when it
+    // succeeded, else -1 with a log line. Leaves the recorded status at the action when it succeeded and at
+    // CONTROL_ACTION_IN_PROGRESS when it did not.
+    int RunActionControl(CONTROL_ACTION action);
+
+    // Performs a control action under the service's lock, waiting for it at most 3000 ms. With `notify` a
+    // success is followed by a notification to the clients and an operation-log entry. Returns 0, or -1.
+    int ExecServiceControl(CONTROL_ACTION action, bool notify);
+
+private:
+    [[noreturn]] void RunActionProcess(const std::string& pidFile, CONTROL_ACTION action) noexcept;
+    void AnnounceAction(CONTROL_ACTION action) const;
+
+    ADDON_SERVICE service;
+    std::string logServiceName;
+    std::string logDescription;
+    ServiceControl* controller;
+};

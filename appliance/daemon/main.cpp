@@ -1,0 +1,72 @@
+// A package daemon of the stand-in appliance: camvora-daemon TYPE. It does no work of its own. It can be seen
+// to live by the lock it holds, by its pid file and by the heartbeat in its status file, and ends on SIGTERM.
+#include "libcamvora/daemonlock.h"
+#include "libcamvora/daemontable.h"
+#include "libcamvora/paths.h"
+#include "libcamvora/requestid.h"
+#include "platform/log.h"
+#include "platform/plibc.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+
+namespace {
+
+constexpr timespec kHeartbeat = {1, 0};
+
+// The time of the last heartbeat, in seconds since 1970; the reader sees a whole one, this or the last.
+void Beat(const std::string& statusFile) {
+    const std::string fresh = statusFile + ".new";
+    std::FILE* file = std::fopen(fresh.c_str(), "we");
+    if (file == nullptr) {
+        return;
+    }
+    (void)std::fprintf(file, "%lld\n", static_cast<long long>(std::time(nullptr)));
+    if (std::fclose(file) == 0) {
+        (void)std::rename(fresh.c_str(), statusFile.c_str());
+    }
+}
+
+void BeatUntilToldToEnd(const std::string& statusFile) {
+    sigset_t end;
+    sigemptyset(&end);
+    sigaddset(&end, SIGTERM);
+    sigprocmask(SIG_BLOCK, &end, nullptr);
+    do {
+        Beat(statusFile);
+    } while (sigtimedwait(&end, nullptr, &kHeartbeat) != SIGTERM);
+}
+
+int RunDaemon(const camvora::DaemonEntry& entry) {
+    const std::string lock = camvora::DaemonLockFile(camvora::kRunFolder, entry.type);
+    const std::string pidFile = camvora::DaemonPidFile(camvora::kRunFolder, entry);
+    const std::string statusFile = camvora::DaemonStatusFile(camvora::kRunFolder, entry);
+    if (!camvora::HoldDaemonLock(lock) || PLIBCProcPidFileCreate(pidFile.c_str()) != 0 ||
+        !camvora::HoldReadyLock(lock)) {
+        CVPrintf(0, nullptr, nullptr, "daemon", __LINE__, entry.name,
+                 "Failed to start, or already running\n");
+        return EXIT_FAILURE;
+    }
+    BeatUntilToldToEnd(statusFile);
+    (void)unlink(statusFile.c_str());
+    (void)unlink(pidFile.c_str());
+    return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const camvora::DaemonEntry* entry = argc == 2 ? camvora::FindDaemon(std::atoi(argv[1])) : nullptr;
+    if (entry == nullptr) {
+        (void)std::fputs("usage: camvora-daemon TYPE\n", stderr);
+        return 2;
+    }
+    const char* requestId = std::getenv(camvora::kRequestIdVariable);
+    camvora::SetRequestId(requestId != nullptr ? requestId : "");
+    return RunDaemon(*entry);
+}

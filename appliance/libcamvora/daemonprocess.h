@@ -1,0 +1,26 @@
+// Starting and ending the process of one daemon.
+#pragma once
+
+#include "libcamvora/daemontable.h"
+
+#include <chrono>
+#include <string>
+
+namespace camvora {
+
+// How a daemon is started and how long it is waited for.
+struct DaemonPlaces {
+    std::string program;    // run with the daemon's type as argument
+    std::string runFolder;  // of its lock, pid and status files
+    std::chrono::milliseconds limit;
+};
+
+// Starts the daemon in a session of its own, with none of the caller's descriptors and nothing of its
+// environment but the request's id, and waits until it is up. Returns false when it did not come up.
+bool StartDaemon(const DaemonPlaces& places, const DaemonEntry& entry);
+
+// Ends the daemon if it runs, with SIGTERM and after the limit with SIGKILL, and waits until it is gone.
+// Returns false when it is still there.
+bool EndDaemon(const DaemonPlaces& places, const DaemonEntry& entry);
+
+}  // namespace camvora

@@ -1,0 +1,39 @@
+#include "libcamvora/daemontable.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace camvora {
+
+namespace {
+
+constexpr DaemonEntry kDaemons[] = {
+    {1, "service3d", -1},
+    {4, "cmsd", -1},
+    {6, "service5d", -1},
+    {11, "localdisplayd", 12},
+    {12, "localdisplayhelperd", -1},
+};
+
+}  // namespace
+
+const DaemonEntry* FindDaemon(int type) {
+    const auto* const entry =
+        std::find_if(std::begin(kDaemons), std::end(kDaemons),
+                     [type](const DaemonEntry& candidate) { return candidate.type == type; });
+    return entry == std::end(kDaemons) ? nullptr : entry;
+}
+
+std::string DaemonLockFile(const std::string& folder, int type) {
+    return folder + "/daemon-" + std::to_string(type) + ".lock";
+}
+
+std::string DaemonPidFile(const std::string& folder, const DaemonEntry& entry) {
+    return folder + "/" + entry.name + ".pid";
+}
+
+std::string DaemonStatusFile(const std::string& folder, const DaemonEntry& entry) {
+    return folder + "/" + entry.name + ".status";
+}
+
+}  // namespace camvora

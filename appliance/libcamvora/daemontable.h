@@ -1,0 +1,24 @@
+// The package's daemons: what sets them apart, in one table.
+#pragma once
+
+#include "platform/services.h"
+
+#include <string>
+
+namespace camvora {
+
+struct DaemonEntry {
+    int type;
+    const char* name;
+    int helperType;  // the daemon that is started and ended with this one; -1 for none
+};
+
+// The entry of `type`; null when there is no such daemon.
+const DaemonEntry* FindDaemon(int type);
+
+// Files of a daemon, in `folder`, the appliance's run folder.
+std::string DaemonLockFile(const std::string& folder, int type);
+std::string DaemonPidFile(const std::string& folder, const DaemonEntry& entry);
+std::string DaemonStatusFile(const std::string& folder, const DaemonEntry& entry);
+
+}  // namespace camvora
