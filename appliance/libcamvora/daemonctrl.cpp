@@ -11,13 +11,18 @@ using camvora::DaemonEntry;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr milliseconds kLimit(5000);
+// A daemon that does not heed SIGTERM is killed before the next action gives up its wait for the service.
+constexpr milliseconds kStartLimit(5000);
+constexpr milliseconds kEndLimit(2000);
+constexpr milliseconds kTurnLimit(20000);
 
-// One start or end of daemons at a time: a restore or an update starts and ends them without any lock of
-// their service.
+// One start or end of a daemon at a time: a restore or an update starts and ends it without the lock of its
+// service.
 class Turn {
 public:
-    Turn() : handle_(camvora::EnterLockQueue(camvora::kDaemonGuard, steady_clock::now() + 4 * kLimit)) {}
+    explicit Turn(int type)
+        : handle_(camvora::EnterLockQueue(camvora::DaemonGuardFile(camvora::kRunFolder, type),
+                                          steady_clock::now() + kTurnLimit)) {}
     ~Turn() {
         if (handle_ >= 0) {
             camvora::LeaveLockQueue(handle_);
@@ -33,7 +38,7 @@ private:
 };
 
 camvora::DaemonPlaces Places() {
-    return {camvora::kDaemonProgram, camvora::kRunFolder, kLimit};
+    return {camvora::kDaemonProgram, camvora::kRunFolder, kStartLimit, kEndLimit};
 }
 
 bool End(const DaemonEntry& entry) {
@@ -59,8 +64,11 @@ bool Replace(const DaemonEntry& entry) {
 // Does `work` with the daemon of `type`, then with its helper. Returns 0 when both went well.
 int ForEach(CV_DAEMON_TYPE type, bool (*work)(const DaemonEntry&)) {
     const DaemonEntry* daemon = camvora::FindDaemon(type);
-    const Turn turn;
-    if (daemon == nullptr || !turn.IsMine()) {
+    if (daemon == nullptr) {
+        return -1;
+    }
+    const Turn turn(type);
+    if (!turn.IsMine()) {
         return -1;
     }
     const DaemonEntry* helper = camvora::FindDaemon(daemon->helperType);

@@ -8,6 +8,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 extern "C" {
@@ -40,6 +41,7 @@ public:
         posix_spawnattr_setsigdefault(&attributes_, &all);
         posix_spawnattr_setsigmask(&attributes_, &none);
         posix_spawn_file_actions_init(&actions_);
+        posix_spawn_file_actions_addchdir_np(&actions_, "/");
         posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
@@ -82,10 +84,11 @@ bool StartDaemon(const DaemonPlaces& places, const DaemonEntry& entry) {
     }
     const Descriptor process(pidfd_open(pid, 0));
     const std::string lock = DaemonLockFile(places.runFolder, entry.type);
-    const auto deadline = steady_clock::now() + places.limit;
+    const auto deadline = steady_clock::now() + places.startLimit;
     while (ReadyLockHolder(lock) != pid) {
         if (IsGone(process.Number(), kLookAgainMs) || steady_clock::now() > deadline) {
             (void)kill(pid, SIGKILL);
+            (void)waitpid(pid, nullptr, 0);
             return false;
         }
     }
@@ -102,7 +105,7 @@ bool EndDaemon(const DaemonPlaces& places, const DaemonEntry& entry) {
     if (DaemonLockHolder(lock) != pid) {
         return true;  // it has ended in between, and the id may be another's by now
     }
-    const int limitMs = static_cast<int>(places.limit.count());
+    const int limitMs = static_cast<int>(places.endLimit.count());
     (void)pidfd_send_signal(process.Number(), SIGTERM, nullptr, 0);
     if (!IsGone(process.Number(), limitMs)) {
         (void)pidfd_send_signal(process.Number(), SIGKILL, nullptr, 0);

@@ -12,14 +12,16 @@ namespace camvora {
 struct DaemonPlaces {
     std::string program;    // run with the daemon's type as argument
     std::string runFolder;  // of its lock, pid and status files
-    std::chrono::milliseconds limit;
+    std::chrono::milliseconds startLimit;
+    std::chrono::milliseconds endLimit;  // after which SIGKILL follows SIGTERM
 };
 
 // Starts the daemon in a session of its own, with none of the caller's descriptors and nothing of its
-// environment but the request's id, and waits until it is up. Returns false when it did not come up.
+// environment but the request's id, and waits until it is up. Returns false when it did not come up
+// within the start limit; none is left of it then.
 bool StartDaemon(const DaemonPlaces& places, const DaemonEntry& entry);
 
-// Ends the daemon if it runs, with SIGTERM and after the limit with SIGKILL, and waits until it is gone.
+// Ends the daemon if it runs, with SIGTERM and after the end limit with SIGKILL, and waits until it is gone.
 // Returns false when it is still there.
 bool EndDaemon(const DaemonPlaces& places, const DaemonEntry& entry);
 

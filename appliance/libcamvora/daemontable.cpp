@@ -28,6 +28,10 @@ std::string DaemonLockFile(const std::string& folder, int type) {
     return folder + "/daemon-" + std::to_string(type) + ".lock";
 }
 
+std::string DaemonGuardFile(const std::string& folder, int type) {
+    return folder + "/daemon-" + std::to_string(type) + ".guard";
+}
+
 std::string DaemonPidFile(const std::string& folder, const DaemonEntry& entry) {
     return folder + "/" + entry.name + ".pid";
 }

@@ -18,6 +18,7 @@ const DaemonEntry* FindDaemon(int type);
 
 // Files of a daemon, in `folder`, the appliance's run folder.
 std::string DaemonLockFile(const std::string& folder, int type);
+std::string DaemonGuardFile(const std::string& folder, int type);
 std::string DaemonPidFile(const std::string& folder, const DaemonEntry& entry);
 std::string DaemonStatusFile(const std::string& folder, const DaemonEntry& entry);
 

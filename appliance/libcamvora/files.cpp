@@ -1,13 +1,9 @@
 #include "platform/files.h"
 
 #include "libcamvora/lockguards.h"
-#include "libcamvora/lockqueue.h"
 #include "libcamvora/paths.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
 
 bool IsFileExist(const std::string& path) {
     struct stat status {};
@@ -21,11 +17,7 @@ bool IsExistDir(const std::string& path) {
 
 // A lock file that somebody holds by now is left to the holder.
 int RemoveFileIfExist(const std::string& path) {
-    const std::string guard = camvora::GuardOf(camvora::kGuardFolder, path);
-    if (IsFileExist(guard)) {
-        return camvora::RemoveUnlessQueued(guard, path);
-    }
-    return unlink(path.c_str()) == 0 || errno == ENOENT ? 0 : -1;
+    return camvora::RemoveGuarded(camvora::kGuardFolder, path);
 }
 
 std::string itos(long long number) {

@@ -1,9 +1,17 @@
 #include "libcamvora/lockguards.h"
 
-#include "libcamvora/lockqueue.h"
+#include "libcamvora/descriptor.h"
 #include "libcamvora/paths.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <filesystem>
+#include <string_view>
+#include <system_error>
 
 namespace camvora {
 
@@ -12,6 +20,26 @@ namespace {
 constexpr char kEscape = '%';
 constexpr char kEscapedSlash[] = "%2F";
 constexpr char kEscapedEscape[] = "%25";
+constexpr std::string_view kLockSuffix = ".lock";
+constexpr std::string_view kPidSuffix = ".pid";
+
+constexpr std::chrono::seconds kRemoveLimit{1};
+
+// The sign that somebody is inside. It does not exclude: what does is the guard.
+bool ShowLockFile(const std::string& path) {
+    return Descriptor(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600))
+        .IsOpen();
+}
+
+// An action process writes its pid file beside the lock file under which it works.
+void Sweep(const std::string& guard, std::string file) {
+    const auto now = std::chrono::steady_clock::now();
+    (void)RemoveUnlessQueued(guard, file, now);
+    const std::size_t stem = file.size() - std::min(file.size(), kLockSuffix.size());
+    if (file.compare(stem, std::string::npos, kLockSuffix) == 0) {
+        (void)RemoveUnlessQueued(guard, file.replace(stem, std::string::npos, kPidSuffix), now);
+    }
+}
 
 }  // namespace
 
@@ -42,10 +70,33 @@ std::string GuardedBy(const std::string& name) {
     return path;
 }
 
+int EnterGuarded(const std::string& folder, const std::string& path, Deadline deadline) {
+    const std::string guard = GuardOf(folder, path);
+    const int handle = EnterLockQueue(guard, deadline);
+    if (handle >= 0 && ShowLockFile(path)) {
+        return handle;
+    }
+    if (handle >= 0) {
+        LeaveLockQueue(handle);
+    }
+    // A holder that left meanwhile has spared the file for us, as the next one.
+    (void)RemoveUnlessQueued(guard, path, deadline);
+    return -1;
+}
+
+int RemoveGuarded(const std::string& folder, const std::string& path) {
+    const std::string guard = GuardOf(folder, path);
+    if (access(guard.c_str(), F_OK) == 0) {
+        return RemoveUnlessQueued(guard, path, std::chrono::steady_clock::now() + kRemoveLimit);
+    }
+    return unlink(path.c_str()) == 0 || errno == ENOENT ? 0 : -1;
+}
+
 void SweepLockFiles(const std::string& folder) {
     std::error_code error;
-    for (const auto& guard : std::filesystem::directory_iterator(folder, error)) {
-        (void)RemoveUnlessQueued(guard.path(), GuardedBy(guard.path().filename()));
+    std::filesystem::directory_iterator guard(folder, error);
+    for (; guard != std::filesystem::directory_iterator(); guard.increment(error)) {
+        Sweep(guard->path(), GuardedBy(guard->path().filename()));
     }
 }
 

@@ -1,5 +1,7 @@
 #include "libcamvora/lockqueue.h"
 
+#include "libcamvora/descriptor.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/inotify.h>
@@ -20,7 +22,11 @@ using std::chrono::steady_clock;
 // kFirstTicket + N is ticket N. The lock bytes lie behind the end of the file.
 constexpr off_t kCounterByte = 1 << 10;
 constexpr off_t kFirstTicket = 1 << 11;
-constexpr milliseconds kRetryInterval{20};
+constexpr milliseconds kCounterLimit{100};
+
+// Where no event tells of a change: there is no watch, or a process has died, whose locks are freed only
+// after the event of the close.
+constexpr milliseconds kLookAgain{50};
 
 // The open-file-description lock on a range of bytes; freed when its last descriptor is closed.
 bool SetLock(int fd, short type, off_t start, off_t length) {
@@ -47,46 +53,31 @@ int RemainingMs(Deadline deadline) {
     return static_cast<int>(std::max<milliseconds::rep>(left.count(), 0));
 }
 
-// Sleeps until the guard file is written or closed by somebody, or until the deadline. Without a watch it
-// looks again after a short while.
+// Sleeps until the guard file is written or closed by somebody, but no longer than until the next look.
 class ChangeWatch {
 public:
-    explicit ChangeWatch(const std::string& file) : fd_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-        if (fd_ >= 0) {
-            (void)inotify_add_watch(fd_, file.c_str(), IN_MODIFY | IN_CLOSE_WRITE);
-        }
+    explicit ChangeWatch(const std::string& file) : events_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+        (void)inotify_add_watch(events_.Number(), file.c_str(), IN_MODIFY | IN_CLOSE_WRITE);
     }
-    ~ChangeWatch() {
-        if (fd_ >= 0) {
-            (void)close(fd_);
-        }
-    }
-    ChangeWatch(const ChangeWatch&) = delete;
-    ChangeWatch& operator=(const ChangeWatch&) = delete;
 
     void Wait(Deadline deadline) const {
-        const int limitMs = RemainingMs(deadline);
-        if (fd_ < 0) {
-            (void)poll(nullptr, 0, std::min(limitMs, static_cast<int>(kRetryInterval.count())));
-            return;
+        struct pollfd changed = {events_.Number(), POLLIN, 0};
+        if (poll(&changed, 1, std::min(RemainingMs(deadline), static_cast<int>(kLookAgain.count()))) > 0) {
+            char events[4096];
+            (void)!read(events_.Number(), events, sizeof(events));
         }
-        struct pollfd changed = {fd_, POLLIN, 0};
-        (void)poll(&changed, 1, limitMs);
-        char events[4096];
-        (void)read(fd_, events, sizeof(events));
     }
 
 private:
-    int fd_;
+    const Descriptor events_;
 };
 
-// The counter is locked for the length of a few system calls; only a stopped process keeps it longer.
+// The counter is locked for the length of a few system calls; only a stopped process keeps it longer. So it
+// is waited for a little even by those who would not wait for the section.
 bool LockCounter(int fd, Deadline deadline) {
+    deadline = std::max(deadline, steady_clock::now() + kCounterLimit);
     while (!SetLock(fd, F_WRLCK, kCounterByte, 1)) {
-        if (errno != EAGAIN && errno != EACCES && errno != EINTR) {
-            return false;
-        }
-        if (RemainingMs(deadline) == 0) {
+        if ((errno != EAGAIN && errno != EACCES) || RemainingMs(deadline) == 0) {
             return false;
         }
         (void)poll(nullptr, 0, 1);
@@ -151,18 +142,13 @@ void LeaveLockQueue(int fd) {
     (void)close(fd);
 }
 
-int RemoveUnlessQueued(const std::string& guardFile, const std::string& file) {
-    const int fd = OpenGuard(guardFile);
-    if (fd < 0) {
+int RemoveUnlessQueued(const std::string& guardFile, const std::string& file, Deadline deadline) {
+    const Descriptor guard(OpenGuard(guardFile));
+    if (!guard.IsOpen() || !LockCounter(guard.Number(), deadline)) {
         return -1;
     }
-    int result = -1;
-    if (LockCounter(fd, steady_clock::now() + milliseconds(1000))) {
-        const bool queued = IsLockedByOthers(fd, kFirstTicket, 0);
-        result = queued || unlink(file.c_str()) == 0 || errno == ENOENT ? 0 : -1;
-    }
-    LeaveLockQueue(fd);
-    return result;
+    const bool queued = IsLockedByOthers(guard.Number(), kFirstTicket, 0);
+    return queued || unlink(file.c_str()) == 0 || errno == ENOENT ? 0 : -1;
 }
 
 }  // namespace camvora

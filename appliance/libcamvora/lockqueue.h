@@ -13,7 +13,8 @@ namespace camvora {
 using Deadline = std::chrono::steady_clock::time_point;
 
 // Draws a ticket in the guard file, which is made if absent, and waits until it is the lowest. Returns a
-// descriptor for LeaveLockQueue, or -1 when the deadline has passed or the guard file does not work.
+// descriptor for LeaveLockQueue, or -1 when the deadline has passed or the guard file does not work. The
+// ticket itself is waited for up to 100 ms in any case.
 // Descendants that inherit the descriptor keep the section held if this process dies.
 int EnterLockQueue(const std::string& guardFile, Deadline deadline);
 
@@ -22,7 +23,8 @@ int EnterLockQueue(const std::string& guardFile, Deadline deadline);
 void LeaveLockQueue(int fd);
 
 // Removes `file` unless somebody holds the section of the guard file or waits for it; nobody can enter
-// meanwhile. Returns 0 when the file is gone or spared, -1 when it could not be removed.
-int RemoveUnlessQueued(const std::string& guardFile, const std::string& file);
+// meanwhile. Returns 0 when the file is gone or spared, -1 when it could not be removed, or not be told until
+// the deadline.
+int RemoveUnlessQueued(const std::string& guardFile, const std::string& file, Deadline deadline);
 
 }  // namespace camvora

@@ -17,11 +17,10 @@ inline constexpr char kDatabaseFile[] = "/var/packages/Camvora/target/@CVData/ca
 inline constexpr char kLogFile[] = "/var/packages/Camvora/target/@CVData/log/camvora.log";
 
 // What is true only while the appliance runs; emptied at its start. The package is started while kStartedFile
-// exists. Locks are guarded in kGuardFolder; kDaemonGuard lets one process at a time start or end daemons.
+// exists. Locks are guarded in kGuardFolder.
 inline constexpr char kRunFolder[] = "/var/packages/Camvora/target/@CVData/run";
 inline constexpr char kStartedFile[] = "/var/packages/Camvora/target/@CVData/run/started";
 inline constexpr char kGuardFolder[] = "/var/packages/Camvora/target/@CVData/run/locks";
-inline constexpr char kDaemonGuard[] = "/var/packages/Camvora/target/@CVData/run/daemons.guard";
 
 inline constexpr char kDaemonProgram[] = "/var/packages/Camvora/target/bin/camvora-daemon";
 

@@ -15,6 +15,7 @@ pid_t PLIBCProcFork() {
 int PLIBCProcPidFileCreate(const char* path) {
     const std::string text = std::to_string(getpid()) + "\n";
     const std::string fresh = std::string(path) + "." + std::to_string(getpid());
+    (void)unlink(fresh.c_str());  // left by a process of this number that was killed here
     const camvora::Descriptor file(
         open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
     if (!file.IsOpen()) {

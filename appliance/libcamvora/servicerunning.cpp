@@ -27,7 +27,7 @@ bool RunsByOption(const ServiceEntry& /*entry*/, const State& state) {
 }
 
 bool RunsByDaemon(const ServiceEntry& entry, const State& /*state*/) {
-    return DaemonLockHolder(DaemonLockFile(kRunFolder, entry.daemonType)) != 0;
+    return ReadyLockHolder(DaemonLockFile(kRunFolder, entry.daemonType)) != 0;
 }
 
 }  // namespace camvora

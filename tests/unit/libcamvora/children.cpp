@@ -1,8 +1,11 @@
 #include "children.h"
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <vector>
@@ -17,6 +20,15 @@ namespace {
         _exit(work(number) ? EXIT_SUCCESS : EXIT_FAILURE);
     } catch (const std::exception&) {
         _exit(EXIT_FAILURE);
+    }
+}
+
+[[noreturn]] void WorkAndStay(int result, const std::function<bool()>& work) noexcept {
+    const char worked = work() ? 1 : 0;
+    (void)!write(result, &worked, 1);
+    close(result);
+    for (;;) {
+        pause();
     }
 }
 
@@ -52,4 +64,32 @@ int CountSuccesses(int count, const std::function<bool(int)>& work) {
 
 bool SucceedsInChild(const std::function<bool()>& work) {
     return CountSuccesses(1, [&work](int) { return work(); }) == 1;
+}
+
+Background::Background(const std::function<bool()>& work) {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+        return;
+    }
+    pid_ = fork();
+    if (pid_ == 0) {
+        close(ends[0]);
+        WorkAndStay(ends[1], work);
+    }
+    close(ends[1]);
+    result_ = ends[0];
+}
+
+bool Background::Worked() {
+    char worked = 0;
+    return read(result_, &worked, 1) == 1 && worked == 1;
+}
+
+void Background::Kill() {
+    if (pid_ > 0) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+        close(result_);
+        pid_ = -1;
+    }
 }

@@ -1,6 +1,8 @@
 // Work in several processes at once.
 #pragma once
 
+#include <sys/types.h>
+
 #include <functional>
 
 // Forks `count` children that start together; each does `work` with its number and ends. Returns how many
@@ -9,3 +11,24 @@ int CountSuccesses(int count, const std::function<bool(int)>& work);
 
 // The same with one child: true when it reported success.
 bool SucceedsInChild(const std::function<bool()>& work);
+
+// A child that does `work` and then stays until it is killed.
+class Background {
+public:
+    explicit Background(const std::function<bool()>& work);
+    ~Background() { Kill(); }
+    Background(const Background&) = delete;
+    Background& operator=(const Background&) = delete;
+
+    // Waits for the end of the work: true when it reported success.
+    bool Worked();
+
+    // Ends it with SIGKILL and waits until it is gone.
+    void Kill();
+
+    pid_t Pid() const { return pid_; }
+
+private:
+    int result_ = -1;
+    pid_t pid_ = -1;
+};

@@ -3,43 +3,62 @@
 #include "children.h"
 #include "temporaryfolder.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 
 namespace {
 
-using camvora::IsLockHeld;
+using camvora::DaemonLockHolder;
+using camvora::HoldDaemonLock;
+using camvora::HoldReadyLock;
+using camvora::ReadyLockHolder;
 
-// Locks the file as a daemon does and keeps it until the process ends.
-bool Lock(const std::string& path) {
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    return file >= 0 && fcntl(file, F_OFD_SETLK, &lock) == 0;
+class DaemonLock : public testing::Test {
+protected:
+    const TemporaryFolder folder_;
+    const std::string path_ = folder_.PathOf("daemon-11.lock");
+};
+
+TEST_F(DaemonLock, NamesItsProcessAsLongAsThatLives) {
+    EXPECT_EQ(0, DaemonLockHolder(path_));
+    Background daemon([this] { return HoldDaemonLock(path_); });
+    ASSERT_TRUE(daemon.Worked());
+    EXPECT_EQ(daemon.Pid(), DaemonLockHolder(path_));
+    EXPECT_EQ(0, ReadyLockHolder(path_));
+    EXPECT_FALSE(SucceedsInChild([this] { return HoldDaemonLock(path_); }));
+    daemon.Kill();
+    EXPECT_EQ(0, DaemonLockHolder(path_));  // the file is still there
+    EXPECT_TRUE(std::filesystem::exists(path_));
 }
 
-TEST(DaemonLock, IsHeldAsLongAsItsProcessLives) {
-    const TemporaryFolder folder;
-    const std::string path = folder.PathOf("daemon-11.lock");
-    EXPECT_FALSE(IsLockHeld(path));
-    EXPECT_TRUE(SucceedsInChild([&path] {
-        return Lock(path) && IsLockHeld(path) && SucceedsInChild([&path] { return IsLockHeld(path); });
-    }));
-    EXPECT_FALSE(IsLockHeld(path));  // the file is still there
+TEST_F(DaemonLock, TellsWhenItsProcessIsUp) {
+    Background daemon([this] { return HoldDaemonLock(path_) && HoldReadyLock(path_); });
+    ASSERT_TRUE(daemon.Worked());
+    EXPECT_EQ(daemon.Pid(), ReadyLockHolder(path_));
+    EXPECT_EQ(daemon.Pid(), DaemonLockHolder(path_));
 }
 
-TEST(DaemonLock, IsNotHeldOnWhatIsNoFile) {
-    const TemporaryFolder folder;
-    ASSERT_EQ(0, mkfifo(folder.PathOf("fifo").c_str(), 0600));
-    EXPECT_FALSE(IsLockHeld(folder.PathOf("fifo")));
-    ASSERT_TRUE(SucceedsInChild([&folder] {
-        (void)!symlink(folder.PathOf("held").c_str(), folder.PathOf("link").c_str());
-        return Lock(folder.PathOf("held")) && !IsLockHeld(folder.PathOf("link"));
-    }));
+TEST_F(DaemonLock, IsNotInheritedByAChild) {
+    Background daemon([this] {
+        return HoldDaemonLock(path_) &&
+               SucceedsInChild([this] { return DaemonLockHolder(path_) == getppid(); });
+    });
+    EXPECT_TRUE(daemon.Worked());
+    EXPECT_EQ(daemon.Pid(), DaemonLockHolder(path_));
+}
+
+TEST_F(DaemonLock, IsNotHeldOnWhatIsNoFile) {
+    ASSERT_EQ(0, mkfifo(folder_.PathOf("fifo").c_str(), 0600));
+    EXPECT_EQ(0, DaemonLockHolder(folder_.PathOf("fifo")));
+    Background daemon([this] { return HoldDaemonLock(path_); });
+    ASSERT_TRUE(daemon.Worked());
+    std::filesystem::create_symlink(path_, folder_.PathOf("link"));
+    EXPECT_EQ(0, DaemonLockHolder(folder_.PathOf("link")));
+    EXPECT_FALSE(SucceedsInChild([this] { return HoldDaemonLock(folder_.PathOf("link")); }));
 }
 
 }  // namespace
