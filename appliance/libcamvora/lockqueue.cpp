@@ -138,7 +138,7 @@ int EnterLockQueue(const std::string& guardFile, Deadline deadline) {
 void LeaveLockQueue(int fd) {
     (void)SetLock(fd, F_UNLCK, 0, 0);
     const char wake = 0;
-    (void)pwrite(fd, &wake, 1, sizeof(std::int64_t));
+    (void)!pwrite(fd, &wake, 1, sizeof(std::int64_t));
     (void)close(fd);
 }
 
