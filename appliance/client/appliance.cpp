@@ -15,35 +15,55 @@ constexpr char kApiPath[] = "/api/ORVA.Camvora.AddOns/v1/";
 
 Appliance::Appliance(HttpClient http) : http_(std::move(http)) {}
 
+Appliance Appliance::Within(std::chrono::seconds timeLimit) const {
+    return Appliance(http_.Within(timeLimit));
+}
+
+Answer Appliance::Ask(const std::string& method, const Json::Value& params) const {
+    return Checked(http_.Post(kApiPath + method, ToJson(params)), method);
+}
+
 Json::Value Appliance::Call(const std::string& method, const Json::Value& params) const {
-    return Answer(http_.Post(kApiPath + method, ToJson(params)), method);
+    return Ask(method, params).data;
 }
 
 Json::Value Appliance::Methods() const {
-    return Answer(http_.Get("/api"), "The list of methods");
+    return Checked(http_.Get("/api"), "The list of methods").data;
 }
 
-Json::Value Appliance::Answer(const HttpReply& reply, const std::string& what) const {
-    try {
-        return DataOf(reply, what);
-    } catch (Failure& failure) {
-        failure.requestId = reply.requestId;
-        failure.log = LogLines(reply.requestId);
-        throw;
+Json::Value Appliance::Log(const std::string& requestId) const {
+    const Json::Value data = DataOf(http_.Get("/log", {{"request", requestId}}), "The log");
+    Json::Value lines = Member(data, "lines");
+    if (!lines.isArray()) {
+        throw Failure(ExitStatus::kFailed, "The log failed: the answer holds no lines");
     }
+    return lines;
 }
 
-// A log that cannot be had must not hide the failure that it was to explain.
-Json::Value Appliance::LogLines(const std::string& requestId) const {
+void Appliance::AddRequest(Failure& failure, const std::string& requestId) const {
     if (requestId.empty()) {
-        return {};
+        return;
     }
+    failure.requestId = requestId;
     try {
-        const Json::Value data = DataOf(http_.Get("/log", {{"request", requestId}}), "The log");
-        const Json::Value lines = Member(data, "lines");
-        return lines.isArray() ? lines : Json::Value();
-    } catch (const Failure&) {
-        return {};
+        failure.log = Log(requestId);
+    } catch (const Failure&) {  // must not hide the failure that the log was to explain
+    }
+}
+
+void Appliance::Listen(const std::string& lastEventId, const PieceReceiver& receive) const {
+    const HttpReply reply = http_.Listen("/events", lastEventId, receive);
+    if (!reply.isStream) {
+        (void)Checked(reply, "The stream of events");
+    }
+}
+
+Answer Appliance::Checked(const HttpReply& reply, const std::string& what) const {
+    try {
+        return {DataOf(reply, what), reply.requestId};
+    } catch (Failure& failure) {
+        AddRequest(failure, reply.requestId);
+        throw;
     }
 }
 

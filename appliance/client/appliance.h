@@ -5,24 +5,47 @@
 
 #include <json/value.h>
 
+#include <chrono>
 #include <string>
 
 namespace client {
+
+struct Failure;
+
+struct Answer {
+    Json::Value data;
+    std::string requestId;  // empty when the appliance gave none
+};
 
 class Appliance {
 public:
     explicit Appliance(HttpClient http);
 
-    // Calls `method` of the add-ons API with the object `params` and returns the answer's data. Throws
-    // Failure, with the request's log lines when the appliance answered an error.
+    // The same appliance with another limit for each request as a whole.
+    Appliance Within(std::chrono::seconds timeLimit) const;
+
+    // Calls `method` of the add-ons API with the object `params`. Throws Failure, with the request's log
+    // lines when the appliance answered an error.
+    Answer Ask(const std::string& method, const Json::Value& params) const;
+
+    // The data of that answer. Throws as Ask does.
     Json::Value Call(const std::string& method, const Json::Value& params) const;
 
-    // What the appliance serves. Throws as Call does.
+    // What the appliance serves. Throws as Ask does.
     Json::Value Methods() const;
 
+    // The log lines of a request, an array. Throws as Ask does.
+    Json::Value Log(const std::string& requestId) const;
+
+    // Puts a request and, as far as they can be had, its log lines into `failure`.
+    void AddRequest(Failure& failure, const std::string& requestId) const;
+
+    // Passes on the stream of events as HttpClient::Listen does. Throws as that does, and Failure when the
+    // appliance answered something else.
+    void Listen(const std::string& lastEventId, const PieceReceiver& receive) const;
+
 private:
-    Json::Value Answer(const HttpReply& reply, const std::string& what) const;
-    Json::Value LogLines(const std::string& requestId) const;
+    Answer Checked(const HttpReply& reply, const std::string& what) const;
 
     HttpClient http_;
 };

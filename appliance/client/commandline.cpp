@@ -18,13 +18,14 @@ namespace {
 
 // In the order of the help.
 constexpr void (*kCommands[])(CLI::App&, Session&) = {
-    AddList, AddStatus, AddApps, AddMethods, AddCall,
+    AddList, AddStatus, AddControl, AddEvents, AddLog, AddApps, AddMethods, AddCall,
 };
 
 constexpr char kExamples[] =
     "Examples:\n"
     "  camvoractl list\n"
     "  camvoractl status device_pack\n"
+    "  camvoractl start local_display\n"
     "  camvoractl apps --lang de --json\n"
     "  camvoractl call GetInfo service=1\n\n";
 
@@ -35,7 +36,9 @@ constexpr int kLongestTimeoutSeconds = 24 * 60 * 60;
 void AddOptions(CLI::App& program, GlobalOptions& options) {
     program.set_version_flag("--version", "camvoractl " CAMVORA_VERSION, "Print the version and exit");
     program.add_flag("--json", options.json, "Write JSON, errors too, to standard output");
-    program.add_option("--timeout", options.timeoutSeconds, "Longest time to wait for a reply, in seconds")
+    program
+        .add_option("--timeout", options.timeoutSeconds,
+                    "Longest time to wait for a reply or an outcome, in seconds")
         ->check(CLI::Range(1, kLongestTimeoutSeconds))
         ->option_text("SECONDS [60]");
     program

@@ -13,6 +13,9 @@ class Session;
 
 void AddList(CLI::App& program, Session& session);
 void AddStatus(CLI::App& program, Session& session);
+void AddControl(CLI::App& program, Session& session);  // start, stop and restart
+void AddEvents(CLI::App& program, Session& session);
+void AddLog(CLI::App& program, Session& session);
 void AddApps(CLI::App& program, Session& session);
 void AddMethods(CLI::App& program, Session& session);
 void AddCall(CLI::App& program, Session& session);

@@ -1,6 +1,7 @@
 #include "client/failure.h"
 
 #include "client/jsontext.h"
+#include "client/loglines.h"
 #include "client/table.h"
 #include "client/terminaltext.h"
 
@@ -17,17 +18,9 @@ std::string Details(const Json::Value& data) {
     return data.empty() ? "" : table.Text();
 }
 
-std::string Place(const Json::Value& line) {
-    const std::string source = LeafText(Member(line, "source"));
-    return source.empty() ? "" : source + ":" + LeafText(Member(line, "line"));
-}
-
 std::string LogText(const Json::Value& log) {
     Table table;
-    for (const Json::Value& line : log) {
-        table.AddRow({LeafText(Member(line, "time")), Place(line), LeafText(Member(line, "function")),
-                      LeafText(Member(line, "text"))});
-    }
+    AddLogLines(table, log);
     return log.empty() ? "" : "The appliance logged:\n" + table.Text();
 }
 

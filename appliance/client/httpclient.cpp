@@ -12,6 +12,8 @@ namespace client {
 namespace {
 
 constexpr std::chrono::seconds kConnectLimit{10};
+constexpr std::chrono::seconds kSilenceLimit{30};  // a living stream carries something every few seconds
+constexpr char kStreamType[] = "text/event-stream";
 constexpr std::size_t kReplyLimitBytes = 16U << 20U;
 
 httplib::Request MakeRequest(const char* method, const std::string& path, const std::string& body,
@@ -27,6 +29,16 @@ httplib::Request MakeRequest(const char* method, const std::string& path, const 
         request.set_header("Authorization", "Bearer " + token);
     }
     return request;
+}
+
+bool IsStream(const httplib::Response& response) {
+    return response.status == 200 && response.get_header_value("Content-Type").rfind(kStreamType, 0) == 0;
+}
+
+// Returns false when the reply is too large.
+bool Append(HttpReply& reply, const char* data, std::size_t size) {
+    reply.body.append(data, size);
+    return reply.body.size() <= kReplyLimitBytes;
 }
 
 bool IsWithoutConnection(httplib::Error error) {
@@ -63,6 +75,40 @@ HttpReply HttpClient::Get(const std::string& path,
     return Send("GET", query.empty() ? path : httplib::append_query_params(path, query), "");
 }
 
+HttpReply HttpClient::Listen(const std::string& path, const std::string& lastEventId,
+                             const PieceReceiver& receive) const {
+    httplib::Client http(location_.url);
+    http.set_connection_timeout(std::min(timeLimit_, kConnectLimit));
+    http.set_read_timeout(kSilenceLimit);
+
+    HttpReply reply;
+    httplib::Request request = MakeRequest("GET", path, "", location_.token);
+    if (!lastEventId.empty()) {
+        request.set_header("Last-Event-ID", lastEventId);
+    }
+    request.response_handler = [&reply](const httplib::Response& response) {
+        reply.status = response.status;
+        reply.requestId = response.get_header_value("X-Request-Id");
+        reply.isStream = IsStream(response);
+        return true;
+    };
+    request.content_receiver = [&](const char* data, std::size_t size, std::uint64_t, std::uint64_t) {
+        return reply.isStream ? receive({data, size}) : Append(reply, data, size);
+    };
+    const httplib::Result result = http.send(request);
+    if (IsWithoutConnection(result.error())) {
+        throw NotAnswering(location_);
+    }
+    if (!result && !reply.isStream) {
+        throw BrokenOff(location_, result.error());
+    }
+    return reply;
+}
+
+HttpClient HttpClient::Within(std::chrono::seconds timeLimit) const {
+    return {location_, timeLimit};
+}
+
 HttpReply HttpClient::Post(const std::string& path, const std::string& body) const {
     return Send("POST", path, body);
 }
@@ -76,8 +122,7 @@ HttpReply HttpClient::Send(const char* method, const std::string& path, const st
     HttpReply reply;
     httplib::Request request = MakeRequest(method, path, body, location_.token);
     request.content_receiver = [&reply](const char* data, std::size_t size, std::uint64_t, std::uint64_t) {
-        reply.body.append(data, size);
-        return reply.body.size() <= kReplyLimitBytes;
+        return Append(reply, data, size);
     };
 
     Watchdog watchdog(timeLimit_, [&http] { http.stop(); });

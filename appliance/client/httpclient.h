@@ -4,8 +4,10 @@
 #include "client/location.h"
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 
 namespace client {
 
@@ -13,7 +15,11 @@ struct HttpReply {
     int status = 0;
     std::string body;
     std::string requestId;  // the appliance's name for the request; empty when it gave none
+    bool isStream = false;  // of events
 };
+
+// Takes a piece of a stream. Returns false when it wants no more.
+using PieceReceiver = std::function<bool(std::string_view piece)>;
 
 // Sends requests, each over a connection of its own, with the token of the location. All calls block until
 // the reply is complete and throw Failure when none arrives: kUnreachable, kTimedOut, or kFailed when the
@@ -24,6 +30,15 @@ public:
     HttpClient(Location location, std::chrono::seconds timeLimit);
 
     HttpReply Get(const std::string& path, const std::multimap<std::string, std::string>& query = {}) const;
+
+    // Receives a stream of events until it ends, breaks off or stays silent for half a minute, or `receive`
+    // wants no more. The time limit does not hold here. A reply that is no stream is returned whole.
+    //   lastEventId  of the last event that was received; empty for none
+    HttpReply Listen(const std::string& path, const std::string& lastEventId,
+                     const PieceReceiver& receive) const;
+
+    // The same client with another time limit.
+    HttpClient Within(std::chrono::seconds timeLimit) const;
 
     // `body` is a JSON document.
     HttpReply Post(const std::string& path, const std::string& body) const;

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Nothing has been written yet and nothing is to be tidied up: output is written when it is whole.
+// Nothing is to be tidied up: output is written when it is whole, and that of a stream in whole lines.
 extern "C" void EndInterrupted(int /*signal*/) {
     constexpr char kText[] = "camvoractl: Interrupted\n";
     (void)!write(STDERR_FILENO, kText, sizeof(kText) - 1);

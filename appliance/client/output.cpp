@@ -1,5 +1,6 @@
 #include "client/output.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -39,6 +40,11 @@ int WriteWhole(int descriptor, std::string_view text) {
         }
     }
     return 0;
+}
+
+bool IsReaderGone(int descriptor) {
+    struct pollfd output = {descriptor, 0, 0};
+    return poll(&output, 1, 0) > 0 && (output.revents & POLLERR) != 0;
 }
 
 }  // namespace client

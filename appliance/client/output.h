@@ -10,4 +10,7 @@ namespace client {
 //   returns     0, also when the reader has gone away (EPIPE), else the errno of the write that failed
 [[nodiscard]] int WriteWhole(int descriptor, std::string_view text);
 
+// True when `descriptor` is a pipe or socket that nobody reads any more.
+bool IsReaderGone(int descriptor);
+
 }  // namespace client

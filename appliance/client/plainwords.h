@@ -14,7 +14,4 @@ std::string YesNo(const Json::Value& value);
 // "on" or "off" for a boolean.
 std::string OnOff(const Json::Value& value);
 
-// The word for the status of a service; the number where there is no word for it.
-std::string StatusWord(const Json::Value& value);
-
 }  // namespace client

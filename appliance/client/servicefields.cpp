@@ -17,7 +17,7 @@ constexpr Field kFields[] = {
     {"Short name", "shortName", LeafText},
     {"Number", "service", LeafText},
     {"Running", "blRunning", YesNo},
-    {"Status", "status", StatusWord},
+    {"Status", "statusName", LeafText},
     {"Version", "version", LeafText},
     {"Packages", "blHasPackages", YesNo},
     {"Factory copy", "blFactoryCopy", YesNo},

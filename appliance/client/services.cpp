@@ -82,6 +82,16 @@ std::optional<int> ParseNumber(const std::string& text) {
     return number;
 }
 
+Service FindByNumber(const std::vector<Service>& services, int number) {
+    for (const Service& service : services) {
+        if (service.number == number) {
+            return service;
+        }
+    }
+    throw Failure(ExitStatus::kNotFound,
+                  "There is no service " + std::to_string(number) + ". \"camvoractl list\" shows all");
+}
+
 }  // namespace
 
 Json::Value EntriesIn(const Json::Value& listData) {
@@ -98,16 +108,17 @@ std::vector<Service> ServicesIn(const Json::Value& listData) {
         const Json::Value number = Member(entry, "service");
         const Json::Value shortName = Member(Member(entry, "info"), "shortName");
         if (number.isInt() && shortName.isString()) {
-            services.push_back({number.asInt(), shortName.asString()});
+            services.push_back(
+                {number.asInt(), shortName.asString(), LeafText(Member(Member(entry, "info"), "name"))});
         }
     }
     return services;
 }
 
-int FindByName(const std::vector<Service>& services, const std::string& name) {
+Service FindByName(const std::vector<Service>& services, const std::string& name) {
     for (const Service& service : services) {
         if (service.shortName == name) {
-            return service.number;
+            return service;
         }
     }
     const std::vector<std::string> nearest = NearestNames(services, name);
@@ -117,9 +128,15 @@ int FindByName(const std::vector<Service>& services, const std::string& name) {
                                        : "Did you mean " + Alternatives(nearest) + "?"));
 }
 
+Service ResolveListedService(const Appliance& appliance, const std::string& text) {
+    const std::optional<int> number = ParseNumber(text);
+    const std::vector<Service> services = ServicesIn(appliance.Call("List", Json::objectValue));
+    return number ? FindByNumber(services, *number) : FindByName(services, text);
+}
+
 int ResolveService(const Appliance& appliance, const std::string& text) {
     const std::optional<int> number = ParseNumber(text);
-    return number ? *number : FindByName(ServicesIn(appliance.Call("List", Json::objectValue)), text);
+    return number ? *number : ResolveListedService(appliance, text).number;
 }
 
 }  // namespace client

@@ -13,6 +13,7 @@ class Appliance;
 struct Service {
     int number;
     std::string shortName;
+    std::string name = {};  // for people
 };
 
 // The array in the data of "List". Throws Failure (kFailed) when there is none.
@@ -22,9 +23,13 @@ Json::Value EntriesIn(const Json::Value& listData);
 //   throws  as EntriesIn does
 std::vector<Service> ServicesIn(const Json::Value& listData);
 
-// The number of the service of that short name.
+// The service of that short name.
 //   throws  Failure (kNotFound), with the names that may have been meant
-int FindByName(const std::vector<Service>& services, const std::string& name);
+Service FindByName(const std::vector<Service>& services, const std::string& name);
+
+// The service that `text` names: the number or short name of one that the appliance lists. Throws Failure:
+// kNotFound, kUsage for a number too large, or as Call does.
+Service ResolveListedService(const Appliance& appliance, const std::string& text);
 
 // The number of the service that `text` names: a number, which is taken as it is, or a short name, which
 // the appliance is asked about. Throws Failure: kNotFound, kUsage for a number too large, or as Call does.

@@ -15,10 +15,17 @@ Session::Session(const GlobalOptions& options) : options_(options) {}
 
 Appliance& Session::Host() {
     if (!appliance_) {
-        appliance_.emplace(HttpClient(Locate(options_.location, ProgramDir()),
-                                      std::chrono::seconds(options_.timeoutSeconds)));
+        appliance_.emplace(FindHost());
     }
     return *appliance_;
+}
+
+Appliance Session::FindHost() const {
+    return Appliance(HttpClient(Locate(options_.location, ProgramDir()), TimeLimit()));
+}
+
+std::chrono::seconds Session::TimeLimit() const {
+    return std::chrono::seconds(options_.timeoutSeconds);
 }
 
 void Session::Print(const Json::Value& data, const Table& table) const {

@@ -6,6 +6,7 @@
 
 #include <json/value.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -27,8 +28,18 @@ public:
     // The appliance, found at the first call. Throws Failure as Locate does.
     Appliance& Host();
 
+    // The appliance, found anew: its address changes when it is started again. Throws as Host does.
+    Appliance FindHost() const;
+
+    // The longest time to wait for a reply or for the outcome of an action.
+    std::chrono::seconds TimeLimit() const;
+
+    // True when everything is written for programs.
+    bool IsForPrograms() const { return options_.json; }
+
     // Writes the outcome to standard output: `table` for people, `data` for programs. Throws Failure
-    // (kFailed) when it cannot be written. Call once, when the outcome is whole.
+    // (kFailed) when it cannot be written. Call once, when the outcome is whole; where there is no end of
+    // it, once for each piece.
     void Print(const Json::Value& data, const Table& table) const;
 
     // Tells a person something beside the outcome, on standard error; programs are not told.

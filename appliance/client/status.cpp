@@ -1,6 +1,7 @@
 // camvoractl status SERVICE
 #include "client/commands.h"
 #include "client/failure.h"
+#include "client/jsontext.h"
 #include "client/servicefields.h"
 #include "client/services.h"
 #include "client/session.h"
@@ -13,6 +14,18 @@
 namespace client {
 namespace {
 
+// What only some services have.
+struct Detail {
+    const char* label;
+    const char* member;
+};
+
+constexpr Detail kDetails[] = {
+    {"Process", "pid"},
+    {"Running since", "since"},
+    {"Options", "options"},
+};
+
 Table InfoTable(const Json::Value& info) {
     if (!info.isObject()) {
         throw Failure(ExitStatus::kFailed, "GetInfo failed: the answer describes no service");
@@ -22,6 +35,11 @@ Table InfoTable(const Json::Value& info) {
     Table table;
     for (std::size_t field = 0; field < labels.size(); ++field) {
         table.AddRow({labels[field], words[field]});
+    }
+    for (const Detail& detail : kDetails) {
+        if (info.isMember(detail.member)) {
+            table.AddRow({detail.label, LeafText(info[detail.member])});
+        }
     }
     return table;
 }

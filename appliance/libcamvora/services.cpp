@@ -1,14 +1,18 @@
 #include "platform/services.h"
 
+#include "libcamvora/daemonlock.h"
+#include "libcamvora/daemontable.h"
 #include "libcamvora/paths.h"
 #include "libcamvora/servicetable.h"
 #include "libcamvora/settings.h"
 #include "libcamvora/store.h"
+#include "libcamvora/utctime.h"
 #include "platform/files.h"
 #include "platform/plibc.h"
 #include "platform/settings.h"
 
 #include <SQLiteCpp/Statement.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <string>
@@ -52,6 +56,31 @@ void DescribePackages(const ServiceEntry* entry, Json::Value& description) {
     description["blFactoryCopy"] = hasPackages && IsExistDir(folder + camvora::kFactoryCopySuffix);
 }
 
+// The daemon has been up since its pid file was written; a restart may have removed that.
+void DescribeDaemon(const ServiceEntry* entry, Json::Value& description) {
+    const camvora::DaemonEntry* daemon = entry != nullptr ? camvora::FindDaemon(entry->daemonType) : nullptr;
+    const pid_t pid =
+        daemon != nullptr
+            ? camvora::DaemonLockHolder(camvora::DaemonLockFile(camvora::kRunFolder, daemon->type))
+            : 0;
+    if (pid == 0) {
+        return;
+    }
+    description["pid"] = pid;
+    struct stat pidFile {};
+    if (lstat(camvora::DaemonPidFile(camvora::kRunFolder, *daemon).c_str(), &pidFile) == 0) {
+        description["since"] = camvora::UtcTimeText(pidFile.st_mtim);
+    }
+}
+
+Json::Value Options(const State& state) {
+    Json::Value options(Json::objectValue);
+    for (const auto& [number, value] : state.options) {
+        options[std::to_string(number)] = value;
+    }
+    return options;
+}
+
 }  // namespace
 
 Json::Value GetServiceInfo(ADDON_SERVICE service) {
@@ -66,6 +95,10 @@ Json::Value GetServiceInfo(ADDON_SERVICE service) {
     description["blRunning"] = entry != nullptr && entry->isRunning(*entry, *state);
     description["blAutoUpdate"] = camvora::IsSettingEnabled(*state, GetAutoDownloadKey(service), false);
     DescribePackages(entry, description);
+    DescribeDaemon(entry, description);
+    if (service == ADDON_SERVICE_CMS) {
+        description["options"] = Options(*state);
+    }
     return description;
 }
 

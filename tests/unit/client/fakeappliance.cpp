@@ -2,7 +2,6 @@
 
 #include <sstream>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -30,14 +29,24 @@ FakeReply Error(int httpStatus, const std::string& error) {
     return {httpStatus, R"({"success":false,"error":)" + error + "}", "r1", false};
 }
 
+FakeReply InTurn(const std::vector<FakeReply>& replies) {
+    FakeReply first = replies.front();
+    first.next.assign(replies.begin() + 1, replies.end());
+    return first;
+}
+
 FakeAppliance::FakeAppliance(std::map<std::string, FakeReply> replies) : host_(std::move(replies)) {
     dir_.Write("token", "secret\n");
     dir_.Write(kAddressFile, host_.Url() + "\n");
 }
 
 Outcome FakeAppliance::Run(const std::string& line) const {
-    Outcome outcome = ProgramRun(Words(line), {"CAMVORA_DIR=" + Dir()}).Wait();
+    Outcome outcome = Start(line).Wait();
     outcome.out = WithoutUrl(outcome.out, host_.Url());
     outcome.err = WithoutUrl(outcome.err, host_.Url());
     return outcome;
+}
+
+ProgramRun FakeAppliance::Start(const std::string& line) const {
+    return ProgramRun(Words(line), {"TZ=UTC", "CAMVORA_DIR=" + Dir()});
 }

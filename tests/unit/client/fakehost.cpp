@@ -10,8 +10,8 @@ constexpr std::chrono::milliseconds kPause{20};
 const FakeReply kNoSuchMethod = {
     404, R"({"success":false,"error":{"code":1003,"data":{"text":"no such method"}}})", "", false};
 
-void SendEndlessly(httplib::Response& response, const std::string& piece) {
-    response.set_chunked_content_provider("text/html", [piece](std::size_t, httplib::DataSink& sink) {
+void SendEndlessly(httplib::Response& response, const std::string& piece, const std::string& type) {
+    response.set_chunked_content_provider(type, [piece](std::size_t, httplib::DataSink& sink) {
         std::this_thread::sleep_for(kPause);
         return sink.write(piece.data(), piece.size());
     });
@@ -44,25 +44,36 @@ std::vector<std::string> FakeHost::Requests() {
     return requests_;
 }
 
-void FakeHost::AwaitRequest() {
-    while (Requests().empty()) {
+void FakeHost::AwaitRequests(std::size_t count) {
+    while (Requests().size() < count) {
         std::this_thread::sleep_for(kPause);
     }
 }
 
-void FakeHost::Answer(const httplib::Request& request, httplib::Response& response) {
+FakeReply FakeHost::TakeReply(const httplib::Request& request) {
     const std::string name = request.method + " " + request.target;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        requests_.push_back(name + " " + request.get_header_value("Authorization") + " " + request.body);
-    }
+    const std::lock_guard<std::mutex> lock(mutex_);
+    requests_.push_back(name + " " + request.get_header_value("Authorization") + " " + request.body +
+                        request.get_header_value("Last-Event-ID"));
     const auto found = replies_.find(name);
-    const FakeReply& reply = found == replies_.end() ? kNoSuchMethod : found->second;
+    if (found == replies_.end()) {
+        return kNoSuchMethod;
+    }
+    FakeReply reply = found->second;
+    if (!reply.next.empty()) {
+        found->second = reply.next.front();
+        found->second.next.assign(reply.next.begin() + 1, reply.next.end());
+    }
+    return reply;
+}
+
+void FakeHost::Answer(const httplib::Request& request, httplib::Response& response) {
+    const FakeReply reply = TakeReply(request);
     response.status = reply.status;
     response.set_header("X-Request-Id", reply.requestId);
     if (reply.isEndless) {
-        SendEndlessly(response, reply.body);
+        SendEndlessly(response, reply.body, reply.type);
     } else {
-        response.set_content(reply.body, "application/json");
+        response.set_content(reply.body, reply.type);
     }
 }

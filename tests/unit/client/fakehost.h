@@ -13,7 +13,9 @@ struct FakeReply {
     int status = 200;
     std::string body;
     std::string requestId;
-    bool isEndless = false;  // the body repeats, slowly, as long as somebody listens
+    bool isEndless = false;            // the body repeats, slowly, as long as somebody listens
+    std::vector<FakeReply> next = {};  // to the same request again; the last one stays
+    std::string type = "application/json";
 };
 
 // Listens on a free loopback port while it lives.
@@ -27,14 +29,16 @@ public:
 
     std::string Url() const;
 
-    // What arrived so far: "METHOD /path?query Authorization body", one text each.
+    // What arrived so far: "METHOD /path?query Authorization body", one text each; a Last-Event-ID stands for
+    // the body that such a request has not.
     std::vector<std::string> Requests();
 
-    // Returns when a request has arrived.
-    void AwaitRequest();
+    // Returns when so many requests have arrived.
+    void AwaitRequests(std::size_t count);
 
 private:
     void Answer(const httplib::Request& request, httplib::Response& response);
+    FakeReply TakeReply(const httplib::Request& request);
 
     std::map<std::string, FakeReply> replies_;
     std::mutex mutex_;

@@ -6,12 +6,12 @@
 namespace {
 
 const std::string kDevicePack =
-    R"({"service":1,"name":"Device Pack","shortName":"device_pack","status":1,"blRunning":true,)"
+    R"({"service":1,"name":"Device Pack","shortName":"device_pack","status":1,"statusName":"started","blRunning":true,)"
     R"("version":"3.2-12","blHasPackages":true,"blFactoryCopy":false,"blAutoUpdate":true,"new":{}})";
 
 const std::string kListData =
     R"({"list":[{"service":1,"info":)" + kDevicePack + R"(},{"service":2,"info":)" +
-    R"({"service":2,"name":"C\u001b[2JMS","shortName":"cms","status":7,"blRunning":"?","version":""}}]})";
+    R"({"service":2,"name":"C\u001b[2JMS","shortName":"cms","status":7,"statusName":"7","blRunning":"?","version":""}}]})";
 
 const std::string kAppsData =
     R"({"appsStatus":{"live":{"title":"Live\nBild","path":"live/","blEnabled":true},"odd":[1],)"
@@ -52,6 +52,23 @@ const std::vector<ProgramCase> kProgramCases = {
      {{kList, Success(kListData)}, {kGetInfo, Success(R"({"status":4})")}},
      "{\"status\":4}\n",
      ""},
+    {"status_with_what_only_some_have",
+     "status 1",
+     {{kGetInfo,
+       Success(R"({"name":"x","pid":812,"since":"2026-03-01T12:03:07.000Z","options":{"0":"yes"}})")}},
+     "Name              x\n"
+     "Short name        -\n"
+     "Number            -\n"
+     "Running           -\n"
+     "Status            -\n"
+     "Version           -\n"
+     "Packages          -\n"
+     "Factory copy      -\n"
+     "Automatic update  -\n"
+     "Process           812\n"
+     "Running since     2026-03-01T12:03:07.000Z\n"
+     "Options           {\"0\":\"yes\"}\n",
+     ""},
     {"status_of_a_number_below_zero",
      "status -1 --json",
      {{kGetInfo, Success(R"({"status":0})")}},
@@ -80,6 +97,19 @@ const std::vector<ProgramCase> kProgramCases = {
      "a[1]    2\n"
      "c       {}\n"
      "d       true\n",
+     ""},
+    {"log",
+     "log r1",
+     {{kLog,
+       Success(R"({"lines":[{"time":"T","source":"addons","line":9,"function":"F","text":"a\u001b"},3]})")}},
+     "Time  Source    Function  Text\n"
+     "T     addons:9  F         a\\x1B\n"
+     "-     -         -         -\n",
+     ""},
+    {"log_for_programs",
+     "log r1 --json",
+     {{kLog, Success(R"({"lines":[{"text":"a"}]})")}},
+     "[{\"text\":\"a\"}]\n",
      ""},
     {"call_with_nothing_to_report",
      "call Restart service=1",

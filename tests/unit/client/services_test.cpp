@@ -13,8 +13,8 @@ const std::vector<Service> kServices = {
 };
 
 TEST(ServicesTest, FindsByExactShortName) {
-    EXPECT_EQ(1, FindByName(kServices, "device_pack"));
-    EXPECT_EQ(6, FindByName(kServices, "local_display"));
+    EXPECT_EQ(1, FindByName(kServices, "device_pack").number);
+    EXPECT_EQ(6, FindByName(kServices, "local_display").number);
 }
 
 struct TypoCase {

@@ -14,7 +14,7 @@ constexpr char kList[] = "POST /api/ORVA.Camvora.AddOns/v1/List";
 TEST(SignalsTest, InterruptEndsItWithNothingWritten) {
     FakeHost host({{kList, {200, "{", "", true}}});
     ProgramRun run({"--url", host.Url(), "--json", "list"});
-    host.AwaitRequest();
+    host.AwaitRequests(1);
     run.Interrupt();
     const Outcome outcome = run.Wait();
     EXPECT_EQ(130, outcome.status);

@@ -1,0 +1,152 @@
+// camvoractl events
+#include "client/commands.h"
+#include "client/eventparser.h"
+#include "client/failure.h"
+#include "client/jsontext.h"
+#include "client/localtime.h"
+#include "client/output.h"
+#include "client/session.h"
+#include "client/table.h"
+
+#include <unistd.h>
+#include <CLI/App.hpp>
+
+#include <map>
+#include <thread>
+
+namespace client {
+namespace {
+
+constexpr std::chrono::seconds kPauseBeforeRetry{1};
+constexpr int kServiceChanged = 24;  // texts: service, action, "0"
+
+struct ActionWord {
+    const char* action;
+    const char* word;
+};
+
+constexpr ActionWord kActionWords[] = {
+    {"0", "stopped"},
+    {"1", "started"},
+    {"2", "updated"},
+};
+
+std::string WordFor(const std::string& action) {
+    for (const ActionWord& row : kActionWords) {
+        if (action == row.action) {
+            return row.word;
+        }
+    }
+    return "action " + action;
+}
+
+std::string TextAt(const Json::Value& notification, Json::ArrayIndex index) {
+    const Json::Value texts = Member(notification, "texts");
+    return texts.isArray() && index < texts.size() ? LeafText(texts[index]) : "";
+}
+
+// Follows the stream of events over any number of connections.
+class Follower {
+public:
+    explicit Follower(Session& session) : session_(session) {}
+
+    // Returns when nobody reads standard output any more.
+    void Follow();
+
+private:
+    void Listen();
+    void Take(const Event& event);
+    void TakeSnapshot(const Json::Value& snapshot);
+    Table Line(const Json::Value& notification) const;
+    void SayLost();
+
+    Session& session_;
+    std::string lastId_;  // empty before the first event
+    bool isLost_ = false;
+    std::map<std::string, std::string> names_;  // of services, by number
+};
+
+bool MayPass(ExitStatus status) {
+    return status == ExitStatus::kUnreachable || status == ExitStatus::kBusy ||
+           status == ExitStatus::kTimedOut;
+}
+
+void Follower::Follow() {
+    while (!IsReaderGone(STDOUT_FILENO)) {
+        try {
+            Listen();
+        } catch (const Failure& failure) {
+            if (lastId_.empty() || !MayPass(failure.status)) {
+                throw;
+            }
+        }
+        if (!IsReaderGone(STDOUT_FILENO)) {
+            SayLost();
+            std::this_thread::sleep_for(kPauseBeforeRetry);
+        }
+    }
+}
+
+void Follower::Listen() {
+    EventParser parser([this](const Event& event) { Take(event); });
+    session_.FindHost().Listen(lastId_, [&parser](std::string_view piece) {
+        return parser.Take(piece) && !IsReaderGone(STDOUT_FILENO);
+    });
+}
+
+void Follower::Take(const Event& event) {
+    lastId_ = event.id;
+    Json::Value data;
+    if (!ParseJson(event.data, data)) {
+        return;
+    }
+    if (event.name == "snapshot") {
+        TakeSnapshot(data);
+    } else {
+        session_.Print(data, Line(data));
+    }
+}
+
+void Follower::TakeSnapshot(const Json::Value& snapshot) {
+    if (isLost_) {
+        session_.Say("Connected again");
+        isLost_ = false;
+    }
+    for (const Json::Value& service : Member(snapshot, "services")) {
+        names_[LeafText(Member(service, "service"))] = LeafText(Member(service, "name"));
+    }
+    if (session_.IsForPrograms()) {
+        session_.Print(snapshot, Table());
+    }
+}
+
+Table Follower::Line(const Json::Value& notification) const {
+    const std::string time = LocalTime(LeafText(Member(notification, "time")), "%Y-%m-%d %H:%M:%S");
+    Table table;
+    if (Member(notification, "type") == Json::Value(kServiceChanged)) {
+        const std::string number = TextAt(notification, 0);
+        const auto name = names_.find(number);
+        table.AddRow({time, name == names_.end() ? "Service " + number : name->second,
+                      WordFor(TextAt(notification, 1))});
+    } else {
+        table.AddRow({time, "Notification of type " + LeafText(Member(notification, "type")),
+                      LeafText(Member(notification, "texts"))});
+    }
+    return table;
+}
+
+void Follower::SayLost() {
+    if (!isLost_) {
+        session_.Say("The connection was lost; trying to connect again");
+        isLost_ = true;
+    }
+}
+
+}  // namespace
+
+void AddEvents(CLI::App& program, Session& session) {
+    program.add_subcommand("events", "Show what happens to the services, as it happens, until Ctrl-C")
+        ->callback([&session] { Follower(session).Follow(); });
+}
+
+}  // namespace client

@@ -1,0 +1,62 @@
+#include "client/progress.h"
+
+#include "client/output.h"
+#include "client/terminaltext.h"
+
+#include <unistd.h>
+
+#include <string_view>
+
+namespace client {
+namespace {
+
+constexpr std::chrono::milliseconds kTurn{125};
+constexpr std::string_view kSigns = "|/-\\";
+constexpr char kClearLine[] = "\r\x1B[K";
+
+void Write(const std::string& text) {
+    (void)WriteWhole(STDERR_FILENO, text);  // there is nowhere else to show it
+}
+
+}  // namespace
+
+Progress::Progress(bool isShown) : isShown_(isShown) {
+    if (isShown_ && isatty(STDERR_FILENO) == 1) {
+        spinner_ = std::thread([this] { Spin(); });
+    }
+}
+
+Progress::~Progress() {
+    if (!spinner_.joinable()) {
+        return;
+    }
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        isEnded_ = true;
+    }
+    end_.notify_one();
+    spinner_.join();
+}
+
+void Progress::Step(const std::string& text) {
+    if (isShown_ && !spinner_.joinable()) {
+        Write(Printable(text) + "\n");
+        return;
+    }
+    const std::lock_guard<std::mutex> lock(mutex_);
+    step_ = Printable(text);
+}
+
+void Progress::Spin() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    std::size_t turn = 0;
+    while (!end_.wait_for(lock, kTurn, [this] { return isEnded_; })) {
+        const auto elapsed =
+            std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - begin_);
+        Write(kClearLine + std::string(1, kSigns[turn++ % kSigns.size()]) + " " + step_ + " (" +
+              std::to_string(elapsed.count()) + " s)");
+    }
+    Write(kClearLine);
+}
+
+}  // namespace client
