@@ -7,8 +7,8 @@
 // Enters the critical section named by the file at `path`, which is made if absent.
 //   waitLimitMs  the longest wait, in milliseconds
 //   returns      a handle of 0 or more for EndCriticalSection; negative when it could not be entered,
-//                with the file left alone
-// The section ends with the process that entered it, however that ends.
+//                with the file left to its holder
+// The section ends with the process that entered it and those that it forked inside, however they end.
 int BeginCriticalSection(const std::string& path, int waitLimitMs);
 
 // Leaves the section. The holder removes the file afterwards.

@@ -19,7 +19,7 @@ public:
 private:
     explicit AccessToken(std::string expected) : expected_(std::move(expected)) {}
 
-    std::string expected_;  // the whole header value
+    std::string expected_;  // the token
 };
 
 }  // namespace host

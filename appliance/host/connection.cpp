@@ -27,11 +27,7 @@ int ToPollTime(std::chrono::steady_clock::duration duration) {
 }  // namespace
 
 Connection::Connection(int socket, int stopEvent, const Options& options)
-    : socket_(socket),
-      stopEvent_(stopEvent),
-      chunkedLimitBytes_(options.bodyLimitBytes * kChunkingFactor),
-      idleTime_(options.idleTimeS),
-      readTime_(options.readTimeS) {}
+    : socket_(socket), stopEvent_(stopEvent), idleTime_(options.idleTimeS), readTime_(options.readTimeS) {}
 
 bool Connection::WaitForRequest() {
     const bool isThere = begin_ == end_ ? WaitForInput(idleTime_) : !IsStopped();
@@ -45,10 +41,11 @@ bool Connection::WaitForRequest() {
     return true;
 }
 
-void Connection::BeginBody(const httplib::Request& request) {
+void Connection::BeginBody(const httplib::Request& request, std::size_t limitBytes) {
     inHead_ = false;
     partBegin_ = Clock::now();
     partSizeBytes_ = 0;
+    chunkedLimitBytes_ = limitBytes * kChunkingFactor;
     isBodySized_ = FramingOf(request) == BodyFraming::kSized;
     bodyLeftBytes_ = AnnouncedSize(request);
 }

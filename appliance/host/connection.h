@@ -14,19 +14,20 @@
 namespace host {
 
 // Waits without polling, sends a reply's head together with what follows it, keeps limits on a request's
-// head, and knows whether a request was read to its end. Used by one thread.
+// head and body, and knows whether a request was read to its end. Used by one thread.
 class Connection final : public httplib::Stream {
 public:
     // Owns `socket`.
     //   stopEvent  becomes readable when the server stops, which ends every wait for the client
-    //   options    of which the times for idling and reading and the size of bodies count
+    //   options    of which the times for idling and reading count
     Connection(int socket, int stopEvent, const Options& options);
 
     // Waits for the next request. Returns false when there will be none.
     bool WaitForRequest();
 
     // Called when the request's head has been read.
-    void BeginBody(const httplib::Request& request);
+    //   limitBytes  the size of a body that is taken
+    void BeginBody(const httplib::Request& request, std::size_t limitBytes);
 
     // Sends what is held back. Returns false when the client is gone.
     bool Flush();
@@ -56,7 +57,6 @@ private:
 
     UniqueFd socket_;
     int stopEvent_;
-    std::uint64_t chunkedLimitBytes_;  // of a body with all that frames it
     std::chrono::seconds idleTime_;
     std::chrono::seconds readTime_;
 
@@ -67,7 +67,8 @@ private:
     bool inHead_ = true;
     Clock::time_point partBegin_;  // of the head, or of the body
     std::size_t partSizeBytes_ = 0;
-    bool isBodySized_ = false;  // otherwise the end of the body is not kept track of
+    std::uint64_t chunkedLimitBytes_ = 0;  // of a chunked body with all that frames it
+    bool isBodySized_ = false;             // otherwise the end of the body is not kept track of
     std::uint64_t bodyLeftBytes_ = 0;
 
     std::string held_;  // not yet sent

@@ -1,6 +1,7 @@
 #include "host/connectionthreads.h"
 
 #include <chrono>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -19,13 +20,19 @@ void ConnectionThreads::enqueue(std::function<void()> connection) {
         }
         ++running_;
     }
-    std::thread([this, serve = std::move(connection)] {
+    const auto serve = [this, serve = std::move(connection)] {
         serve();
         End();
-    }).detach();
+    };
+    try {
+        std::thread(serve).detach();
+    } catch (const std::system_error&) {
+        serve();  // no thread to be had: the others wait meanwhile
+    }
 }
 
 void ConnectionThreads::shutdown() {
+    endIdling_();
     std::unique_lock<std::mutex> lock(mutex_);
     ended_.wait(lock, [this] { return running_ == 0; });
 }

@@ -17,8 +17,9 @@ class ConnectionThreads final : public httplib::TaskQueue {
 public:
     //   limit        connections without a stream at a time
     //   streamCount  tells how many streams there are
-    ConnectionThreads(int limit, std::function<int()> streamCount)
-        : limit_(limit), streamCount_(std::move(streamCount)) {}
+    //   endIdling    ends the connections that wait for something; called when no more are taken
+    ConnectionThreads(int limit, std::function<int()> streamCount, std::function<void()> endIdling)
+        : limit_(limit), streamCount_(std::move(streamCount)), endIdling_(std::move(endIdling)) {}
 
     void enqueue(std::function<void()> connection) override;
     void shutdown() override;  // waits until all have ended
@@ -28,6 +29,7 @@ private:
 
     const int limit_;
     const std::function<int()> streamCount_;
+    const std::function<void()> endIdling_;
     std::mutex mutex_;
     std::condition_variable ended_;
     int running_ = 0;

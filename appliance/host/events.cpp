@@ -15,7 +15,7 @@ namespace host {
 
 namespace {
 
-constexpr std::chrono::milliseconds kPollInterval{250};
+constexpr std::chrono::milliseconds kPollInterval{100};
 constexpr std::size_t kBatch = 100;
 constexpr char kHeartbeat[] = ": still here\n\n";
 

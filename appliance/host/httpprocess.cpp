@@ -49,10 +49,10 @@ int RunHttpProcess(UniqueFd listener, UniqueFd intake, const Module& module, con
     Routes routes(module, token, options, client, events);
     HttpServer server(std::move(listener), options, events);
     routes.AddTo(server);
+    server.LimitBodies([&routes](const httplib::Request& request) { return routes.BodyLimit(request); });
     std::thread stopper([&] {
         int signal = 0;
         sigwait(&stopSignal, &signal);
-        events.Stop();
         server.Stop();
     });
     const bool served = server.Serve();

@@ -12,14 +12,26 @@
 
 namespace host {
 
-HttpServer::HttpServer(UniqueFd listener, const host::Options& options, const EventHub& events)
-    : options_(options), listener_(std::move(listener)), stopEvent_(eventfd(0, EFD_CLOEXEC)) {
+namespace {
+
+constexpr int kLookForStopUs = 100'000;
+
+}  // namespace
+
+HttpServer::HttpServer(UniqueFd listener, const host::Options& options, EventHub& events)
+    : options_(options), stopEvent_(eventfd(0, EFD_CLOEXEC)) {
     if (!stopEvent_.IsOpen()) {
         throw std::system_error(errno, std::generic_category(), "eventfd");
     }
-    svr_sock_ = listener_.Get();
-    new_task_queue = [this, &events] {
-        return new ConnectionThreads(options_.connectionLimit, [&events] { return events.StreamCount(); });
+    svr_sock_ = listener.Release();  // the library closes it
+    set_idle_interval(0, kLookForStopUs);
+    const auto endStreamsAndIdling = [this, &events] {
+        events.Stop();
+        eventfd_write(stopEvent_.Get(), 1);
+    };
+    new_task_queue = [this, &events, endStreamsAndIdling] {
+        return new ConnectionThreads(
+            options_.connectionLimit, [&events] { return events.StreamCount(); }, endStreamsAndIdling);
     };
     set_write_timeout(options_.readTimeS);
 }
@@ -28,10 +40,13 @@ bool HttpServer::Serve() {
     return listen_after_bind();
 }
 
+void HttpServer::LimitBodies(std::function<std::size_t(const httplib::Request&)> limit) {
+    bodyLimit_ = std::move(limit);
+}
+
+// The socket is not shut down: the supervisor shares it with the process that comes next.
 void HttpServer::Stop() {
     svr_sock_ = INVALID_SOCKET;
-    shutdown(listener_.Get(), SHUT_RDWR);  // ends the wait for a connection
-    eventfd_write(stopEvent_.Get(), 1);
 }
 
 bool HttpServer::process_and_close_socket(socket_t socket) {
@@ -40,7 +55,7 @@ bool HttpServer::process_and_close_socket(socket_t socket) {
         // Replies are short and sent as they are: neither in parts nor compressed.
         request.ranges.clear();
         request.headers.erase("Accept-Encoding");
-        connection.BeginBody(request);
+        connection.BeginBody(request, bodyLimit_(request));
     };
     bool closes = false;
     while (!closes && connection.WaitForRequest()) {

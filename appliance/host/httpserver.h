@@ -6,6 +6,8 @@
 
 #include <httplib.h>
 
+#include <functional>
+
 namespace host {
 
 class EventHub;
@@ -13,20 +15,23 @@ class EventHub;
 class HttpServer final : public httplib::Server {
 public:
     // Owns `listener`; options and events stay the caller's. Throws std::system_error.
-    HttpServer(UniqueFd listener, const host::Options& options, const EventHub& events);
+    HttpServer(UniqueFd listener, const host::Options& options, EventHub& events);
+
+    // Sets what tells the size limit of a request's body, in bytes. Before Serve.
+    void LimitBodies(std::function<std::size_t(const httplib::Request&)> limit);
 
     // Serves until Stop; returns when the last connection has ended, true when that was due to Stop.
     bool Serve();
 
-    // Takes no further connection and no further request; requests that run are answered. Called by any
-    // thread.
+    // Takes no further connection and no further request, and ends the event streams; requests that run are
+    // answered. Called by any thread.
     void Stop();
 
 private:
     bool process_and_close_socket(socket_t socket) override;
 
     const host::Options& options_;
-    UniqueFd listener_;
+    std::function<std::size_t(const httplib::Request&)> bodyLimit_;
     UniqueFd stopEvent_;
 };
 

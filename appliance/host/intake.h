@@ -14,7 +14,7 @@ namespace host {
 std::pair<UniqueFd, UniqueFd> OpenIntake();
 
 // A new connection whose other end has been handed in under the request's id; not open on failure.
-//   waitLimitS  the longest time that a read on it waits, in seconds
+//   waitLimitS  the longest time that a read or a write on it waits, in seconds
 UniqueFd Connect(int intake, const std::string& requestId, int waitLimitS);
 
 struct Arrival {

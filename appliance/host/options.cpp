@@ -32,7 +32,8 @@ void AddLimits(CLI::App& app, Options& options) {
         ->check(CLI::Range(1, 1 << 30));
     app.add_option("--request-limit", options.requestLimit, "Requests at a time")->check(CLI::Range(1, 200));
     app.add_option("--request-time", options.requestTimeS, "Seconds that a request may take")->check(seconds);
-    app.add_option("--connection-limit", options.connectionLimit, "Connections at a time")
+    app.add_option("--connection-limit", options.connectionLimit,
+                   "Connections at a time, besides event streams")
         ->check(CLI::Range(1, 500));
     app.add_option("--stream-limit", options.streamLimit, "Event streams at a time")
         ->check(CLI::Range(1, 100));

@@ -18,14 +18,14 @@ using Buffer = std::array<char, kRecordLimitBytes>;
 
 enum class Kind : char { kPart, kLastPart, kEnded };
 
-bool SendRecord(int socket, Kind kind, const void* bytes, std::size_t sizeBytes) {
+bool SendRecord(int socket, Kind kind, const void* bytes, std::size_t sizeBytes, int flags = 0) {
     std::array<iovec, 2> pieces{{{&kind, sizeof(kind)}, {const_cast<void*>(bytes), sizeBytes}}};
     msghdr message{};
     message.msg_iov = pieces.data();
     message.msg_iovlen = pieces.size();
     ssize_t sent = 0;
     do {
-        sent = sendmsg(socket, &message, MSG_NOSIGNAL);
+        sent = sendmsg(socket, &message, MSG_NOSIGNAL | flags);
     } while (sent < 0 && errno == EINTR);
     return sent >= 0;
 }
@@ -57,7 +57,8 @@ bool SendText(int socket, const std::string& text) {
 }
 
 void SendEnded(int socket, int waitStatus) {
-    (void)SendRecord(socket, Kind::kEnded, &waitStatus, sizeof(waitStatus));
+    // The request server must not wait for a client; where the socket is full its end tells as much.
+    (void)SendRecord(socket, Kind::kEnded, &waitStatus, sizeof(waitStatus), MSG_DONTWAIT);
 }
 
 Received ReceiveText(int socket, std::string& text, int& waitStatus) {

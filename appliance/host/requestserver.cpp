@@ -75,8 +75,9 @@ void RequestServer::WaitForEvent() {
 // A handler may have switched off the alarm that ends a request at its time limit.
 void RequestServer::EndOverdue() {
     const auto now = steady_clock::now();
-    for (const auto& [pid, running] : running_) {
+    for (auto& [pid, running] : running_) {
         if (now > running.deadline) {
+            running.isOverdue = true;
             kill(pid, SIGKILL);
         }
     }
@@ -108,7 +109,8 @@ void RequestServer::Start(Arrival arrival) {
         return;
     }
     const auto deadline = steady_clock::now() + std::chrono::seconds(options_.requestTimeS) + kOverdue;
-    running_.emplace(pid, Running{std::move(arrival.connection), std::move(arrival.requestId), deadline});
+    running_.emplace(pid,
+                     Running{std::move(arrival.connection), std::move(arrival.requestId), deadline, false});
 }
 
 void RequestServer::BecomeRequestProcess(const Arrival& arrival) noexcept {
@@ -126,6 +128,9 @@ void RequestServer::ReapEnded() {
     for (pid_t pid = 0; (pid = waitpid(-1, &waitStatus, WNOHANG)) > 0;) {
         const auto ended = running_.find(pid);
         if (ended != running_.end()) {
+            if (ended->second.isOverdue) {
+                waitStatus = SIGALRM;  // as if the alarm had ended it
+            }
             LogIfAbnormal(ended->second.requestId, waitStatus);
             SendEnded(ended->second.connection.Get(), waitStatus);
             running_.erase(ended);

@@ -30,6 +30,7 @@ private:
         UniqueFd connection;
         std::string requestId;
         std::chrono::steady_clock::time_point deadline;  // for a process that does not end by itself in time
+        bool isOverdue = false;
     };
 
     void WaitForEvent();

@@ -64,7 +64,8 @@ void Routes::AddTo(httplib::Server& server) {
         AnswerCall(request, response, reader);
     });
     server.set_expect_100_continue_handler([this](const auto& request, auto& response) {
-        if (AnnouncedSize(request) > BodyLimit(IsAuthorized(request))) {
+        if (AnnouncedSize(request) > BodyLimit(request)) {
+            AnnounceClose(response);
             Write(response, ReplyFor(FrameworkError::kTooLarge));
             return response.status;
         }
@@ -114,7 +115,7 @@ void Routes::AnswerCall(const httplib::Request& request, httplib::Response& resp
     call.row = std::get<std::int32_t>(FindMethod(module_, request.path));
     call.authorized = IsAuthorized(request);
     call.cookies = request.get_header_value("Cookie");
-    if (auto refusal = ReadBody(request, reader, BodyLimit(call.authorized), call)) {
+    if (auto refusal = ReadBody(request, reader, BodyLimit(request), call)) {
         AnnounceClose(response);
         Write(response, std::move(*refusal));
         return;
@@ -179,9 +180,9 @@ void Routes::AnswerEvents(const httplib::Request& request, httplib::Response& re
 }
 
 // What a stranger may have parsed before the module refuses it is little.
-std::size_t Routes::BodyLimit(bool authorized) const {
-    return authorized ? options_.bodyLimitBytes
-                      : std::min(options_.bodyLimitBytes, options_.strangerBodyLimitBytes);
+std::size_t Routes::BodyLimit(const httplib::Request& request) const {
+    return IsAuthorized(request) ? options_.bodyLimitBytes
+                                 : std::min(options_.bodyLimitBytes, options_.strangerBodyLimitBytes);
 }
 
 bool Routes::IsAuthorized(const httplib::Request& request) const {

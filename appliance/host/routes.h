@@ -21,6 +21,9 @@ public:
     // Has `server` answer its requests here. This object outlives the server.
     void AddTo(httplib::Server& server);
 
+    // The size limit of the request's body, in bytes.
+    std::size_t BodyLimit(const httplib::Request& request) const;
+
 private:
     using Answer = void (Routes::*)(const httplib::Request&, httplib::Response&);
     struct Page;
@@ -38,7 +41,6 @@ private:
     void AnswerEvents(const httplib::Request& request, httplib::Response& response);
 
     bool IsAuthorized(const httplib::Request& request) const;
-    std::size_t BodyLimit(bool authorized) const;
 
     const Module& module_;
     const AccessToken& token_;

@@ -20,6 +20,9 @@ public:
     }
 
     int Get() const { return fd_; }
+
+    // Gives it up without closing it.
+    int Release() { return std::exchange(fd_, -1); }
     bool IsOpen() const { return fd_ >= 0; }
     void Close() {
         if (IsOpen()) {

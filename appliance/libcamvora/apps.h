@@ -18,9 +18,8 @@ using ServiceCheck = std::function<bool(ADDON_SERVICE)>;
 //   isRunning  whether a service works
 //   status     filled by id: an object with the texts "title" and "path" and with "blEnabled", true when
 //              the application's service works or it needs none
-//   returns    true when all of it could be read; otherwise a line in the diagnostic log says what is
-//   damaged:
-//              a file, and nothing is filled in, or an application, which is left out
+//   returns    true when all of it could be read; otherwise a line in the diagnostic log says what is wrong:
+//              a damaged file, and nothing is filled in, or an application, which is left out
 bool ReadAppsStatus(const std::string& uiFolder, const std::string& language, const ServiceCheck& isRunning,
                     Json::Value& status);
 

@@ -164,8 +164,9 @@ pid_t Appliance::Supervisor() const {
 
 pid_t Appliance::RequestServer() const {
     const std::vector<pid_t> processes = HostProcesses();
+    const auto afterSupervisor = processes.empty() ? processes.end() : processes.begin() + 1;
     const auto found =
-        std::find_if(processes.begin() + 1, processes.end(), [](pid_t pid) { return ThreadCount(pid) == 1; });
+        std::find_if(afterSupervisor, processes.end(), [](pid_t pid) { return ThreadCount(pid) == 1; });
     return found == processes.end() ? -1 : *found;
 }
 

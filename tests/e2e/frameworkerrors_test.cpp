@@ -60,6 +60,7 @@ const std::vector<ErrorCase> kErrorCases = {
     {"exception", "POST", kModule + "Throw", "{}", kJson, 500, 1011},
     {"exception_of_no_class", "POST", kModule + "ThrowNumber", "{}", kJson, 500, 1011},
     {"time_limit", "POST", kModule + "Hang", "{}", kJson, 504, 1012},
+    {"time_limit_without_alarm", "POST", kModule + "HangWithoutAlarm", "{}", kJson, 504, 1012},
     {"unknown_page", "GET", "/nothing", "", "", 404, 1016},
     {"page_below_a_page", "GET", "/health/x", "", "", 404, 1016},
     {"page_with_post", "POST", "/health", "{}", kJson, 405, 1017},

@@ -62,7 +62,7 @@ const GarbageCase kGarbage[] = {
     {"chunked", kCall + kChunked, kChunk, R"("code":1006)"},
     {"form", kCall + kForm + kSized, "", R"("code":1006)"},
     {"form_field", kCall + kForm + kChunked + kField, kChunk, R"("code":1006)"},
-    {"endless_chunk_head", kCall + kChunked, "", ""},
+    {"endless_chunk_head", kCall + kChunked, "", R"("code":1018)"},
     {"to_a_page", "POST /health HTTP/1.1\r\n" + kSized, "", R"("code":1017)"},
     {"to_a_path_with_newline", "POST /%0A HTTP/1.1\r\n" + kChunked, kChunk, R"("code":1016)"},
     {"as_a_header", "GET /health HTTP/1.1\r\nX: ", "", R"("code":1018)"},

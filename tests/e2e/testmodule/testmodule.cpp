@@ -56,7 +56,7 @@ void AnswerTwice(APIRequest*, APIResponse* response) {
 void StaySilent(APIRequest*, APIResponse*) {}
 
 void Crash(APIRequest*, APIResponse*) {
-    std::raise(SIGSEGV);
+    std::abort();
 }
 
 void Throw(APIRequest*, APIResponse*) {
@@ -65,6 +65,13 @@ void Throw(APIRequest*, APIResponse*) {
 
 void ThrowNumber(APIRequest*, APIResponse*) {
     throw 42;
+}
+
+void HangWithoutAlarm(APIRequest*, APIResponse*) {
+    std::signal(SIGALRM, SIG_IGN);
+    for (;;) {
+        pause();
+    }
 }
 
 void Hang(APIRequest*, APIResponse*) {
@@ -151,6 +158,7 @@ const Row kTable[] = {
     {kApi, 1, "Throw", Throw},
     {kApi, 1, "ThrowNumber", ThrowNumber},
     {kApi, 1, "Hang", Hang},
+    {kApi, 1, "HangWithoutAlarm", HangWithoutAlarm},
     {kApi, 1, "Exit", Exit},
     {kApi, 1, "Sleep", Sleep},
     {kApi, 1, "Large", Large},
