@@ -44,7 +44,7 @@ bool EndedWell(pid_t child) {
 
 }  // namespace
 
-AddOns::AddOns(ADDON_SERVICE initialService) : service(initialService), controller(nullptr) {
+AddOns::AddOns(ADDON_SERVICE initialService) : service(initialService) {
     InitController();
 }
 

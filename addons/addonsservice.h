@@ -53,5 +53,5 @@ private:
     ADDON_SERVICE service;
     std::string logServiceName;
     std::string logDescription;
-    ServiceControl* controller;
+    ServiceControl* controller = nullptr;
 };

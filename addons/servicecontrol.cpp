@@ -32,8 +32,6 @@ int StopCmsOption(ADDON_SERVICE) {
 
 }  // namespace
 
-ServiceControl::ServiceControl() : actions{} {}
-
 void ServiceControl::SetActionControl(CONTROL_ACTION action, int (*function)(ADDON_SERVICE)) {
     actions[action] = function;
 }

@@ -3,15 +3,13 @@
 
 #include "platform/services.h"
 
-#include <string>
-
 // Starts or stops a service. Returns 0 on success.
 using ActionFunction = int (*)(ADDON_SERVICE);
 
 // The way of services that have nothing to start or stop. Used in the process that performs an action.
 class ServiceControl {
 public:
-    ServiceControl();
+    ServiceControl() = default;
     virtual ~ServiceControl() = default;
     ServiceControl(const ServiceControl&) = delete;
     ServiceControl& operator=(const ServiceControl&) = delete;
@@ -23,7 +21,7 @@ public:
     virtual int RunActionControl(CONTROL_ACTION action);
 
 protected:
-    ActionFunction actions[5];  // by CONTROL_ACTION; null where an action does nothing
+    ActionFunction actions[5] = {};  // by CONTROL_ACTION; null where an action does nothing
 };
 
 // The way of services that a package daemon runs.

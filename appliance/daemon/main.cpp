@@ -32,11 +32,16 @@ void Beat(const std::string& statusFile) {
     }
 }
 
-void BeatUntilToldToEnd(const std::string& statusFile) {
+// From now on the order to end waits until it is asked for, and the files are removed then.
+sigset_t HoldBackOrderToEnd() {
     sigset_t end;
     sigemptyset(&end);
     sigaddset(&end, SIGTERM);
     sigprocmask(SIG_BLOCK, &end, nullptr);
+    return end;
+}
+
+void BeatUntilToldToEnd(const std::string& statusFile, const sigset_t& end) {
     do {
         Beat(statusFile);
     } while (sigtimedwait(&end, nullptr, &kHeartbeat) != SIGTERM);
@@ -46,13 +51,14 @@ int RunDaemon(const camvora::DaemonEntry& entry) {
     const std::string lock = camvora::DaemonLockFile(camvora::kRunFolder, entry.type);
     const std::string pidFile = camvora::DaemonPidFile(camvora::kRunFolder, entry);
     const std::string statusFile = camvora::DaemonStatusFile(camvora::kRunFolder, entry);
+    const sigset_t end = HoldBackOrderToEnd();
     if (!camvora::HoldDaemonLock(lock) || PLIBCProcPidFileCreate(pidFile.c_str()) != 0 ||
         !camvora::HoldReadyLock(lock)) {
-        CVPrintf(0, nullptr, nullptr, "daemon", __LINE__, entry.name,
-                 "Failed to start, or already running\n");
+        CVPrintf(0, nullptr, nullptr, "daemon", __LINE__, __func__,
+                 "Failed to start %s, or it runs already\n", entry.name);
         return EXIT_FAILURE;
     }
-    BeatUntilToldToEnd(statusFile);
+    BeatUntilToldToEnd(statusFile, end);
     (void)unlink(statusFile.c_str());
     (void)unlink(pidFile.c_str());
     return EXIT_SUCCESS;

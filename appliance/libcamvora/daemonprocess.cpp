@@ -6,7 +6,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,6 +16,7 @@ extern "C" {
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 
 namespace camvora {
 

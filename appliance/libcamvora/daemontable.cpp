@@ -8,11 +8,11 @@ namespace camvora {
 namespace {
 
 constexpr DaemonEntry kDaemons[] = {
-    {1, "service3d", -1},
-    {4, "cmsd", -1},
-    {6, "service5d", -1},
-    {11, "localdisplayd", 12},
-    {12, "localdisplayhelperd", -1},
+    {"service3d", 1, -1},
+    {"cmsd", 4, -1},
+    {"service5d", 6, -1},
+    {"localdisplayd", 11, 12},
+    {"localdisplayhelperd", 12, -1},
 };
 
 }  // namespace

@@ -8,8 +8,8 @@
 namespace camvora {
 
 struct DaemonEntry {
-    int type;
     const char* name;
+    int type;
     int helperType;  // the daemon that is started and ended with this one; -1 for none
 };
 

@@ -61,7 +61,7 @@ void DescribeDaemon(const ServiceEntry* entry, Json::Value& description) {
     const camvora::DaemonEntry* daemon = entry != nullptr ? camvora::FindDaemon(entry->daemonType) : nullptr;
     const pid_t pid =
         daemon != nullptr
-            ? camvora::DaemonLockHolder(camvora::DaemonLockFile(camvora::kRunFolder, daemon->type))
+            ? camvora::ReadyLockHolder(camvora::DaemonLockFile(camvora::kRunFolder, daemon->type))
             : 0;
     if (pid == 0) {
         return;

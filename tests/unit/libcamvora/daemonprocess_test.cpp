@@ -25,7 +25,7 @@ using camvora::EndDaemon;
 using camvora::StartDaemon;
 using Clock = std::chrono::steady_clock;
 
-constexpr camvora::DaemonEntry kDaemon = {11, "localdisplayd", -1};
+constexpr camvora::DaemonEntry kDaemon = {"localdisplayd", 11, -1};
 
 class DaemonProcess : public testing::Test {
 protected:
