@@ -12,8 +12,6 @@
 #include <fstream>
 #include <string>
 
-extern char** environ;
-
 namespace {
 
 void WriteWhatItSees(const std::string& path) {
