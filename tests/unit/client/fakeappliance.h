@@ -3,11 +3,14 @@
 
 #include "fakehost.h"
 #include "programrun.h"
-#include "tempfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <map>
 #include <string>
 #include <vector>
+
+// The name of the address file below an appliance's folder.
+inline constexpr char kAddressFile[] = "var/packages/Camvora/target/@CVData/run/address";
 
 inline constexpr char kList[] = "POST /api/ORVA.Camvora.AddOns/v1/List";
 inline constexpr char kGetInfo[] = "POST /api/ORVA.Camvora.AddOns/v1/GetInfo";
@@ -44,5 +47,5 @@ public:
 
 private:
     FakeHost host_;
-    TempFolder dir_;
+    TemporaryFolder dir_;
 };

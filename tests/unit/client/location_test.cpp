@@ -1,7 +1,8 @@
 #include "client/location.h"
 
 #include "client/failure.h"
-#include "tempfolder.h"
+#include "fakeappliance.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 
@@ -36,9 +37,9 @@ protected:
     }
 
 private:
-    TempFolder dir_;
-    TempFolder other_;
-    TempFolder empty_;
+    TemporaryFolder dir_;
+    TemporaryFolder other_;
+    TemporaryFolder empty_;
 };
 
 TEST_F(LocationTest, NamedFolderComesBeforeTheProgramsOwn) {

@@ -162,7 +162,7 @@ TEST(ProgramFailureJsonTest, CoversWrongUsage) {
 }
 
 TEST(ProgramFailureTextTest, NamesTheFolderOfAnApplianceThatWasKilled) {
-    const TempFolder dir;
+    const TemporaryFolder dir;
     dir.Write("token", "secret\n");
     dir.Write(kAddressFile, "http://127.0.0.1:1\n");
     const Outcome outcome = ProgramRun({"--dir", dir.Path(), "list"}, {"CAMVORA_DIR=/no/such"}).Wait();

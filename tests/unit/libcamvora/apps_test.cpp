@@ -1,7 +1,7 @@
 #include "libcamvora/apps.h"
 
 #include "capturedlog.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 

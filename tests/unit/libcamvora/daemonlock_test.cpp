@@ -1,7 +1,7 @@
 #include "libcamvora/daemonlock.h"
 
 #include "children.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

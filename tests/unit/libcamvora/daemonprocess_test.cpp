@@ -4,7 +4,7 @@
 #include "children.h"
 #include "libcamvora/daemonlock.h"
 #include "libcamvora/requestid.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

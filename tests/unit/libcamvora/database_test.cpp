@@ -2,7 +2,7 @@
 
 #include "children.h"
 #include "libcamvora/schema.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <SQLiteCpp/Statement.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "platform/plibc.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -2,7 +2,7 @@
 #include "libcamvora/lockguards.h"
 
 #include "children.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 

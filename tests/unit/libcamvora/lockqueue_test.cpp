@@ -2,7 +2,7 @@
 #include "libcamvora/lockqueue.h"
 
 #include "children.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

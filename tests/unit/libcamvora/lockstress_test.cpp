@@ -2,7 +2,7 @@
 #include "lockstress.h"
 
 #include "libcamvora/lockguards.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "children.h"
 #include "libcamvora/logline.h"
 #include "libcamvora/requestid.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

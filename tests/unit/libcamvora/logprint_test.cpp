@@ -1,6 +1,6 @@
 #include "libcamvora/logprint.h"
 #include "libcamvora/requestid.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // The pid file of an action process or a daemon.
 #include "platform/plibc.h"
 
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -2,7 +2,7 @@
 
 #include "libcamvora/database.h"
 #include "libcamvora/requestid.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <SQLiteCpp/Transaction.h>
 #include <gtest/gtest.h>

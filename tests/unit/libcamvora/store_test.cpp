@@ -2,7 +2,7 @@
 
 #include "capturedlog.h"
 #include "children.h"
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -11,6 +11,8 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
+    const std::string& Path() const { return path_; }
+
     // The path of `name` in the folder.
     std::string PathOf(const std::string& name) const { return path_ + "/" + name; }
 

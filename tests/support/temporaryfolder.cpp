@@ -1,4 +1,4 @@
-#include "temporaryfolder.h"
+#include "support/temporaryfolder.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -8,7 +8,7 @@
 #include <system_error>
 
 TemporaryFolder::TemporaryFolder()
-    : path_((std::filesystem::temp_directory_path() / "libcamvora_test_XXXXXX").string()) {
+    : path_((std::filesystem::temp_directory_path() / "camvora_test_XXXXXX").string()) {
     if (mkdtemp(path_.data()) == nullptr) {
         throw std::runtime_error("cannot make " + path_);
     }
