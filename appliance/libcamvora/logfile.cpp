@@ -81,7 +81,8 @@ void LogFile::Append(const std::string& line) const {
 
 Json::Value LogFile::LinesOfRequest(const std::string& requestId) const {
     std::deque<Json::Value> found;
-    // The newer file first: if it is set aside in between, it is the older one too, and nothing that was there is missed.
+    // The newer file first: if it is set aside in between, it is the older one too, and nothing that was
+    // there is missed.
     const File newer = OpenForReading(path_);
     const File older = OpenForReading(oldPath_);
     if (!IsSameFile(older, newer)) {
