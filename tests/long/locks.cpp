@@ -16,6 +16,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -59,9 +60,7 @@ void Print(const stress::Figures& figures, double seconds, bool isFileLeft) {
     std::printf("lock file left after the sweep: %s\n", isFileLeft ? "yes" : "no");
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int RunStress(int argc, char** argv) {
     CLI::App options("Critical sections under stress");
     stress::Plan plan = {32, 5000, true};
     std::string hazard = "none";
@@ -86,4 +85,15 @@ int main(int argc, char** argv) {
     std::filesystem::remove_all(folder);
     const bool isClean = figures.overlaps + figures.signsMissing + figures.late == 0 && !isFileLeft;
     return isClean ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return RunStress(argc, argv);
+    } catch (const std::exception& failure) {
+        (void)std::fprintf(stderr, "long_locks: %s\n", failure.what());
+        return EXIT_FAILURE;
+    }
 }

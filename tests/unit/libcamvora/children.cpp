@@ -80,7 +80,7 @@ Background::Background(const std::function<bool()>& work) {
     result_ = ends[0];
 }
 
-bool Background::Worked() {
+bool Background::Worked() const {
     char worked = 0;
     return read(result_, &worked, 1) == 1 && worked == 1;
 }

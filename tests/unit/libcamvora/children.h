@@ -21,7 +21,7 @@ public:
     Background& operator=(const Background&) = delete;
 
     // Waits for the end of the work: true when it reported success.
-    bool Worked();
+    bool Worked() const;
 
     // Ends it with SIGKILL and waits until it is gone.
     void Kill();
