@@ -1,8 +1,12 @@
 #include "host/httpreply.h"
 
 #include "host/bodysize.h"
+#include "host/exceptiontype.h"
 #include "host/frameworkerrors.h"
 #include "host/requestids.h"
+
+#include "libcamvora/requestid.h"
+#include "platform/log.h"
 
 #include <utility>
 
@@ -40,13 +44,17 @@ void CompleteHead(const httplib::Request& request, httplib::Response& response) 
         GiveRequestId(response);
     }
     response.headers.erase("Keep-Alive");  // the library's own numbers do not hold
-    if (FramingOf(request) != BodyFraming::kSized && !response.has_header(kConnection)) {
+    if (FramingOf(request) != BodyFraming::kSized || response.has_header(kConnection)) {
         AnnounceClose(response);
     }
 }
 
 void AnswerException(const httplib::Request& /*request*/, httplib::Response& response,
-                     const std::exception_ptr& /*exception*/) {
+                     const std::exception_ptr& exception) {
+    camvora::SetRequestId(GiveRequestId(response));
+    CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Failed with an exception of type %s\n",
+             TypeName(exception).c_str());
+    camvora::SetRequestId("");
     AnnounceClose(response);
     Write(response, ReplyFor(FrameworkError::kHostFailed));
 }
@@ -61,11 +69,13 @@ void Write(httplib::Response& response, Reply reply) {
 
 std::string GiveRequestId(httplib::Response& response) {
     std::string id = NewRequestId();
+    response.headers.erase(kRequestId);
     response.set_header(kRequestId, id);
     return id;
 }
 
 void AnnounceClose(httplib::Response& response) {
+    response.headers.erase(kConnection);  // the library's own may stand there
     response.set_header(kConnection, "close");
 }
 

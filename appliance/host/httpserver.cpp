@@ -60,7 +60,8 @@ bool HttpServer::process_and_close_socket(socket_t socket) {
     bool closes = false;
     while (!closes && connection.WaitForRequest()) {
         const bool isServed = process_request(connection, false, closes, beginBody);
-        closes = closes || !isServed || !connection.Flush() || !connection.IsAtRequestEnd();
+        const bool isSent = connection.Flush();
+        closes = closes || !isServed || !isSent || !connection.IsAtRequestEnd();
     }
     connection.Close();
     return true;

@@ -5,7 +5,7 @@ namespace camvora {
 namespace {
 
 std::string& StoredId() {
-    static std::string id;
+    thread_local std::string id;
     return id;
 }
 

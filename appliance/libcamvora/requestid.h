@@ -1,5 +1,5 @@
-// The id of the request that this process works for. It stands in every log line, operation-log entry and
-// notification that the request causes, so that they can be found together.
+// The id of the request that this process, or this thread of it, works for. It stands in every log line,
+// operation-log entry and notification that the request causes, so that they can be found together.
 #pragma once
 
 #include <string>
@@ -9,10 +9,10 @@ namespace camvora {
 // The environment variable that carries the id to programs.
 inline constexpr char kRequestIdVariable[] = "CAMVORA_REQUEST_ID";
 
-// Sets the id for this process and all that it forks from now on. Called by the host, once per request.
+// Sets the id for this thread and all that it forks from now on; empty for none. Called by the host.
 void SetRequestId(const std::string& id);
 
-// The id; empty in a process that works for no request.
+// The id; empty where no request is worked for.
 const std::string& RequestId();
 
 }  // namespace camvora

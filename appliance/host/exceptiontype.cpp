@@ -1,0 +1,21 @@
+#include "host/exceptiontype.h"
+
+#include <cxxabi.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace host {
+
+std::string TypeName(const std::exception_ptr& exception) {
+    const std::type_info* type = exception.__cxa_exception_type();
+    if (type == nullptr) {
+        return "unknown";
+    }
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> name(
+        abi::__cxa_demangle(type->name(), nullptr, nullptr, &status), &std::free);
+    return name == nullptr ? type->name() : name.get();
+}
+
+}  // namespace host
