@@ -1,40 +1,29 @@
 #include "host/requestprocess.h"
 
 #include "host/cookies.h"
+#include "host/exceptiontype.h"
 #include "host/jsonparams.h"
 #include "host/records.h"
 #include "host/request.h"
 
+#include "libcamvora/pairedcaller.h"
 #include "libcamvora/requestcontent.h"
 #include "libcamvora/requestid.h"
 #include "platform/log.h"
 
-#include <cxxabi.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <exception>
-#include <memory>
-#include <typeinfo>
 
 namespace host {
 
 namespace {
 
-std::string TypeName(const std::type_info& type) {
-    int status = 0;
-    const std::unique_ptr<char, decltype(&std::free)> name(
-        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
-    return name == nullptr ? type.name() : name.get();
-}
-
-// What the exception says may hold parameters, so only its type is logged. Where the caller is not authorised
-// to begin with, an exception on the way to the module's own refusal is a refusal too.
-Reply ReplyForException(const Request& request, const std::type_info* type, const char* what) {
-    const std::string name = type == nullptr ? "unknown" : TypeName(*type);
+// For a stranger, an exception on the way to the module's own refusal is a refusal too.
+Reply ReplyForException(const Request& request, const char* what) {
     CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Handler failed with an exception of type %s\n",
-             name.c_str());
-    if (!request.authorized) {
+             TypeName(std::current_exception()).c_str());
+    if (!request.authorized && !camvora::IsCallerPaired()) {
         return ReplyFor(FrameworkError::kNotAuthorized);
     }
     return ReplyFor(FrameworkError::kHandlerThrew, what);
@@ -56,9 +45,9 @@ Reply CallHandler(const Request& request, const MethodRow& row, const ORVA::Requ
         row.handler(&apiRequest, &apiResponse);
         return ReplyOf(answer);
     } catch (const std::exception& exception) {
-        return ReplyForException(request, &typeid(exception), exception.what());
+        return ReplyForException(request, exception.what());
     } catch (...) {
-        return ReplyForException(request, abi::__cxa_current_exception_type(), "");
+        return ReplyForException(request, "");
     }
 }
 

@@ -1,5 +1,6 @@
 #include "platform/cms.h"
 
+#include "libcamvora/pairedcaller.h"
 #include "libcamvora/pairproof.h"
 #include "libcamvora/settings.h"
 #include "libcamvora/store.h"
@@ -10,6 +11,8 @@
 
 namespace {
 
+bool isCallerPaired = false;
+
 // True when a server of the role `role` made the proof.
 bool IsProofOf(const char* role, const std::string& cookie, const std::string& timestamp) {
     const auto state = camvora::TheStore().Read();
@@ -19,10 +22,16 @@ bool IsProofOf(const char* role, const std::string& cookie, const std::string& t
             secrets.push_back(pair.secretIn);
         }
     }
-    return camvora::IsProofOfPair(secrets, cookie, timestamp, std::time(nullptr));
+    const bool isProof = camvora::IsProofOfPair(secrets, cookie, timestamp, std::time(nullptr));
+    isCallerPaired = isCallerPaired || isProof;
+    return isProof;
 }
 
 }  // namespace
+
+bool camvora::IsCallerPaired() {
+    return isCallerPaired;
+}
 
 bool IsCmsHost() {
     return camvora::IsSettingEnabled(*camvora::TheStore().Read(), camvora::kCmsHostSetting, false);
