@@ -5,12 +5,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <system_error>
 #include <thread>
+#include <vector>
 
 namespace host {
 
@@ -34,12 +38,22 @@ void DetachStandardStreams() {
     close(nowhere);
 }
 
-void SignalChildren(int signal) {
+std::vector<pid_t> Children() {
     const std::string self = std::to_string(getpid());
     std::ifstream children("/proc/" + self + "/task/" + self + "/children");
-    for (pid_t child = 0; children >> child;) {
+    return {std::istream_iterator<pid_t>(children), std::istream_iterator<pid_t>()};
+}
+
+void SignalChildren(int signal) {
+    for (const pid_t child : Children()) {
         kill(child, signal);
     }
+}
+
+// True for a process that was forked and has not become another program.
+bool IsOfOurProgram(pid_t pid) {
+    std::error_code gone;
+    return std::filesystem::equivalent("/proc/self/exe", "/proc/" + std::to_string(pid) + "/exe", gone);
 }
 
 // An exception must not climb into the code of the process that forked.
@@ -78,6 +92,17 @@ pid_t StartProcess(const std::function<int()>& body) {
         throw std::system_error(errno, std::generic_category(), "fork");
     }
     return pid;
+}
+
+void AwaitForkedChildren(std::chrono::steady_clock::time_point deadline) {
+    const auto isAtWork = [] {
+        (void)ReapAll();
+        const std::vector<pid_t> children = Children();
+        return std::any_of(children.begin(), children.end(), IsOfOurProgram);
+    };
+    while (isAtWork() && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(kEndPoll);
+    }
 }
 
 void EndDescendants(std::chrono::milliseconds grace) {

@@ -16,6 +16,10 @@ void EndWithParent(pid_t parent);
 // It ends with the caller. Returns its id; throws std::system_error when it cannot be forked.
 pid_t StartProcess(const std::function<int()>& body);
 
+// Waits until no child of the calling process runs its own program any more, or until `deadline`: then all
+// detached work is done, and what is left are programs that were started to stay. Reaps what has ended.
+void AwaitForkedChildren(std::chrono::steady_clock::time_point deadline);
+
 // Ends all children of the calling process and, where it is their subreaper, all that come after them: first
 // with SIGTERM, after `grace` with SIGKILL. Returns when none is left.
 void EndDescendants(std::chrono::milliseconds grace);

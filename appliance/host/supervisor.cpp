@@ -135,18 +135,19 @@ bool Supervisor::RestartEnded() {
 
 void Supervisor::Stop() {
     // The HTTP server ends when the requests that run have been answered; nobody needs the request server
-    // then.
+    // then, but what requests have left at work still comes to its end.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(options_.drainTimeS);
     auto& [requestServer, httpServer] = children_;
-    StopChild(httpServer, std::chrono::seconds(options_.drainTimeS));
-    StopChild(requestServer, std::chrono::seconds(0));
+    StopChild(httpServer, deadline);
+    StopChild(requestServer, std::chrono::steady_clock::now());
+    AwaitForkedChildren(deadline);
     EndDescendants(kEndGrace);
 }
 
-void Supervisor::StopChild(Child& child, std::chrono::seconds limit) {
+void Supervisor::StopChild(Child& child, std::chrono::steady_clock::time_point deadline) {
     if (child.pid < 0) {
         return;
     }
-    const auto deadline = std::chrono::steady_clock::now() + limit;
     kill(child.pid, SIGTERM);
     while (waitpid(child.pid, nullptr, WNOHANG) == 0) {
         if (std::chrono::steady_clock::now() >= deadline) {

@@ -42,7 +42,7 @@ private:
     bool IsToldToStop(int waitLimitMs);
     bool RestartEnded();
     void Stop();
-    void StopChild(Child& child, std::chrono::seconds limit);
+    void StopChild(Child& child, std::chrono::steady_clock::time_point deadline);
 
     const Options& options_;
     const Module& module_;
