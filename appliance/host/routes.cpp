@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
+#include <utility>
 
 namespace host {
 
@@ -167,16 +168,22 @@ void Routes::AnswerEvents(const httplib::Request& request, httplib::Response& re
         Write(response, ReplyFor(FrameworkError::kTooManyStreams));
         return;
     }
+    std::string snapshot = stream->Next();
+    if (snapshot.empty()) {
+        Write(response, ReplyFor(FrameworkError::kHostFailed, "its state cannot be read"));
+        return;
+    }
     response.set_header("Cache-Control", "no-cache");
-    response.set_chunked_content_provider("text/event-stream",
-                                          [stream](std::size_t, httplib::DataSink& sink) {
-                                              const std::string text = stream->Next();
-                                              if (text.empty()) {
-                                                  sink.done();
-                                                  return true;
-                                              }
-                                              return sink.write(text.data(), text.size());
-                                          });
+    response.set_chunked_content_provider(
+        "text/event-stream",
+        [stream, next = std::move(snapshot)](std::size_t, httplib::DataSink& sink) mutable {
+            const std::string text = next.empty() ? stream->Next() : std::exchange(next, "");
+            if (text.empty()) {
+                sink.done();
+                return true;
+            }
+            return sink.write(text.data(), text.size());
+        });
 }
 
 // What a stranger may have parsed before the module refuses it is little.

@@ -60,7 +60,12 @@ bool Store::Write(const Work& work) {
 
 void Store::Query(const Work& work) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    work(Connect());
+    try {
+        work(Connect());
+    } catch (const std::exception&) {
+        Disconnect();  // the file may be another by the next time
+        throw;
+    }
 }
 
 void Store::Remember() {
