@@ -2,6 +2,7 @@
 
 #include "libcamvora/descriptor.h"
 #include "libcamvora/jsonobject.h"
+#include "libcamvora/logline.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -35,11 +36,21 @@ int OpenWithFolder(const std::string& path) {
     return OpenForAppend(path);
 }
 
+// A line that a full disk cut short has no end of its own: the next one follows it directly. No text within
+// a line looks like its beginning, since quotes are escaped there.
+const char* LastLineIn(const char* text) {
+    const char* last = text;
+    for (const char* at = text; (at = std::strstr(at, kLogLineBegin)) != nullptr; ++at) {
+        last = at;
+    }
+    return last;
+}
+
 std::optional<Json::Value> EntryOfRequest(const char* line, const std::string& requestId) {
     if (std::strstr(line, requestId.c_str()) == nullptr) {
         return std::nullopt;  // spares the parser most lines
     }
-    std::optional<Json::Value> entry = ParseJsonObject(line);
+    std::optional<Json::Value> entry = ParseJsonObject(LastLineIn(line));
     return entry && (*entry)["request"] == requestId ? entry : std::nullopt;
 }
 

@@ -23,7 +23,7 @@ std::string Quoted(const char* text) {
 }  // namespace
 
 std::string FormatLogLine(const LogEntry& entry) {
-    return "{\"time\":\"" + UtcTimeText() + "\",\"pid\":" + std::to_string(getpid()) +
+    return kLogLineBegin + UtcTimeText() + "\",\"pid\":" + std::to_string(getpid()) +
            ",\"request\":" + Quoted(RequestId().c_str()) + ",\"source\":" + Quoted(entry.source) +
            ",\"line\":" + std::to_string(entry.line) + ",\"function\":" + Quoted(entry.function) +
            ",\"text\":" + Quoted(entry.text) + "}\n";

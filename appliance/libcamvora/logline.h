@@ -14,6 +14,9 @@ struct LogEntry {
     const char* text;
 };
 
+// What every line begins with, and what no text within a line can hold.
+inline constexpr char kLogLineBegin[] = "{\"time\":\"";
+
 // The entry, written now by this process for its request, as one JSON object on one line that ends in "\n".
 // Pure ASCII: whatever the texts hold, there is no second line and no control character in it.
 std::string FormatLogLine(const LogEntry& entry);
