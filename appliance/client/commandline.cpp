@@ -12,6 +12,7 @@
 
 #include <cstring>
 #include <sstream>
+#include <vector>
 
 namespace client {
 namespace {
@@ -70,6 +71,13 @@ int Report(const Failure& failure, bool json) {
     return static_cast<int>(failure.status);
 }
 
+// The library only says that a command is missing when the one that was typed is unknown.
+std::string WhatIsWrong(const CLI::App& program, const CLI::ParseError& error) {
+    const std::vector<std::string> unknown = program.remaining();
+    const bool isCommandUnknown = program.get_subcommands().empty() && !unknown.empty();
+    return isCommandUnknown ? "There is no command \"" + unknown.front() + "\"" : error.what();
+}
+
 // Help and version leave the parser as exceptions, too.
 int PrintInformation(const CLI::App& program, const CLI::Success& wish, const GlobalOptions& options) {
     std::ostringstream text;
@@ -94,7 +102,7 @@ int RunCommandLine(int argc, const char* const* argv) {
     } catch (const CLI::Success& wish) {
         return PrintInformation(program, wish, options);
     } catch (const CLI::ParseError& error) {
-        const Failure failure(ExitStatus::kUsage, std::string(error.what()) + ". See camvoractl --help");
+        const Failure failure(ExitStatus::kUsage, WhatIsWrong(program, error) + ". See camvoractl --help");
         return Report(failure, program.count("--json") > 0);  // the option's variable may not be set yet
     } catch (const Failure& failure) {
         return Report(failure, options.json);

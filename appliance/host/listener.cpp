@@ -28,7 +28,8 @@ AddressInfo Resolve(const std::string& address, int port) {
     addrinfo* found = nullptr;
     const int error = getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found);
     if (error != 0) {
-        throw std::runtime_error("cannot listen on " + address + ": " + gai_strerror(error));
+        throw std::runtime_error("cannot listen on " + address + ", which is no numeric address (" +
+                                 gai_strerror(error) + ")");
     }
     return AddressInfo(found, &freeaddrinfo);
 }
