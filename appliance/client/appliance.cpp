@@ -11,6 +11,15 @@ namespace {
 
 constexpr char kApiPath[] = "/api/ORVA.Camvora.AddOns/v1/";
 
+// The member `name` of an answer's data, which is a list. `what` was asked for.
+Json::Value ListIn(const Json::Value& data, const char* name, const std::string& what) {
+    Json::Value list = Member(data, name);
+    if (!list.isArray()) {
+        throw Failure(ExitStatus::kFailed, what + " failed: the answer holds no " + name);
+    }
+    return list;
+}
+
 }  // namespace
 
 Appliance::Appliance(HttpClient http) : http_(std::move(http)) {}
@@ -32,12 +41,21 @@ Json::Value Appliance::Methods() const {
 }
 
 Json::Value Appliance::Log(const std::string& requestId) const {
-    const Json::Value data = DataOf(http_.Get("/log", {{"request", requestId}}), "The log");
-    Json::Value lines = Member(data, "lines");
-    if (!lines.isArray()) {
-        throw Failure(ExitStatus::kFailed, "The log failed: the answer holds no lines");
-    }
-    return lines;
+    return ListIn(DataOf(http_.Get("/log", {{"request", requestId}}), "The log"), "lines", "The log");
+}
+
+Json::Value Appliance::Operations(std::optional<Json::Int64> after) const {
+    using Query = std::multimap<std::string, std::string>;
+    return Operations(after ? Query{{"after", std::to_string(*after)}} : Query{});
+}
+
+Json::Value Appliance::OperationsOf(const std::string& requestId) const {
+    return Operations({{"request", requestId}});
+}
+
+Json::Value Appliance::Operations(const std::multimap<std::string, std::string>& query) const {
+    constexpr char kWhat[] = "The operation log";
+    return ListIn(Checked(http_.Get("/operations", query), kWhat).data, "operations", kWhat);
 }
 
 void Appliance::AddRequest(Failure& failure, const std::string& requestId) const {

@@ -6,6 +6,8 @@
 #include <json/value.h>
 
 #include <chrono>
+#include <map>
+#include <optional>
 #include <string>
 
 namespace client {
@@ -37,6 +39,13 @@ public:
     // The log lines of a request, an array. Throws as Ask does.
     Json::Value Log(const std::string& requestId) const;
 
+    // The entries of the operation log with ids above `after`, oldest first and at most a thousand; the
+    // newest without `after`. Throws as Ask does.
+    Json::Value Operations(std::optional<Json::Int64> after) const;
+
+    // The entries of the operation log that a request caused. Throws as Ask does.
+    Json::Value OperationsOf(const std::string& requestId) const;
+
     // Puts a request and, as far as they can be had, its log lines into `failure`.
     void AddRequest(Failure& failure, const std::string& requestId) const;
 
@@ -45,6 +54,7 @@ public:
     void Listen(const std::string& lastEventId, const PieceReceiver& receive) const;
 
 private:
+    Json::Value Operations(const std::multimap<std::string, std::string>& query) const;
     Answer Checked(const HttpReply& reply, const std::string& what) const;
 
     HttpClient http_;

@@ -20,7 +20,7 @@ struct Control {
     const char* alias;  // empty for none
     const char* help;
     const char* method;
-    const char* description;  // for the appliance's operation log; empty where it keeps none
+    const char* description;  // for the operation log; empty where the answer is the end and is not logged
     const char* ordered;      // what is known when the appliance has answered
     Json::Value (ServiceWait::*wait)();
 };
@@ -82,7 +82,8 @@ void Run(Session& session, const Control& control, const ControlArguments& argum
         PrintOrdered(session, service.name + " " + control.ordered, requestId);
         return;
     }
-    ServiceWait wait(host, *progress, service, requestId, session.TimeLimit());
+    const bool isOver = *control.description == '\0';
+    ServiceWait wait(host, *progress, service, requestId, isOver, session.TimeLimit());
     const Json::Value info = (wait.*control.wait)();
     progress.reset();
     session.Print(info, Sentence(WhatWasSeen(service, info)));

@@ -1,10 +1,10 @@
 // camvoractl events
 #include "client/commands.h"
 #include "client/eventparser.h"
-#include "client/failure.h"
 #include "client/jsontext.h"
 #include "client/localtime.h"
 #include "client/output.h"
+#include "client/reconnector.h"
 #include "client/session.h"
 #include "client/table.h"
 
@@ -12,12 +12,10 @@
 #include <CLI/App.hpp>
 
 #include <map>
-#include <thread>
 
 namespace client {
 namespace {
 
-constexpr std::chrono::seconds kPauseBeforeRetry{1};
 constexpr int kServiceChanged = 24;  // texts: service, action, "0"
 
 struct ActionWord {
@@ -48,44 +46,24 @@ std::string TextAt(const Json::Value& notification, Json::ArrayIndex index) {
 // Follows the stream of events over any number of connections.
 class Follower {
 public:
-    explicit Follower(Session& session) : session_(session) {}
+    explicit Follower(Session& session) : session_(session), reconnector_(session) {}
 
     // Returns when nobody reads standard output any more.
-    void Follow();
+    void Follow() {
+        reconnector_.Run([this] { Listen(); });
+    }
 
 private:
     void Listen();
     void Take(const Event& event);
     void TakeSnapshot(const Json::Value& snapshot);
     Table Line(const Json::Value& notification) const;
-    void SayLost();
 
     Session& session_;
-    std::string lastId_;  // empty before the first event
-    bool isLost_ = false;
+    Reconnector reconnector_;
+    std::string lastId_;                        // empty before the first event
     std::map<std::string, std::string> names_;  // of services, by number
 };
-
-bool MayPass(ExitStatus status) {
-    return status == ExitStatus::kUnreachable || status == ExitStatus::kBusy ||
-           status == ExitStatus::kTimedOut;
-}
-
-void Follower::Follow() {
-    while (!IsReaderGone(STDOUT_FILENO)) {
-        try {
-            Listen();
-        } catch (const Failure& failure) {
-            if (lastId_.empty() || !MayPass(failure.status)) {
-                throw;
-            }
-        }
-        if (!IsReaderGone(STDOUT_FILENO)) {
-            SayLost();
-            std::this_thread::sleep_for(kPauseBeforeRetry);
-        }
-    }
-}
 
 void Follower::Listen() {
     EventParser parser([this](const Event& event) { Take(event); });
@@ -108,10 +86,7 @@ void Follower::Take(const Event& event) {
 }
 
 void Follower::TakeSnapshot(const Json::Value& snapshot) {
-    if (isLost_) {
-        session_.Say("Connected again");
-        isLost_ = false;
-    }
+    reconnector_.SetConnected();
     for (const Json::Value& service : Member(snapshot, "services")) {
         names_[LeafText(Member(service, "service"))] = LeafText(Member(service, "name"));
     }
@@ -133,13 +108,6 @@ Table Follower::Line(const Json::Value& notification) const {
                       LeafText(Member(notification, "texts"))});
     }
     return table;
-}
-
-void Follower::SayLost() {
-    if (!isLost_) {
-        session_.Say("The connection was lost; trying to connect again");
-        isLost_ = true;
-    }
 }
 
 }  // namespace

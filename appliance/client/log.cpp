@@ -1,7 +1,8 @@
-// camvoractl log REQUEST
+// camvoractl log [REQUEST] [--follow]
 #include "client/commands.h"
 #include "client/failure.h"
 #include "client/loglines.h"
+#include "client/operationlog.h"
 #include "client/session.h"
 #include "client/table.h"
 
@@ -12,7 +13,12 @@
 namespace client {
 namespace {
 
-void Log(Session& session, const std::string& requestId) {
+struct LogArguments {
+    std::string requestId;
+    bool follow = false;
+};
+
+void ShowLinesOf(Session& session, const std::string& requestId) {
     const Json::Value lines = session.Host().Log(requestId);
     if (lines.empty()) {
         throw Failure(ExitStatus::kNotFound, "The appliance has logged nothing for request " + requestId);
@@ -22,14 +28,27 @@ void Log(Session& session, const std::string& requestId) {
     session.Print(lines, table);
 }
 
+void Log(Session& session, const LogArguments& arguments) {
+    if (!arguments.requestId.empty()) {
+        ShowLinesOf(session, arguments.requestId);
+    } else if (arguments.follow) {
+        FollowOperations(session);
+    } else {
+        ShowOperations(session);
+    }
+}
+
 }  // namespace
 
 void AddLog(CLI::App& program, Session& session) {
-    CLI::App* command = program.add_subcommand("log", "Show what the appliance logged for a request");
-    const auto requestId = std::make_shared<std::string>();
-    command->add_option("REQUEST", *requestId, "Id of the request, as failures and --no-wait name it")
-        ->required();
-    command->callback([&session, requestId] { Log(session, *requestId); });
+    CLI::App* command =
+        program.add_subcommand("log", "Show the operation log, or what was logged for a request");
+    const auto arguments = std::make_shared<LogArguments>();
+    CLI::Option* request = command->add_option("REQUEST", arguments->requestId,
+                                               "Id of a request, as failures, --no-wait and the log name it");
+    command->add_flag("--follow", arguments->follow, "Go on showing entries as they come, until Ctrl-C")
+        ->excludes(request);
+    command->callback([&session, arguments] { Log(session, *arguments); });
 }
 
 }  // namespace client

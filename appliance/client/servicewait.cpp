@@ -57,11 +57,12 @@ std::string StateOf(const Json::Value& info) {
 }  // namespace
 
 ServiceWait::ServiceWait(const Appliance& appliance, Progress& progress, Service service,
-                         std::string requestId, std::chrono::seconds limit)
+                         std::string requestId, bool isOver, std::chrono::seconds limit)
     : appliance_(appliance),
       progress_(progress),
       service_(std::move(service)),
       requestId_(std::move(requestId)),
+      hasSucceeded_(isOver),
       limit_(limit),
       deadline_(steady_clock::now() + limit) {}
 
@@ -98,33 +99,43 @@ Json::Value ServiceWait::Started() {
             throw Failure(ExitStatus::kOtherOutcome,
                           service_.name + " was running; two seconds later it " + StateOf(info));
         }
-        // The action had not begun at the first look, or another one followed it.
+        // Another action has followed.
     }
 }
 
 Json::Value ServiceWait::Await(Condition isReached) {
     progress_.Step("Waiting for " + service_.name);
-    Json::Value info = Look();
+    Json::Value last;
     steady_clock::time_point seenSince = steady_clock::now();
-    while (!isReached(info)) {
-        if (steady_clock::now() >= deadline_) {
+    for (;;) {
+        const bool hasSucceeded = HasSucceeded();  // before the look, which then shows what the action made
+        Json::Value info = Look();
+        if (hasSucceeded && isReached(info)) {
+            return info;
+        }
+        const steady_clock::time_point now = steady_clock::now();
+        if (now >= deadline_) {
             throw Failure(ExitStatus::kTimedOut, "After " + std::to_string(limit_.count()) + " s, " +
                                                      service_.name + " " + StateOf(info) +
                                                      "; --timeout waits longer");
         }
+        if (!IsSameState(info, last)) {
+            seenSince = now;
+        }
         const milliseconds patience = IsInProgress(info) ? kPatienceInProgress : kPatienceBefore;
-        if (steady_clock::now() - seenSince >= patience && IsOver(info)) {
+        if (now - seenSince >= patience && IsOver(info) && HasSucceeded() == hasSucceeded) {
             throw Failure(ExitStatus::kOtherOutcome,
-                          "The action is over, but " + service_.name + " " + StateOf(info));
+                          (hasSucceeded ? "The action is over, but " : "The action did not succeed: ") +
+                              service_.name + " " + StateOf(info));
         }
+        last = std::move(info);
         std::this_thread::sleep_for(kPollInterval);
-        const Json::Value next = Look();
-        if (!IsSameState(info, next)) {
-            seenSince = steady_clock::now();
-        }
-        info = next;
     }
-    return info;
+}
+
+bool ServiceWait::HasSucceeded() {
+    hasSucceeded_ = hasSucceeded_ || !appliance_.OperationsOf(requestId_).empty();
+    return hasSucceeded_;
 }
 
 Json::Value ServiceWait::Look() const {

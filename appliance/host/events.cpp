@@ -98,7 +98,6 @@ void EventHub::Leave() {
 // next resumes in the right place. The newest id is read first: what comes meanwhile is then seen twice, not
 // lost.
 std::string EventHub::Begin(std::optional<long long>& lastSeen) {
-    const std::lock_guard<std::mutex> storeLock(storeMutex_);
     const long long newestId = camvora::LastNotificationId();
     lastSeen = std::min(lastSeen.value_or(newestId), newestId);
     return EventText("snapshot", *lastSeen, Snapshot(newestId));
@@ -113,7 +112,6 @@ std::string EventHub::Continue(long long& lastSeen) {
     const long long newestId = newestId_;
     lock.unlock();
 
-    const std::lock_guard<std::mutex> storeLock(storeMutex_);
     std::string text;
     const std::vector<camvora::Notification> missed =
         camvora::NotificationsAfter(lastSeen, static_cast<int>(kBatch));
@@ -144,7 +142,6 @@ void EventHub::Poll() {
 
 // 0 when the store cannot be read: the streams notice that themselves.
 long long EventHub::ReadNewestId() {
-    const std::lock_guard<std::mutex> storeLock(storeMutex_);
     try {
         return camvora::LastNotificationId();
     } catch (const std::exception&) {

@@ -65,8 +65,7 @@ private:
 
     const int streamLimit_;
     const std::chrono::seconds heartbeat_;
-    std::mutex storeMutex_;  // the store has one reader at a time
-    std::mutex mutex_;       // of what follows
+    std::mutex mutex_;  // of what follows
     std::condition_variable changed_;
     std::atomic<int> streams_ = 0;
     long long newestId_ = 0;

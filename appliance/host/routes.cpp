@@ -2,15 +2,16 @@
 
 #include "host/bodysize.h"
 #include "host/callpath.h"
+#include "host/decimal.h"
 #include "host/frameworkerrors.h"
 #include "host/httpreply.h"
+#include "host/operations.h"
 #include "host/requestbody.h"
 
 #include "libcamvora/diagnosticlog.h"
 #include "platform/log.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 #include <utility>
 
@@ -25,15 +26,6 @@ void RefuseHttpMethod(httplib::Response& response, const char* allowed) {
     Write(response, ReplyFor(FrameworkError::kWrongHttpMethod));
 }
 
-std::optional<long long> LastEventId(const httplib::Request& request) {
-    const std::string text = request.get_header_value("Last-Event-ID");
-    long long id = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), id);
-    const bool isNumber =
-        !text.empty() && result.ec == std::errc() && result.ptr == text.data() + text.size();
-    return isNumber && id >= 0 ? std::optional(id) : std::nullopt;
-}
-
 void AnswerNotAuthorized(httplib::Response& response) {
     response.set_header("WWW-Authenticate", "Bearer");
     Write(response, ReplyFor(FrameworkError::kNotAuthorized));
@@ -43,15 +35,15 @@ void AnswerNotAuthorized(httplib::Response& response) {
 
 struct Routes::Page {
     const char* path;
+    bool needsToken;
     Answer answer;
 };
 
 // All of them are read with GET; everything else is a method of the module, called with POST.
 const Routes::Page Routes::kPages[] = {
-    {"/api", &Routes::AnswerApis},
-    {"/health", &Routes::AnswerHealth},
-    {"/log", &Routes::AnswerLog},
-    {"/events", &Routes::AnswerEvents},
+    {"/api", false, &Routes::AnswerApis},     {"/health", false, &Routes::AnswerHealth},
+    {"/log", true, &Routes::AnswerLog},       {"/operations", true, &Routes::AnswerOperations},
+    {"/events", true, &Routes::AnswerEvents},
 };
 
 Routes::Routes(const Module& module, const AccessToken& token, const Options& options, RequestClient& client,
@@ -105,6 +97,8 @@ void Routes::AnswerPage(const httplib::Request& request, httplib::Response& resp
         Write(response, ReplyFor(FrameworkError::kNotFound));
     } else if (request.method != "GET") {
         RefuseHttpMethod(response, "GET");
+    } else if (page->needsToken && !IsAuthorized(request)) {
+        AnswerNotAuthorized(response);
     } else {
         (this->*page->answer)(request, response);
     }
@@ -145,10 +139,6 @@ void Routes::AnswerHealth(const httplib::Request& /*request*/, httplib::Response
 }
 
 void Routes::AnswerLog(const httplib::Request& request, httplib::Response& response) {
-    if (!IsAuthorized(request)) {
-        AnswerNotAuthorized(response);
-        return;
-    }
     if (!request.has_param("request")) {
         Write(response, ReplyFor(FrameworkError::kBadRequest, "the parameter \"request\" is missing"));
         return;
@@ -158,12 +148,13 @@ void Routes::AnswerLog(const httplib::Request& request, httplib::Response& respo
     Write(response, SuccessReply(data));
 }
 
+void Routes::AnswerOperations(const httplib::Request& request, httplib::Response& response) {
+    Write(response, ReplyWithOperations(request));
+}
+
 void Routes::AnswerEvents(const httplib::Request& request, httplib::Response& response) {
-    if (!IsAuthorized(request)) {
-        AnswerNotAuthorized(response);
-        return;
-    }
-    const std::shared_ptr<EventStream> stream = events_.Open(LastEventId(request));
+    const std::shared_ptr<EventStream> stream =
+        events_.Open(ParseDecimal(request.get_header_value("Last-Event-ID")));
     if (stream == nullptr) {
         Write(response, ReplyFor(FrameworkError::kTooManyStreams));
         return;

@@ -38,6 +38,7 @@ private:
     void AnswerApis(const httplib::Request& request, httplib::Response& response);
     void AnswerHealth(const httplib::Request& request, httplib::Response& response);
     void AnswerLog(const httplib::Request& request, httplib::Response& response);
+    void AnswerOperations(const httplib::Request& request, httplib::Response& response);
     void AnswerEvents(const httplib::Request& request, httplib::Response& response);
 
     bool IsAuthorized(const httplib::Request& request) const;

@@ -1,3 +1,5 @@
+#include "libcamvora/operationlog.h"
+
 #include "libcamvora/records.h"
 #include "libcamvora/store.h"
 #include "platform/log.h"
@@ -5,6 +7,23 @@
 void CVLog(CV_LOG_TYPE type, long long number, const std::string& text1, const std::string& text2,
            const std::string& text3) {
     (void)camvora::TheStore().Write([&](SQLite::Database& database) {  // a failure is in the log
-        camvora::AddOperation(database, {type, number, {text1, text2, text3}});
+        camvora::AddOperation(database, type, number, {text1, text2, text3});
     });
 }
+
+namespace camvora {
+
+long long LastOperationId() {
+    long long id = 0;
+    TheStore().Query([&id](SQLite::Database& database) { id = LastOperationId(database); });
+    return id;
+}
+
+std::vector<Operation> OperationsAfter(long long id, const std::string& requestId, int limit) {
+    std::vector<Operation> operations;
+    TheStore().Query(
+        [&](SQLite::Database& database) { operations = OperationsAfter(database, id, requestId, limit); });
+    return operations;
+}
+
+}  // namespace camvora

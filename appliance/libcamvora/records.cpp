@@ -6,6 +6,8 @@
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/VariadicBind.h>
 
+#include <cstdint>
+
 namespace camvora {
 
 namespace {
@@ -24,14 +26,24 @@ Notification NotificationOf(const SQLite::Statement& row) {
             {row.getColumn(4).getString(), row.getColumn(5).getString(), row.getColumn(6).getString()}};
 }
 
+Operation OperationOf(const SQLite::Statement& row) {
+    return {row.getColumn(0).getInt64(),
+            row.getColumn(1).getString(),
+            row.getColumn(2).getString(),
+            row.getColumn(3).getInt(),
+            row.getColumn(4).getInt64(),
+            {row.getColumn(5).getString(), row.getColumn(6).getString(), row.getColumn(7).getString()}};
+}
+
 }  // namespace
 
-void AddOperation(SQLite::Database& database, const Operation& operation) {
+void AddOperation(SQLite::Database& database, int event, long long number,
+                  const std::array<std::string, 3>& texts) {
     SQLite::Statement statement(database,
                                 "INSERT INTO operation_log(time, request, event, number, text1, text2, text3)"
                                 " VALUES(?, ?, ?, ?, ?, ?, ?)");
-    SQLite::bind(statement, UtcTimeText(), RequestId(), operation.event, operation.number, operation.texts[0],
-                 operation.texts[1], operation.texts[2]);
+    SQLite::bind(statement, UtcTimeText(), RequestId(), event, std::int64_t{number}, texts[0], texts[1],
+                 texts[2]);
     statement.exec();
     Drop(database, "DELETE FROM operation_log WHERE id <= last_insert_rowid() - ?", kOperationsKept);
 }
@@ -43,6 +55,24 @@ void AddNotification(SQLite::Database& database, int type, const std::array<std:
     SQLite::bind(statement, UtcTimeText(), RequestId(), type, texts[0], texts[1], texts[2]);
     statement.exec();
     Drop(database, "DELETE FROM notifications WHERE id <= last_insert_rowid() - ?", kNotificationsKept);
+}
+
+long long LastOperationId(SQLite::Database& database) {
+    return database.execAndGet("SELECT coalesce(max(id), 0) FROM operation_log").getInt64();
+}
+
+std::vector<Operation> OperationsAfter(SQLite::Database& database, long long id, const std::string& requestId,
+                                       int limit) {
+    SQLite::Statement statement(
+        database,
+        "SELECT id, time, request, event, number, text1, text2, text3 FROM operation_log"
+        " WHERE id > ?1 AND (?2 = '' OR request = ?2) ORDER BY id LIMIT ?3");
+    SQLite::bind(statement, std::int64_t{id}, requestId, limit);
+    std::vector<Operation> operations;
+    while (statement.executeStep()) {
+        operations.push_back(OperationOf(statement));
+    }
+    return operations;
 }
 
 long long LastNotificationId(SQLite::Database& database) {

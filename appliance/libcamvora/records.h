@@ -3,11 +3,11 @@
 #pragma once
 
 #include "libcamvora/notifications.h"
+#include "libcamvora/operationlog.h"
 
 #include <SQLiteCpp/Database.h>
 
 #include <array>
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,19 +16,16 @@ namespace camvora {
 inline constexpr int kNotificationsKept = 1000;
 inline constexpr int kOperationsKept = 10000;
 
-// An entry of the operation log without time and request, which are those of its writing.
-struct Operation {
-    int event;
-    std::int64_t number;
-    std::array<std::string, 3> texts;
-};
-
 // Each adds a record with the present time and this process's request, and drops the ones that are too old.
 // Called inside a transaction. Throws std::exception when that fails.
-void AddOperation(SQLite::Database& database, const Operation& operation);
+void AddOperation(SQLite::Database& database, int event, long long number,
+                  const std::array<std::string, 3>& texts);
 void AddNotification(SQLite::Database& database, int type, const std::array<std::string, 3>& texts);
 
-// What LastNotificationId and NotificationsAfter give, from this database.
+// What the functions of the same names give, from this database.
+long long LastOperationId(SQLite::Database& database);
+std::vector<Operation> OperationsAfter(SQLite::Database& database, long long id, const std::string& requestId,
+                                       int limit);
 long long LastNotificationId(SQLite::Database& database);
 std::vector<Notification> NotificationsAfter(SQLite::Database& database, long long id, int limit);
 
