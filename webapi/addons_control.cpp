@@ -9,8 +9,8 @@
 
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <iterator>
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kErrFailed = 400;
 constexpr unsigned kCheckIntervalS = 2;
-constexpr int kCheckLimitS = 19;
+constexpr double kCheckLimitS = 19;
 constexpr CV_DAEMON_TYPE kLocalDisplayDaemons[] = {CV_DAEMON_TYPE{11}, CV_DAEMON_TYPE{12}};
 
 // The body of the detached child of "Enable" and "Disable".
@@ -35,7 +35,7 @@ constexpr CV_DAEMON_TYPE kLocalDisplayDaemons[] = {CV_DAEMON_TYPE{11}, CV_DAEMON
 bool WaitForAction(const AddOns& addons, time_t start) {
     while (addons.IsLockFileExist()) {
         sleep(kCheckIntervalS);
-        const int elapsedS = std::abs(static_cast<int>(difftime(time(nullptr), start)));
+        const double elapsedS = std::fabs(std::trunc(difftime(time(nullptr), start)));
         if (elapsedS > kCheckLimitS) {
             return false;
         }

@@ -48,12 +48,11 @@ void BeatUntilToldToEnd(const std::string& statusFile, const sigset_t& end) {
 }
 
 int RunDaemon(const camvora::DaemonEntry& entry) {
-    const std::string lock = camvora::DaemonLockFile(camvora::kRunFolder, entry.type);
+    camvora::DaemonLock lock(camvora::DaemonLockFile(camvora::kRunFolder, entry.type));
     const std::string pidFile = camvora::DaemonPidFile(camvora::kRunFolder, entry);
     const std::string statusFile = camvora::DaemonStatusFile(camvora::kRunFolder, entry);
     const sigset_t end = HoldBackOrderToEnd();
-    if (!camvora::HoldDaemonLock(lock) || PLIBCProcPidFileCreate(pidFile.c_str()) != 0 ||
-        !camvora::HoldReadyLock(lock)) {
+    if (!lock.Hold() || PLIBCProcPidFileCreate(pidFile.c_str()) != 0 || !lock.HoldReady()) {
         CVPrintf(0, nullptr, nullptr, "daemon", __LINE__, __func__,
                  "Failed to start %s, or it runs already\n", entry.name);
         return EXIT_FAILURE;

@@ -21,7 +21,7 @@ namespace host {
 
 namespace {
 
-constexpr int kUpkeepIntervalMs = 60'000;
+constexpr int kUpkeepIntervalMs = 5'000;
 constexpr int kStopPollMs = 50;
 constexpr std::chrono::milliseconds kEndGrace{2000};
 

@@ -8,6 +8,7 @@
 namespace {
 
 using camvora::DaemonEntry;
+using camvora::DaemonGroup;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
@@ -41,50 +42,58 @@ camvora::DaemonPlaces Places() {
     return {camvora::kDaemonProgram, camvora::kRunFolder, kStartLimit, kEndLimit};
 }
 
-bool End(const DaemonEntry& entry) {
-    if (camvora::EndDaemon(Places(), entry)) {
+// The daemon of `type` and its helper; empty when there is no such daemon.
+DaemonGroup GroupOf(CV_DAEMON_TYPE type) {
+    DaemonGroup group;
+    for (const DaemonEntry* daemon = camvora::FindDaemon(type); daemon != nullptr;
+         daemon = camvora::FindDaemon(daemon->helperType)) {
+        group.push_back(daemon);
+    }
+    return group;
+}
+
+bool End(const DaemonGroup& group) {
+    if (camvora::EndDaemons(Places(), group)) {
         return true;
     }
-    CVPrintf(0, nullptr, nullptr, "daemonctrl", __LINE__, __func__, "Failed to end daemon %s\n", entry.name);
+    CVPrintf(0, nullptr, nullptr, "daemonctrl", __LINE__, __func__, "Failed to end daemon %s\n",
+             group.front()->name);
     return false;
 }
 
-bool Replace(const DaemonEntry& entry) {
-    if (!End(entry)) {
+bool Replace(const DaemonGroup& group) {
+    if (!End(group)) {
         return false;
     }
-    if (camvora::StartDaemon(Places(), entry)) {
-        return true;
+    bool areStarted = true;
+    for (const DaemonEntry* daemon : group) {
+        if (!camvora::StartDaemon(Places(), *daemon)) {
+            CVPrintf(0, nullptr, nullptr, "daemonctrl", __LINE__, __func__, "Failed to start daemon %s\n",
+                     daemon->name);
+            areStarted = false;
+        }
     }
-    CVPrintf(0, nullptr, nullptr, "daemonctrl", __LINE__, __func__, "Failed to start daemon %s\n",
-             entry.name);
-    return false;
+    return areStarted;
 }
 
-// Does `work` with the daemon of `type`, then with its helper. Returns 0 when both went well.
-int ForEach(CV_DAEMON_TYPE type, bool (*work)(const DaemonEntry&)) {
-    const DaemonEntry* daemon = camvora::FindDaemon(type);
-    if (daemon == nullptr) {
+// Does `work` with the daemon of `type` and its helper. Returns 0 when it went well.
+int InTurn(CV_DAEMON_TYPE type, bool (*work)(const DaemonGroup&)) {
+    const DaemonGroup group = GroupOf(type);
+    if (group.empty()) {
         return -1;
     }
-    const Turn turn(type);
-    if (!turn.IsMine()) {
-        return -1;
-    }
-    const DaemonEntry* helper = camvora::FindDaemon(daemon->helperType);
-    const bool done = work(*daemon);
-    const bool helperDone = helper == nullptr || work(*helper);
-    return done && helperDone ? 0 : -1;
+    const Turn turn(group.front()->turnType);
+    return turn.IsMine() && work(group) ? 0 : -1;
 }
 
 }  // namespace
 
 int DaemonCtrl::Run(CV_DAEMON_TYPE type) {
-    return ForEach(type, Replace);
+    return InTurn(type, Replace);
 }
 
 int DaemonCtrl::Kill(CV_DAEMON_TYPE type) {
-    return ForEach(type, End);
+    return InTurn(type, End);
 }
 
 int GetDaemonInfo(CV_DAEMON_TYPE type, CV_DAEMON_INFO& info) {

@@ -1,7 +1,5 @@
 #include "libcamvora/daemonlock.h"
 
-#include "libcamvora/descriptor.h"
-
 #include <fcntl.h>
 
 namespace camvora {
@@ -20,15 +18,9 @@ struct flock OneByte(off_t position) {
     return lock;
 }
 
-// A process's record locks go when it closes any descriptor of the file: this one is never closed.
-int LockDescriptor(const std::string& path) {
-    static const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
-    return fd;
-}
-
-bool Hold(const std::string& path, off_t position) {
+bool Lock(const Descriptor& file, off_t position) {
     struct flock lock = OneByte(position);
-    return fcntl(LockDescriptor(path), F_SETLK, &lock) == 0;
+    return file.IsOpen() && fcntl(file.Number(), F_SETLK, &lock) == 0;
 }
 
 pid_t Holder(const std::string& path, off_t position) {
@@ -40,12 +32,15 @@ pid_t Holder(const std::string& path, off_t position) {
 
 }  // namespace
 
-bool HoldDaemonLock(const std::string& path) {
-    return Hold(path, kRunsByte);
+DaemonLock::DaemonLock(const std::string& path)
+    : file_(open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600)) {}
+
+bool DaemonLock::Hold() {
+    return Lock(file_, kRunsByte);
 }
 
-bool HoldReadyLock(const std::string& path) {
-    return Hold(path, kReadyByte);
+bool DaemonLock::HoldReady() {
+    return Lock(file_, kReadyByte);
 }
 
 pid_t DaemonLockHolder(const std::string& path) {

@@ -14,9 +14,11 @@ extern "C" {
 #include <sys/pidfd.h>  // says so itself only in newer C libraries
 }
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <utility>
 
 namespace camvora {
 
@@ -75,6 +77,40 @@ bool IsGone(int pidFd, int limitMs) {
     return poll(&process, 1, limitMs) > 0;
 }
 
+// The process that holds a daemon's lock, by a handle that stays good when it ends and its id becomes
+// another's. Nothing when no daemon runs.
+class RunningDaemon {
+public:
+    explicit RunningDaemon(const std::string& lock) : process_(Open(lock)) {}
+
+    void Signal(int signal) const {
+        if (process_.IsOpen()) {
+            (void)pidfd_send_signal(process_.Number(), signal, nullptr, 0);
+        }
+    }
+
+    // Returns false when it has not ended by then.
+    bool AwaitEnd(steady_clock::time_point deadline) const {
+        const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now()).count();
+        return !process_.IsOpen() || IsGone(process_.Number(), std::max(static_cast<int>(left), 0));
+    }
+
+private:
+    static Descriptor Open(const std::string& lock) {
+        const pid_t pid = DaemonLockHolder(lock);
+        Descriptor process(pid == 0 ? -1 : pidfd_open(pid, 0));
+        return DaemonLockHolder(lock) == pid ? std::move(process) : Descriptor(-1);
+    }
+
+    Descriptor process_;
+};
+
+// A daemon that was killed leaves them.
+void RemoveFiles(const DaemonPlaces& places, const DaemonEntry& entry) {
+    (void)unlink(DaemonPidFile(places.runFolder, entry).c_str());
+    (void)unlink(DaemonStatusFile(places.runFolder, entry).c_str());
+}
+
 }  // namespace
 
 bool StartDaemon(const DaemonPlaces& places, const DaemonEntry& entry) {
@@ -95,23 +131,28 @@ bool StartDaemon(const DaemonPlaces& places, const DaemonEntry& entry) {
     return true;
 }
 
-bool EndDaemon(const DaemonPlaces& places, const DaemonEntry& entry) {
-    const std::string lock = DaemonLockFile(places.runFolder, entry.type);
-    const pid_t pid = DaemonLockHolder(lock);
-    if (pid == 0) {
-        return true;
+bool EndDaemons(const DaemonPlaces& places, const DaemonGroup& daemons) {
+    std::vector<RunningDaemon> running;
+    running.reserve(daemons.size());
+    for (const DaemonEntry* daemon : daemons) {
+        running.emplace_back(DaemonLockFile(places.runFolder, daemon->type)).Signal(SIGTERM);
     }
-    const Descriptor process(pidfd_open(pid, 0));
-    if (DaemonLockHolder(lock) != pid) {
-        return true;  // it has ended in between, and the id may be another's by now
+    const auto deadline = steady_clock::now() + places.endLimit;
+    for (const RunningDaemon& daemon : running) {
+        if (!daemon.AwaitEnd(deadline)) {
+            daemon.Signal(SIGKILL);
+            (void)daemon.AwaitEnd(steady_clock::now() + places.endLimit);
+        }
     }
-    const int limitMs = static_cast<int>(places.endLimit.count());
-    (void)pidfd_send_signal(process.Number(), SIGTERM, nullptr, 0);
-    if (!IsGone(process.Number(), limitMs)) {
-        (void)pidfd_send_signal(process.Number(), SIGKILL, nullptr, 0);
-        (void)IsGone(process.Number(), limitMs);
+    bool areGone = true;
+    for (const DaemonEntry* daemon : daemons) {
+        if (DaemonLockHolder(DaemonLockFile(places.runFolder, daemon->type)) == 0) {
+            RemoveFiles(places, *daemon);
+        } else {
+            areGone = false;
+        }
     }
-    return DaemonLockHolder(lock) == 0;
+    return areGone;
 }
 
 }  // namespace camvora

@@ -5,8 +5,12 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace camvora {
+
+// A daemon and what is started and ended with it; the entries are the table's.
+using DaemonGroup = std::vector<const DaemonEntry*>;
 
 // How a daemon is started and how long it is waited for.
 struct DaemonPlaces {
@@ -21,8 +25,8 @@ struct DaemonPlaces {
 // within the start limit; none is left of it then.
 bool StartDaemon(const DaemonPlaces& places, const DaemonEntry& entry);
 
-// Ends the daemon if it runs, with SIGTERM and after the end limit with SIGKILL, and waits until it is gone.
-// Returns false when it is still there.
-bool EndDaemon(const DaemonPlaces& places, const DaemonEntry& entry);
+// Ends those of the daemons that run, with SIGTERM and after the end limit, which is one for all, with
+// SIGKILL. Waits until they are gone and removes what they leave. Returns false when one is still there.
+bool EndDaemons(const DaemonPlaces& places, const DaemonGroup& daemons);
 
 }  // namespace camvora

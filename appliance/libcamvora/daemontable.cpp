@@ -8,11 +8,11 @@ namespace camvora {
 namespace {
 
 constexpr DaemonEntry kDaemons[] = {
-    {"service3d", 1, -1},
-    {"cmsd", 4, -1},
-    {"service5d", 6, -1},
-    {"localdisplayd", 11, 12},
-    {"localdisplayhelperd", 12, -1},
+    {"service3d", 1, -1, 1},
+    {"cmsd", 4, -1, 4},
+    {"service5d", 6, -1, 6},
+    {"localdisplayd", 11, 12, 11},
+    {"localdisplayhelperd", 12, -1, 11},
 };
 
 }  // namespace

@@ -11,6 +11,7 @@ struct DaemonEntry {
     const char* name;
     int type;
     int helperType;  // the daemon that is started and ended with this one; -1 for none
+    int turnType;    // the daemon in whose turn this one is started and ended: its own, or the one it helps
 };
 
 // The entry of `type`; null when there is no such daemon.

@@ -3,6 +3,8 @@
 
 #include <unistd.h>
 
+#include <utility>
+
 namespace camvora {
 
 class Descriptor {
@@ -14,14 +16,16 @@ public:
             close(number_);
         }
     }
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor& operator=(Descriptor&&) = delete;
 
     bool IsOpen() const { return number_ >= 0; }
     int Number() const { return number_; }
 
 private:
-    const int number_;
+    int number_;
 };
 
 }  // namespace camvora

@@ -2,6 +2,7 @@
 
 #include "libcamvora/descriptor.h"
 #include "libcamvora/paths.h"
+#include "libcamvora/pidfile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -37,7 +38,9 @@ void Sweep(const std::string& guard, std::string file) {
     (void)RemoveUnlessQueued(guard, file, now);
     const std::size_t stem = file.size() - std::min(file.size(), kLockSuffix.size());
     if (file.compare(stem, std::string::npos, kLockSuffix) == 0) {
-        (void)RemoveUnlessQueued(guard, file.replace(stem, std::string::npos, kPidSuffix), now);
+        const std::string pidFile = file.replace(stem, std::string::npos, kPidSuffix);
+        (void)RemoveUnlessQueued(guard, pidFile, now);
+        (void)RemoveUnlessQueued(guard, FreshPidFile(pidFile), now);
     }
 }
 

@@ -1,4 +1,5 @@
 #include "libcamvora/descriptor.h"
+#include "libcamvora/pidfile.h"
 #include "platform/plibc.h"
 
 #include <fcntl.h>
@@ -14,8 +15,8 @@ pid_t PLIBCProcFork() {
 // Readers see a whole number or no file.
 int PLIBCProcPidFileCreate(const char* path) {
     const std::string text = std::to_string(getpid()) + "\n";
-    const std::string fresh = std::string(path) + "." + std::to_string(getpid());
-    (void)unlink(fresh.c_str());  // left by a process of this number that was killed here
+    const std::string fresh = camvora::FreshPidFile(path);
+    (void)unlink(fresh.c_str());  // left by a process that was killed here
     const camvora::Descriptor file(
         open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
     if (!file.IsOpen()) {

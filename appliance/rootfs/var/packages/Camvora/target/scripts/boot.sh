@@ -7,7 +7,7 @@ target=/var/packages/Camvora/target
 
 umask 022
 rm -rf "$target/@CVData/run"
-rm -f /tmp/cv_*.lock /tmp/cv_*.pid /tmp/cv_*.pid.*
+rm -f /tmp/cv_*.lock /tmp/cv_*.pid /tmp/cv_*.pid.new
 mkdir -p "$target/@CVData/run" "$target/@CVData/log"
 "$target/scripts/S82camvora.sh" start
 
