@@ -4,25 +4,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
-#include <cstdlib>
-#include <exception>
+#include <memory>
 #include <vector>
 
 namespace {
 
 // Never returns, so that a child does not run the rest of the test program.
-[[noreturn]] void RunChild(int startSignal, int number, const std::function<bool(int)>& work) noexcept {
-    char end = 0;
-    (void)!read(startSignal, &end, 1);
-    try {
-        _exit(work(number) ? EXIT_SUCCESS : EXIT_FAILURE);
-    } catch (const std::exception&) {
-        _exit(EXIT_FAILURE);
-    }
-}
-
 [[noreturn]] void WorkAndStay(int result, const std::function<bool()>& work) noexcept {
     const char worked = work() ? 1 : 0;
     (void)!write(result, &worked, 1);
@@ -32,38 +22,35 @@ namespace {
     }
 }
 
-bool Succeeded(pid_t child) {
-    int status = 0;
-    return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS;
+void WaitForEnd(const std::array<int, 2>& ends) {
+    char nothing = 0;
+    close(ends[1]);
+    (void)!read(ends[0], &nothing, 1);
 }
 
 }  // namespace
 
 int CountSuccesses(int count, const std::function<bool(int)>& work) {
     std::array<int, 2> start{};
-    if (pipe(start.data()) != 0) {
+    if (pipe2(start.data(), O_CLOEXEC) != 0) {
         return 0;
     }
-    std::vector<pid_t> children;
+    std::vector<std::unique_ptr<Background>> children;
+    children.reserve(static_cast<std::size_t>(count));
     for (int number = 0; number < count; ++number) {
-        const pid_t child = fork();
-        if (child == 0) {
-            close(start[1]);
-            RunChild(start[0], number, work);
-        }
-        children.push_back(child);
+        children.push_back(std::make_unique<Background>([&start, &work, number] {
+            WaitForEnd(start);
+            return work(number);
+        }));
     }
     close(start[0]);
     close(start[1]);  // the end of the file is the signal
-    int successes = 0;
-    for (const pid_t child : children) {
-        successes += Succeeded(child) ? 1 : 0;
-    }
-    return successes;
+    return static_cast<int>(
+        std::count_if(children.begin(), children.end(), [](const auto& child) { return child->Worked(); }));
 }
 
 bool SucceedsInChild(const std::function<bool()>& work) {
-    return CountSuccesses(1, [&work](int) { return work(); }) == 1;
+    return Background(work).Worked();
 }
 
 Background::Background(const std::function<bool()>& work) {

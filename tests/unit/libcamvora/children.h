@@ -5,8 +5,8 @@
 
 #include <functional>
 
-// Forks `count` children that start together; each does `work` with its number and ends. Returns how many
-// of them reported success and did not die or throw.
+// Forks `count` children that start together; each does `work` with its number. Returns how many of them
+// reported success and did not die or throw. None is left.
 int CountSuccesses(int count, const std::function<bool(int)>& work);
 
 // The same with one child: true when it reported success.

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <functional>
 #include <new>
 #include <random>
 #include <thread>
@@ -37,51 +38,16 @@ struct Board {
     std::atomic<long> longestExcessMs{0};
 };
 
-class SharedBoard {
-public:
-    explicit SharedBoard(int cycles)
-        : board_(new (mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
-                     Board) {
-        board_->cyclesLeft = cycles;
-    }
-    ~SharedBoard() { munmap(board_, sizeof(Board)); }
-    SharedBoard(const SharedBoard&) = delete;
-    SharedBoard& operator=(const SharedBoard&) = delete;
-
-    Board& Get() const { return *board_; }
-
-private:
-    Board* const board_;
-};
-
-// A record lock on a file of its own: the kernel frees it at the very beginning of a process's end.
-class Witness {
-public:
-    explicit Witness(const std::string& folder)
-        : file_(open((folder + "/witness").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {}
-
-    // False when another process is inside.
-    bool Come() const { return Set(F_WRLCK); }
-    void Go() const { (void)Set(F_UNLCK); }
-
-private:
-    bool Set(short type) const {
-        struct flock all {};
-        all.l_type = type;
-        return fcntl(file_, F_SETLK, &all) == 0;
-    }
-
-    const int file_;
-};
+// Never unmapped: there is one for each run.
+Board& NewBoard() {
+    return *new (mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
+        Board;
+}
 
 class Worker {
 public:
     Worker(const std::string& folder, const Locking& locking, Board& board)
-        : folder_(folder),
-          locking_(locking),
-          board_(board),
-          witness_(folder),
-          random_(static_cast<unsigned>(getpid())) {}
+        : folder_(folder), locking_(locking), board_(board) {}
 
     void Work() {
         while (board_.cyclesLeft.fetch_sub(1) > 0) {
@@ -106,11 +72,19 @@ private:
 
     void BeInside() {
         ++board_.entered;
-        board_.overlaps += witness_.Come() ? 0 : 1;
+        board_.overlaps += SetWitness(F_WRLCK) ? 0 : 1;
         board_.inside = getpid();
         std::this_thread::sleep_for(microseconds(Pick(0, 1500)));
         board_.signsMissing += access(LockFile(folder_).c_str(), F_OK) == 0 ? 0 : 1;
-        witness_.Go();
+        (void)SetWitness(F_UNLCK);
+    }
+
+    // A record lock on a file of its own: the kernel frees it at the very beginning of a process's end. False
+    // when another process is inside.
+    bool SetWitness(short type) const {
+        struct flock all {};
+        all.l_type = type;
+        return fcntl(witness_, F_SETLK, &all) == 0;
     }
 
     void NoteWait(milliseconds excess) {
@@ -126,61 +100,37 @@ private:
     const std::string& folder_;
     const Locking& locking_;
     Board& board_;
-    const Witness witness_;
-    std::minstd_rand random_;
+    const int witness_ = open((folder_ + "/witness").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    std::minstd_rand random_{static_cast<unsigned>(getpid())};
 };
 
-class Crew {
-public:
-    Crew(const std::string& folder, const Locking& locking, const Plan& plan)
-        : folder_(folder), locking_(locking), shared_(plan.cycles) {
-        for (int i = 0; i < plan.processes; ++i) {
-            pids_.push_back(StartWorker());
+pid_t StartWorker(const std::string& folder, const Locking& locking, Board& board) {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        Worker(folder, locking, board).Work();
+        _exit(0);
+    }
+    return pid;
+}
+
+// Now one who is inside, now anyone; each is replaced. Returns how many.
+int KillSomeUntilDone(std::vector<pid_t>& pids, const Board& board, const std::function<pid_t()>& replace) {
+    std::minstd_rand random;
+    int killed = 0;
+    for (int round = 0; board.cyclesLeft > 0; ++round) {
+        std::this_thread::sleep_for(milliseconds(random() % 20));
+        const pid_t inside = board.inside;
+        const pid_t wanted = round % 2 == 0 ? inside : pids[random() % pids.size()];
+        const auto victim = std::find(pids.begin(), pids.end(), wanted);
+        if (victim != pids.end()) {
+            kill(*victim, SIGKILL);
+            waitpid(*victim, nullptr, 0);
+            ++killed;
+            *victim = replace();
         }
     }
-
-    // Now one who is inside, now anyone; each is replaced.
-    void KillSomeUntilDone() {
-        std::minstd_rand random;
-        for (int round = 0; shared_.Get().cyclesLeft > 0; ++round) {
-            std::this_thread::sleep_for(milliseconds(random() % 20));
-            const pid_t inside = shared_.Get().inside;
-            const pid_t wanted = round % 2 == 0 ? inside : pids_[random() % pids_.size()];
-            const auto victim = std::find(pids_.begin(), pids_.end(), wanted);
-            if (victim != pids_.end()) {
-                kill(*victim, SIGKILL);
-                waitpid(*victim, nullptr, 0);
-                ++killed_;
-                *victim = StartWorker();
-            }
-        }
-    }
-
-    Figures WaitForAll() {
-        for (const pid_t pid : pids_) {
-            waitpid(pid, nullptr, 0);
-        }
-        const Board& board = shared_.Get();
-        return {board.entered, board.timedOut,       killed_, board.overlaps, board.signsMissing,
-                board.late,    board.longestExcessMs};
-    }
-
-private:
-    pid_t StartWorker() {
-        const pid_t pid = fork();
-        if (pid == 0) {
-            Worker(folder_, locking_, shared_.Get()).Work();
-            _exit(0);
-        }
-        return pid;
-    }
-
-    const std::string& folder_;
-    const Locking& locking_;
-    const SharedBoard shared_;
-    std::vector<pid_t> pids_;
-    int killed_ = 0;
-};
+    return killed;
+}
 
 }  // namespace
 
@@ -197,11 +147,17 @@ const Locking kGuarded = {
 };
 
 Figures Run(const std::string& folder, const Locking& locking, const Plan& plan) {
-    Crew crew(folder, locking, plan);
-    if (plan.kill) {
-        crew.KillSomeUntilDone();
+    Board& board = NewBoard();
+    board.cyclesLeft = plan.cycles;
+    const auto start = [&] { return StartWorker(folder, locking, board); };
+    std::vector<pid_t> pids(static_cast<std::size_t>(plan.processes));
+    std::generate(pids.begin(), pids.end(), start);
+    const int killed = plan.kill ? KillSomeUntilDone(pids, board, start) : 0;
+    for (const pid_t pid : pids) {
+        waitpid(pid, nullptr, 0);
     }
-    return crew.WaitForAll();
+    return {board.entered, board.timedOut,       killed, board.overlaps, board.signsMissing,
+            board.late,    board.longestExcessMs};
 }
 
 }  // namespace stress
