@@ -23,11 +23,13 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
-using camvora::EndDaemon;
+using camvora::DaemonLock;
+using camvora::EndDaemons;
 using camvora::StartDaemon;
 using Clock = std::chrono::steady_clock;
 
-constexpr camvora::DaemonEntry kDaemon = {"localdisplayd", 11, -1};
+constexpr camvora::DaemonEntry kDaemon = {"localdisplayd", 11, 12, 11};
+constexpr camvora::DaemonEntry kHelper = {"localdisplayhelperd", 12, -1, 11};
 
 class DaemonProcess : public testing::Test {
 protected:
@@ -72,18 +74,31 @@ TEST_F(DaemonProcess, IsUpWhenTheStartReturnsAndGoneWhenTheEndDoes) {
          {EndCase{"well behaved", 0ms, SIGTERM}, EndCase{"ignores SIGTERM", 300ms, SIGKILL}}) {
         SCOPED_TRACE(row.behaviour);
         const auto places = Places(row.behaviour);
-        EXPECT_TRUE(EndDaemon(places, kDaemon));  // none runs
+        EXPECT_TRUE(EndDaemons(places, {&kDaemon}));  // none runs
         ASSERT_TRUE(StartDaemon(places, kDaemon));
+        folder_.Write("localdisplayd.pid", "1\n");
         const pid_t pid = camvora::ReadyLockHolder(lock_);
         EXPECT_EQ(Running(), pid);
         const auto begin = Clock::now();
-        EXPECT_TRUE(EndDaemon(places, kDaemon));
+        EXPECT_TRUE(EndDaemons(places, {&kDaemon}));
+        EXPECT_FALSE(fs::exists(folder_.PathOf("localdisplayd.pid")));
         EXPECT_GE(Clock::now() - begin, row.atLeast);
         EXPECT_EQ(0, Running());
         int status = 0;
         EXPECT_EQ(pid, waitpid(pid, &status, WNOHANG));
         EXPECT_EQ(row.signal, WTERMSIG(status));
     }
+}
+
+TEST_F(DaemonProcess, EndsTogetherWithItsHelperInTheTimeOfOne) {
+    auto places = Places("ignores SIGTERM");
+    places.endLimit = 1s;
+    ASSERT_TRUE(StartDaemon(places, kDaemon));
+    ASSERT_TRUE(StartDaemon(places, kHelper));
+    const auto begin = Clock::now();
+    EXPECT_TRUE(EndDaemons(places, {&kDaemon, &kHelper}));
+    EXPECT_LT(Clock::now() - begin, 1900ms);
+    EXPECT_EQ(0, camvora::DaemonLockHolder(camvora::DaemonLockFile(folder_.PathOf(""), kHelper.type)));
 }
 
 TEST_F(DaemonProcess, HasNothingOfItsCaller) {
@@ -122,7 +137,7 @@ TEST_F(DaemonProcess, DoesNotRunTwice) {
     const auto places = Places("well behaved");
     ASSERT_TRUE(StartDaemon(places, kDaemon));
     const pid_t first = Running();
-    EXPECT_FALSE(SucceedsInChild([this] { return camvora::HoldDaemonLock(lock_); }));
+    EXPECT_FALSE(SucceedsInChild([this] { return DaemonLock(lock_).Hold(); }));
     EXPECT_FALSE(StartDaemon(places, kDaemon));
     EXPECT_EQ(first, Running());
 }
@@ -131,7 +146,7 @@ TEST_F(DaemonProcess, DoesNotRunTwice) {
 TEST_F(DaemonProcess, IsNotWhatAPidFileNames) {
     Background bystander([] { return true; });
     folder_.Write("localdisplayd.pid", std::to_string(bystander.Pid()) + "\n");
-    EXPECT_TRUE(EndDaemon(Places("well behaved"), kDaemon));
+    EXPECT_TRUE(EndDaemons(Places("well behaved"), {&kDaemon}));
     EXPECT_EQ(0, waitpid(bystander.Pid(), nullptr, WNOHANG));
 }
 
@@ -139,12 +154,13 @@ TEST_F(DaemonProcess, IsNotFoundThroughAFifoOrALink) {
     ASSERT_EQ(0, mkfifo(lock_.c_str(), 0600));
     EXPECT_EQ(0, Running());
     fs::remove(lock_);
-    Background other([this] { return camvora::HoldDaemonLock(folder_.PathOf("other.lock")); });
+    DaemonLock otherLock(folder_.PathOf("other.lock"));
+    Background other([&otherLock] { return otherLock.Hold(); });
     ASSERT_TRUE(other.Worked());
     fs::create_symlink("other.lock", lock_);
     EXPECT_EQ(0, Running());
     fs::create_symlink("none yet", folder_.PathOf("link"));
-    EXPECT_FALSE(SucceedsInChild([this] { return camvora::HoldDaemonLock(folder_.PathOf("link")); }));
+    EXPECT_FALSE(SucceedsInChild([this] { return DaemonLock(folder_.PathOf("link")).Hold(); }));
 }
 
 }  // namespace

@@ -83,17 +83,27 @@ TEST_F(Records, OldNotificationsGoAndTheirIdsAreNotUsedAgain) {
     EXPECT_EQ(camvora::kNotificationsKept + 6, camvora::LastNotificationId(database_));
 }
 
-TEST_F(Records, OperationsCarryTheRequestAndOldOnesGo) {
+TEST_F(Records, OperationsComeBackWholeAndOldOnesGo) {
     SQLite::Transaction transaction(database_);
     for (int i = 0; i < camvora::kOperationsKept + 1; ++i) {
-        camvora::AddOperation(database_, {0x133000B5, 1LL << 40, {"Local Display", "started", ""}});
+        camvora::AddOperation(database_, 0x133000B5, 1LL << 40, {std::to_string(i), "started", ""});
     }
-    EXPECT_EQ(camvora::kOperationsKept,
-              database_
-                  .execAndGet("SELECT count(*) FROM operation_log WHERE request = 'r-1'"
-                              " AND event = 321913013 AND number = 1099511627776"
-                              " AND text1 = 'Local Display' AND text2 = 'started' AND text3 = ''")
-                  .getInt());
+    camvora::SetRequestId("r-2");
+    camvora::AddOperation(database_, 1, -1, {"x", "", ""});
+    const long long last = camvora::LastOperationId(database_);
+    EXPECT_EQ(camvora::kOperationsKept + 2, last);
+    const auto all = camvora::OperationsAfter(database_, 0, "", 2 * camvora::kOperationsKept);
+    ASSERT_EQ(static_cast<std::size_t>(camvora::kOperationsKept), all.size());
+    EXPECT_EQ(3, all[0].id);
+    EXPECT_EQ("r-1", all[0].requestId);
+    EXPECT_EQ(0x133000B5, all[0].event);
+    EXPECT_EQ(1LL << 40, all[0].number);
+    EXPECT_EQ((std::array<std::string, 3>{"2", "started", ""}), all[0].texts);
+    const auto ofRequest = camvora::OperationsAfter(database_, 0, "r-2", 10);
+    ASSERT_EQ(1U, ofRequest.size());
+    EXPECT_EQ(last, ofRequest[0].id);
+    EXPECT_EQ(2U, camvora::OperationsAfter(database_, last - 5, "", 2).size());
+    EXPECT_TRUE(camvora::OperationsAfter(database_, last, "", 10).empty());
 }
 
 }  // namespace

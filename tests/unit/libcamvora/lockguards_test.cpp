@@ -80,11 +80,11 @@ TEST_F(LockGuards, AreSweptWhereNobodyIs) {
     for (const std::string& path : {lock_, folder_.PathOf("cv_addons_lock")}) {
         EXPECT_TRUE(SucceedsInChild([&] { return EnterGuarded(guards_, path, Clock::now()) >= 0; }));
     }
-    for (const char* name : {"cv_x.pid", "cv_held.pid", "cv_other.lock"}) {
+    for (const char* name : {"cv_x.pid", "cv_x.pid.new", "cv_held.pid", "cv_other.lock"}) {
         folder_.Write(name, "1");
     }
     camvora::SweepLockFiles(guards_);
-    for (const char* name : {"cv_x.lock", "cv_x.pid", "cv_addons_lock"}) {
+    for (const char* name : {"cv_x.lock", "cv_x.pid", "cv_x.pid.new", "cv_addons_lock"}) {
         EXPECT_FALSE(Exists(name)) << name;
     }
     for (const char* name : {"cv_held.lock", "cv_held.pid", "cv_other.lock"}) {

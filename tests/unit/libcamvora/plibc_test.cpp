@@ -100,7 +100,7 @@ TEST_F(PidFile, ReplacesWhatLiesThereAndLeavesNothingElse) {
     const std::string own = std::to_string(getpid());
     folder_.Write("other", "untouched");
     fs::create_symlink("other", path_);
-    folder_.Write("cv_x.pid." + own, "rests of a killed writer that had our number");
+    folder_.Write("cv_x.pid.new", "rests of a killed writer");
     EXPECT_EQ(0, PLIBCProcPidFileCreate(path_.c_str()));
     EXPECT_EQ(own + "\n", folder_.Read("cv_x.pid"));
     EXPECT_EQ("untouched", folder_.Read("other"));

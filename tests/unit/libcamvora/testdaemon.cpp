@@ -10,14 +10,14 @@
 
 int main(int, char** argv) {
     const std::string behaviour = argv[2];
-    const std::string lock = camvora::DaemonLockFile(argv[1], std::atoi(argv[3]));
-    if (behaviour == "ends at once" || !camvora::HoldDaemonLock(lock)) {
+    camvora::DaemonLock lock(camvora::DaemonLockFile(argv[1], std::atoi(argv[3])));
+    if (behaviour == "ends at once" || !lock.Hold()) {
         return EXIT_FAILURE;
     }
     if (behaviour == "ignores SIGTERM") {
         (void)signal(SIGTERM, SIG_IGN);
     }
-    if (behaviour != "never comes up" && !camvora::HoldReadyLock(lock)) {
+    if (behaviour != "never comes up" && !lock.HoldReady()) {
         return EXIT_FAILURE;
     }
     for (;;) {
