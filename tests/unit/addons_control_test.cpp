@@ -29,22 +29,20 @@ Steps Join(const std::vector<Steps>& parts) {
     return all;
 }
 
-// One action of a service without a strategy, under its lock, in a process at `depth` that has forked
-// `child` - 1 times before.
+// One action of a service under its lock, in a process at `depth` that has forked `child` - 1 times before.
 Steps Action(const std::string& service, const std::string& action, const std::string& depth,
-             const Steps& announced, int child = 1) {
+             const Steps& announced, int child = 1, const Steps& strategy = {}) {
     const std::string file = "/tmp/cv_name" + service;
     const Steps begin = {"GetServiceStr " + service,
                          "BeginCriticalSection " + file + ".lock 3000",
                          "GetServiceStr " + service,
                          "fork",
                          "> PLIBCProcPidFileCreate " + file + ".pid",
-                         "> ChangeServiceStatus " + service + " 4",
-                         "> ChangeServiceStatus " + service + " " + action,
-                         "> _exit 0",
-                         "waitpid child" + std::to_string(child),
-                         "RemoveFileIfExist " + file + ".pid"};
-    Steps steps = Join({begin, announced, {"EndCriticalSection 0", "RemoveFileIfExist " + file + ".lock"}});
+                         "> ChangeServiceStatus " + service + " 4"};
+    const Steps end = {"> ChangeServiceStatus " + service + " " + action, "> _exit 0",
+                       "waitpid child" + std::to_string(child), "RemoveFileIfExist " + file + ".pid"};
+    Steps steps = Join(
+        {begin, strategy, end, announced, {"EndCriticalSection 0", "RemoveFileIfExist " + file + ".lock"}});
     for (std::string& step : steps) {
         step.insert(0, depth);
     }
@@ -179,6 +177,8 @@ const RestartCase kRestartCases[] = {
     {"start_fails", R"({"service":4})", RefuseSecondLock,
      Join({Action("4", "0", "", {}), LockRefused("4"), RestartFailure("Failed to start service control."),
            kFailed})},
+    {"display", R"({"service":6})", nullptr,
+     Join({kResetDisplay, Action("6", "1", "", {}, 1, {"> DaemonCtrl::Run 11"}), kDone})},
     {"display_start_fails", R"({"service":6})", RefuseLock,
      Join({kResetDisplay, LockRefused("6"), RestartFailure("Failed to start service control."), kFailed})},
     {"display_daemon_unknown", R"({"service":6})", KnowNoDaemon,

@@ -184,8 +184,10 @@ INSTANTIATE_TEST_SUITE_P(, Action, testing::ValuesIn(kActionCases),
 TEST(AddOns, LeavesTheStatusInProgressWhenTheStrategyFails) {
     const fake::Session session;
     fake::Answer("WebUIOptions::Apply", 1);
-    EXPECT_EQ(-1, AddOns(ADDON_SERVICE_CMS).RunActionControl(CONTROL_ACTION_STOP));
+    EXPECT_EQ(-1, AddOns(ADDON_SERVICE_CMS).ExecServiceControl(CONTROL_ACTION_STOP, true));
     const Steps steps = {
+        "GetServiceStr 2",
+        "BeginCriticalSection /tmp/cv_name2.lock 3000",
         "GetServiceStr 2",
         "fork",
         "> PLIBCProcPidFileCreate /tmp/cv_name2.pid",
@@ -197,7 +199,11 @@ TEST(AddOns, LeavesTheStatusInProgressWhenTheStrategyFails) {
         R"(> CVPrintf 0 null null addonsservice RunActionControl 'Failed to run action control.\n')",
         "> _exit -1",
         "waitpid child1"};
-    EXPECT_EQ(fake::Lines(Join({steps, kNotExecuted, {"RemoveFileIfExist /tmp/cv_name2.pid"}})),
+    EXPECT_EQ(fake::Lines(Join({steps,
+                                kNotExecuted,
+                                {"RemoveFileIfExist /tmp/cv_name2.pid"},
+                                kFailed,
+                                {"EndCriticalSection 0", "RemoveFileIfExist /tmp/cv_name2.lock"}})),
               JournalWithoutErrno());
 }
 
