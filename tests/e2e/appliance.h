@@ -3,10 +3,14 @@
 #pragma once
 
 #include "e2e/httpcalls.h"
+#include "support/program.h"
+#include "support/temporaryfolder.h"
 
+#include <gtest/gtest.h>
 #include <sys/types.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -49,24 +53,33 @@ public:
     // Waits until that many requests are being served. Returns false when that does not come about.
     bool WaitForRequests(std::size_t count) const;
 
-    // Processes of the host: the supervisor, and the two that it starts.
+    // Processes of the host: the supervisor, and the two that it starts. -1 where there is none.
     pid_t Supervisor() const;
     pid_t RequestServer() const;
     pid_t HttpProcess() const;
 
 private:
     void LayOut() const;
-    void Start(const std::vector<std::string>& hostOptions);
     void WaitUntilServing();
-    std::vector<pid_t> HostProcesses() const;
 
-    std::filesystem::path folder_;
-    pid_t launcher_ = -1;
+    TemporaryFolder folder_;
+    std::unique_ptr<Program> launcher_;  // until its end
+    std::string errors_;                 // of the launcher, after its end
     std::string url_;
     std::string token_;
 };
 
-// The whole file as text, empty when it cannot be read.
-std::string ReadFile(const std::filesystem::path& path);
+// Tests that share the appliance which their suite starts.
+class ApplianceTest : public testing::Test {
+protected:
+    static void Start(const std::vector<std::string>& hostOptions = {}) {
+        appliance_ = std::make_unique<Appliance>(hostOptions);
+    }
+    static void TearDownTestSuite() { appliance_.reset(); }
+
+    inline static std::unique_ptr<Appliance> appliance_;
+    HttpCalls owner_ = appliance_->Owner();
+    HttpCalls stranger_ = appliance_->Stranger();
+};
 
 }  // namespace e2e

@@ -3,12 +3,9 @@
 #include "e2e/processes.h"
 #include "e2e/rawconnection.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <csignal>
 #include <future>
-#include <memory>
 #include <stdexcept>
 
 namespace e2e {
@@ -16,50 +13,51 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-std::future<Answer> CallInBackground(const Appliance& appliance, const std::string& method,
-                                     const Json::Value& params = Json::Value(Json::objectValue)) {
+std::future<Answer> CallInBackground(const Appliance& appliance, const std::string& method, int ms = 0) {
     EXPECT_TRUE(appliance.WaitForRequests(0));
-    auto call = std::async(std::launch::async,
-                           [client = std::make_shared<HttpCalls>(appliance.Url(), appliance.Token()), method,
-                            params] { return client->Test(method, params); });
+    auto call = std::async(std::launch::async, [&appliance, method, ms] {
+        return appliance.Owner().Test(method, Param("ms", ms));
+    });
     EXPECT_TRUE(appliance.WaitForRequests(1));
     return call;
 }
 
-TEST(LifecycleTest, TheRequestServerIsStartedAgain) {
-    Appliance appliance(Appliance::WithTestModule());
-    HttpCalls owner = appliance.Owner();
-    ASSERT_EQ(200, owner.Get("/health").status);
-    auto running = CallInBackground(appliance, "Hang");
-    const pid_t killed = appliance.RequestServer();
+class LifecycleTest : public ApplianceTest {
+protected:
+    static void SetUpTestSuite() { Start(Appliance::WithTestModule()); }
+    void SetUp() override { ASSERT_EQ(200, owner_.Get("/health").status); }
+
+    void ExpectHealthSoon() {
+        EXPECT_TRUE(WaitUntil([this] { return owner_.Get("/health").status == 200; }));
+    }
+};
+
+TEST_F(LifecycleTest, TheRequestServerIsStartedAgain) {
+    auto running = CallInBackground(*appliance_, "Hang");
+    const pid_t killed = appliance_->RequestServer();
     kill(killed, SIGKILL);
     const Answer answer = running.get();
     EXPECT_EQ(503, answer.status);
     EXPECT_EQ(1015, answer.Code());
-    EXPECT_TRUE(WaitUntil([&] { return owner.Get("/health").status == 200; }));
-    EXPECT_TRUE(owner.Test("Echo").Succeeded());
-    EXPECT_NE(killed, appliance.RequestServer());
+    ExpectHealthSoon();
+    EXPECT_TRUE(owner_.Test("Echo").Succeeded());
+    EXPECT_NE(killed, appliance_->RequestServer());
 }
 
-TEST(LifecycleTest, HealthFailsWhileRequestsAreNotServed) {
-    Appliance appliance(Appliance::WithTestModule());
-    HttpCalls owner = appliance.Owner();
-    ASSERT_EQ(200, owner.Get("/health").status);
-    const pid_t requestServer = appliance.RequestServer();
+TEST_F(LifecycleTest, HealthFailsWhileRequestsAreNotServed) {
+    const pid_t requestServer = appliance_->RequestServer();
     kill(requestServer, SIGSTOP);
-    EXPECT_EQ(503, owner.Get("/health").status);
+    EXPECT_EQ(503, owner_.Get("/health").status);
     kill(requestServer, SIGCONT);
-    EXPECT_EQ(200, owner.Get("/health").status);
+    EXPECT_EQ(200, owner_.Get("/health").status);
 }
 
-TEST(LifecycleTest, TheHttpServerIsStartedAgainAtTheSameAddress) {
-    Appliance appliance(Appliance::WithTestModule());
-    ASSERT_EQ(200, appliance.Owner().Get("/health").status);
-    kill(appliance.HttpProcess(), SIGKILL);
-    EXPECT_TRUE(WaitUntil([&] { return appliance.Owner().Get("/health").status == 200; }));
+TEST_F(LifecycleTest, TheHttpServerIsStartedAgainAtTheSameAddress) {
+    kill(appliance_->HttpProcess(), SIGKILL);
+    ExpectHealthSoon();
 }
 
-TEST(LifecycleTest, ItGivesUpWhenAProcessKeepsFailing) {
+TEST(HostEndTest, ItGivesUpWhenAProcessKeepsFailing) {
     Appliance appliance(Appliance::WithTestModule());
     ASSERT_EQ(200, appliance.Owner().Get("/health").status);
     const auto hasGivenUp = [&] {
@@ -73,26 +71,23 @@ TEST(LifecycleTest, ItGivesUpWhenAProcessKeepsFailing) {
     EXPECT_NE(0, appliance.WaitForEnd());
 }
 
-TEST(LifecycleTest, StopLetsRequestsFinish) {
+TEST(HostEndTest, StopLetsARequestFinishAndEndsBusyConnectionsAndStreams) {
     Appliance appliance(Appliance::WithTestModule());
-    auto running = CallInBackground(appliance, "Sleep", Param("ms", 1000));
-    appliance.Stop();
-    EXPECT_EQ(200, running.get().status);
-}
-
-TEST(LifecycleTest, StopEndsBusyConnections) {
-    Appliance appliance(Appliance::WithTestModule());
-    RawConnection connection(appliance.Url());
+    RawConnection stream = OpenStream(appliance.Url(), appliance.Token());
+    EXPECT_NE("", stream.ReceiveUntil("event: snapshot"));
+    auto running = CallInBackground(appliance, "Sleep", 2000);
+    RawConnection busy(appliance.Url());
     for (int i = 0; i < 50; ++i) {
-        connection.Send(PostText("Sleep", R"({"ms":500})"));
+        busy.Send(PostText("Sleep", R"({"ms":500})"));
     }
-    EXPECT_NE("", connection.ReceiveUntil("}"));
+    EXPECT_NE("", busy.ReceiveUntil("}"));
     const auto begin = Clock::now();
     appliance.Stop();
     EXPECT_LT(Clock::now() - begin, std::chrono::seconds(5));
+    EXPECT_EQ(200, running.get().status);
 }
 
-TEST(LifecycleTest, StopDoesNotWaitForEver) {
+TEST(HostEndTest, StopDoesNotWaitForEver) {
     Appliance appliance(Appliance::WithTestModule({"--drain-time", "1"}));
     Json::Value params = Param("path", "/var/packages/Camvora/never");
     params["ms"] = 600'000;
@@ -104,10 +99,10 @@ TEST(LifecycleTest, StopDoesNotWaitForEver) {
     EXPECT_NE(200, running.get().status);
 }
 
-TEST(LifecycleTest, AModuleThatCannotBeLoadedIsAnError) {
-    EXPECT_THROW(Appliance({"--module", "/nowhere/Module.so"}), std::runtime_error);
-    EXPECT_THROW(Appliance({"--module", "/var/packages/Camvora/target/lib/libcamvora.so"}),
-                 std::runtime_error);
+TEST(HostEndTest, AModuleThatCannotBeLoadedIsAnError) {
+    for (const char* module : {"/nowhere/Module.so", "/var/packages/Camvora/target/lib/libcamvora.so"}) {
+        EXPECT_THROW(Appliance({"--module", module}), std::runtime_error) << module;
+    }
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include "e2e/processes.h"
 
-#include <filesystem>
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <thread>
@@ -39,12 +39,14 @@ std::string StatusOf(pid_t pid, const std::string& key) {
 
 }  // namespace
 
-std::vector<pid_t> Descendants(pid_t ancestor) {
-    std::vector<pid_t> found = ChildrenOf(ancestor);
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        const std::vector<pid_t> below = ChildrenOf(found[i]);
-        found.insert(found.end(), below.begin(), below.end());
+std::vector<pid_t> Descendants(pid_t ancestor, const std::function<bool(pid_t)>& isSo) {
+    std::vector<pid_t> all = ChildrenOf(ancestor);
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const std::vector<pid_t> below = ChildrenOf(all[i]);
+        all.insert(all.end(), below.begin(), below.end());
     }
+    std::vector<pid_t> found;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(found), isSo);
     return found;
 }
 
@@ -78,6 +80,11 @@ bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return true;
+}
+
+std::string ReadFile(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 }  // namespace e2e

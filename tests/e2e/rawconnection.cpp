@@ -65,12 +65,17 @@ std::string RawConnection::ReceiveUntil(const std::string& mark) {
     return text;
 }
 
-std::string RawConnection::ReceiveAll(bool& isAtEnd) {
+std::string RawConnection::ReceiveAll() {
     std::string text;
     while (Receive(text)) {
     }
-    isAtEnd = isAtEnd_;
     return text;
+}
+
+RawConnection OpenStream(const std::string& url, const std::string& token, const std::string& headers) {
+    RawConnection stream(url);
+    stream.Send("GET /events HTTP/1.1\r\nAuthorization: Bearer " + token + "\r\n" + headers + "\r\n");
+    return stream;
 }
 
 std::string PostText(const std::string& method, const std::string& body) {

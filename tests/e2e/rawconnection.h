@@ -19,8 +19,11 @@ public:
     // What the host has sent until `mark` has come, the connection has ended or nothing came for a while.
     std::string ReceiveUntil(const std::string& mark);
 
-    // Everything until the host ends the connection. `isAtEnd` is false when it does not.
-    std::string ReceiveAll(bool& isAtEnd);
+    // The same with no mark.
+    std::string ReceiveAll();
+
+    // True when the host has ended the connection.
+    bool IsAtEnd() const { return isAtEnd_; }
 
 private:
     bool Receive(std::string& text);
@@ -28,6 +31,9 @@ private:
     int socket_;
     bool isAtEnd_ = false;
 };
+
+// Opens a stream of events with the token; `headers` has the line ends in it.
+RawConnection OpenStream(const std::string& url, const std::string& token, const std::string& headers = "");
 
 // A POST of the test module's method with `body`, as text.
 std::string PostText(const std::string& method, const std::string& body);

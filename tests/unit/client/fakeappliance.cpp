@@ -1,32 +1,43 @@
 #include "fakeappliance.h"
 
+#include <chrono>
+#include <iterator>
 #include <sstream>
 #include <utility>
 
 namespace {
 
+constexpr std::chrono::milliseconds kPause{20};
+const std::string kMethodPath = "POST /api/ORVA.Camvora.AddOns/v1/";
+
+const FakeReply kNoSuchMethod = {
+    404, R"({"success":false,"error":{"code":1003,"data":{"text":"no such method"}}})"};
+
 std::vector<std::string> Words(const std::string& line) {
     std::istringstream stream(line);
-    std::vector<std::string> words;
-    for (std::string word; stream >> word;) {
-        words.push_back(word);
-    }
-    return words;
+    return {std::istream_iterator<std::string>(stream), {}};
 }
 
-std::string WithoutUrl(std::string text, const std::string& url) {
-    const std::size_t at = text.find(url);
-    return at == std::string::npos ? text : text.replace(at, url.size(), "URL");
+std::string NameOf(const httplib::Request& request) {
+    const std::string name = request.method + " " + request.target;
+    return name.rfind(kMethodPath, 0) == 0 ? name.substr(kMethodPath.size()) : name;
+}
+
+void SendEndlessly(httplib::Response& response, const std::string& piece, const std::string& type) {
+    response.set_chunked_content_provider(type, [piece](std::size_t, httplib::DataSink& sink) {
+        std::this_thread::sleep_for(kPause);
+        return sink.write(piece.data(), piece.size());
+    });
 }
 
 }  // namespace
 
 FakeReply Success(const std::string& data) {
-    return {200, R"({"success":true,"data":)" + data + "}", "r1", false};
+    return {200, R"({"success":true,"data":)" + data + "}", "r1"};
 }
 
 FakeReply Error(int httpStatus, const std::string& error) {
-    return {httpStatus, R"({"success":false,"error":)" + error + "}", "r1", false};
+    return {httpStatus, R"({"success":false,"error":)" + error + "}", "r1"};
 }
 
 FakeReply InTurn(const std::vector<FakeReply>& replies) {
@@ -35,18 +46,66 @@ FakeReply InTurn(const std::vector<FakeReply>& replies) {
     return first;
 }
 
-FakeAppliance::FakeAppliance(std::map<std::string, FakeReply> replies) : host_(std::move(replies)) {
+Program StartClient(const std::string& line, const std::vector<std::string>& environment, int outDescriptor) {
+    return Program(Words(CAMVORACTL " " + line), environment, outDescriptor);
+}
+
+FakeAppliance::FakeAppliance(FakeReplies replies) : replies_(std::move(replies)) {
+    const auto answer = [this](const auto& request, auto& response) { Answer(request, response); };
+    server_.Get(".*", answer);
+    server_.Post(".*", answer);
+    const int port = server_.bind_to_any_port("127.0.0.1");
     dir_.Write("token", "secret\n");
-    dir_.Write(kAddressFile, host_.Url() + "\n");
+    dir_.Write(kAddressFile, "http://127.0.0.1:" + std::to_string(port) + "\n");
+    thread_ = std::thread([this] { server_.listen_after_bind(); });
+    while (!server_.is_running()) {
+        std::this_thread::sleep_for(kPause);
+    }
 }
 
-Outcome FakeAppliance::Run(const std::string& line) const {
-    Outcome outcome = Start(line).Wait();
-    outcome.out = WithoutUrl(outcome.out, host_.Url());
-    outcome.err = WithoutUrl(outcome.err, host_.Url());
-    return outcome;
+FakeAppliance::~FakeAppliance() {
+    server_.stop();
+    thread_.join();
 }
 
-ProgramRun FakeAppliance::Start(const std::string& line) const {
-    return ProgramRun(Words(line), {"TZ=UTC", "CAMVORA_DIR=" + Dir()});
+Program FakeAppliance::Start(const std::string& line, int outDescriptor) const {
+    return StartClient(line, {"TZ=UTC", "CAMVORA_DIR=" + dir_.Path()}, outDescriptor);
+}
+
+std::vector<std::string> FakeAppliance::Requests() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return requests_;
+}
+
+void FakeAppliance::AwaitRequests(std::size_t count) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    arrived_.wait(lock, [&] { return requests_.size() >= count; });
+}
+
+FakeReply FakeAppliance::TakeReply(const httplib::Request& request) {
+    const std::string name = NameOf(request);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    requests_.push_back(name + " " + request.get_header_value("Authorization") + " " + request.body +
+                        request.get_header_value("Last-Event-ID"));
+    arrived_.notify_all();
+    const auto found = replies_.find(name);
+    if (found == replies_.end()) {
+        return kNoSuchMethod;
+    }
+    FakeReply reply = found->second;
+    if (!reply.next.empty()) {
+        found->second = InTurn(reply.next);
+    }
+    return reply;
+}
+
+void FakeAppliance::Answer(const httplib::Request& request, httplib::Response& response) {
+    const FakeReply reply = TakeReply(request);
+    response.status = reply.status;
+    response.set_header("X-Request-Id", reply.requestId);
+    if (reply.isEndless) {
+        SendEndlessly(response, reply.body, reply.type);
+    } else {
+        response.set_content(reply.body, reply.type);
+    }
 }

@@ -1,27 +1,32 @@
-// An appliance's folder and host, and camvoractl run against them.
+// Plays the appliance, over HTTP and with a folder: answers what a test wants, well-formed or not.
 #pragma once
 
-#include "fakehost.h"
-#include "programrun.h"
+#include "support/program.h"
 #include "support/temporaryfolder.h"
 
+#include <httplib.h>
+
+#include <condition_variable>
 #include <map>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 // The name of the address file below an appliance's folder.
 inline constexpr char kAddressFile[] = "var/packages/Camvora/target/@CVData/run/address";
 
-inline constexpr char kList[] = "POST /api/ORVA.Camvora.AddOns/v1/List";
-inline constexpr char kGetInfo[] = "POST /api/ORVA.Camvora.AddOns/v1/GetInfo";
-inline constexpr char kGetApps[] = "POST /api/ORVA.Camvora.AddOns/v1/GetAppsStatus";
-inline constexpr char kRestart[] = "POST /api/ORVA.Camvora.AddOns/v1/Restart";
-inline constexpr char kEnable[] = "POST /api/ORVA.Camvora.AddOns/v1/Enable";
-inline constexpr char kDisable[] = "POST /api/ORVA.Camvora.AddOns/v1/Disable";
-inline constexpr char kCheckDone[] = "POST /api/ORVA.Camvora.AddOns/v1/CheckEnableDone";
-inline constexpr char kEvents[] = "GET /events";
-inline constexpr char kMethods[] = "GET /api";
+// The log of the request that "Success" and "Error" answer.
 inline constexpr char kLog[] = "GET /log?request=r1";
+
+struct FakeReply {
+    int status = 200;
+    std::string body;
+    std::string requestId = "";
+    bool isEndless = false;  // the body repeats, slowly, as long as somebody listens
+    std::string type = "application/json";
+    std::vector<FakeReply> next = {};  // to the same request again; the last one stays
+};
 
 // The reply of request "r1" with that JSON as its data, or as its error.
 FakeReply Success(const std::string& data);
@@ -30,22 +35,44 @@ FakeReply Error(int httpStatus, const std::string& error);
 // These replies one after the other; there is at least one.
 FakeReply InTurn(const std::vector<FakeReply>& replies);
 
+// By the method of the module, or by "METHOD /path?query". Everything else is a 404.
+using FakeReplies = std::map<std::string, FakeReply>;
+
+// Starts camvoractl; `line` is split at blanks.
+//   environment, outDescriptor  as in Program
+Program StartClient(const std::string& line, const std::vector<std::string>& environment = {},
+                    int outDescriptor = -1);
+
+// Listens on a free loopback port while it lives. The token is "secret".
 class FakeAppliance {
 public:
-    // The token is "secret".
-    explicit FakeAppliance(std::map<std::string, FakeReply> replies);
+    explicit FakeAppliance(FakeReplies replies);
+    ~FakeAppliance();
+    FakeAppliance(const FakeAppliance&) = delete;
+    FakeAppliance& operator=(const FakeAppliance&) = delete;
 
-    const std::string& Dir() const { return dir_.Path(); }
-    FakeHost& Host() { return host_; }
+    // The same in UTC, with CAMVORA_DIR naming this appliance.
+    Program Start(const std::string& line, int outDescriptor = -1) const;
 
-    // Runs camvoractl in UTC, with CAMVORA_DIR naming this appliance; `line` is split at blanks. In what the
-    // program writes, the host's address is replaced by "URL".
-    Outcome Run(const std::string& line) const;
+    // The same until its end.
+    Outcome Run(const std::string& line) const { return Start(line).Wait(); }
 
-    // Starts it in the same way.
-    ProgramRun Start(const std::string& line) const;
+    // What arrived so far, one text each: the request named as above, "Authorization", and the body or the
+    // "Last-Event-ID", with blanks between.
+    std::vector<std::string> Requests();
+
+    // Returns when so many requests have arrived.
+    void AwaitRequests(std::size_t count);
 
 private:
-    FakeHost host_;
+    void Answer(const httplib::Request& request, httplib::Response& response);
+    FakeReply TakeReply(const httplib::Request& request);
+
+    FakeReplies replies_;
+    std::mutex mutex_;
+    std::condition_variable arrived_;
+    std::vector<std::string> requests_;
     TemporaryFolder dir_;
+    httplib::Server server_;
+    std::thread thread_;
 };

@@ -9,24 +9,20 @@
 namespace client {
 namespace {
 
-// Three appliances' worth of places to look in; each row says which of them count.
+// Places to look in; each test says which of them counts.
 class LocationTest : public testing::Test {
 protected:
     LocationTest() {
-        dir_.Write("token", "folder-token\n");
-        dir_.Write(kAddressFile, "http://127.0.0.1:1111\n");
-        other_.Write("token", "other-token\n");
-        other_.Write(kAddressFile, "http://127.0.0.1:2222\n");
-        empty_.Write("mine.txt", "  \r\n");
-        other_.Write("mine.txt", "my-token \r\nsecond line\n");
+        folder_.Write("token", "folder-token\n");
+        folder_.Write(kAddressFile, "http://127.0.0.1:1111\n");
+        otherFolder_.Write("token", "other-token\n");
+        otherFolder_.Write(kAddressFile, "http://127.0.0.1:2222\n");
+        emptyFolder_.Write("blank.txt", "  \r\n");
+        emptyFolder_.Write("mine.txt", "my-token \r\nsecond line\n");
     }
 
-    const std::string& Dir() const { return dir_.Path(); }
-    const std::string& Other() const { return other_.Path(); }
-    const std::string& Empty() const { return empty_.Path(); }
-
     static void ExpectFailure(ExitStatus status, const std::string& text, const LocationOptions& options,
-                              const std::string& programDir) {
+                              const std::string& programDir = "") {
         try {
             Locate(options, programDir);
             ADD_FAILURE() << "was found instead of: " << text;
@@ -36,45 +32,46 @@ protected:
         }
     }
 
-private:
-    TemporaryFolder dir_;
-    TemporaryFolder other_;
-    TemporaryFolder empty_;
+    TemporaryFolder folder_;
+    TemporaryFolder otherFolder_;
+    TemporaryFolder emptyFolder_;
+    const std::string& dir_ = folder_.Path();
+    const std::string& other_ = otherFolder_.Path();
+    const std::string& empty_ = emptyFolder_.Path();
 };
 
 TEST_F(LocationTest, NamedFolderComesBeforeTheProgramsOwn) {
-    const Location named = Locate({Dir(), "", ""}, Other());
+    const Location named = Locate({dir_, "", ""}, other_);
     EXPECT_EQ("http://127.0.0.1:1111", named.url);
     EXPECT_EQ("folder-token", named.token);
-    EXPECT_EQ("start it with " + Dir() + "/launch", named.hint);
-    EXPECT_EQ("other-token", Locate({}, Other()).token);
+    EXPECT_EQ("other-token", Locate({}, other_).token);
 }
 
 TEST_F(LocationTest, AddressAndTokenAreReplacedOneByOne) {
-    const Location moved = Locate({Dir(), "http://[::1]:80/", ""}, "");
+    const Location moved = Locate({dir_, "http://[::1]:80/", ""}, "");
     EXPECT_EQ("http://[::1]:80", moved.url);
     EXPECT_EQ("folder-token", moved.token);
-    const Location opened = Locate({Dir(), "", Other() + "/mine.txt"}, "");
+    const Location opened = Locate({dir_, "", empty_ + "/mine.txt"}, "");
     EXPECT_EQ("http://127.0.0.1:1111", opened.url);
     EXPECT_EQ("my-token", opened.token);
-    EXPECT_EQ("", Locate({"", "http://h:1", ""}, Empty()).token);
+    EXPECT_EQ("", Locate({"", "http://h:1", ""}, empty_).token);
 }
 
 TEST_F(LocationTest, SaysWhatIsMissing) {
     ExpectFailure(ExitStatus::kUsage, "Where is the appliance? Give --dir DIR or set CAMVORA_DIR", {},
-                  Empty());
+                  empty_);
     ExpectFailure(ExitStatus::kUnreachable,
-                  "The appliance in " + Empty() + " is not running. Start it with " + Empty() + "/launch",
-                  {Empty(), "", ""}, Other());
+                  "The appliance in " + empty_ + " is not running. Start it with " + empty_ + "/launch",
+                  {empty_, "", ""}, other_);
     ExpectFailure(ExitStatus::kUnreachable, "There is no appliance in /no/such: it is not a folder",
-                  {"/no/such", "", ""}, Other());
+                  {"/no/such", "", ""});
     ExpectFailure(ExitStatus::kNotAuthorised,
-                  "Cannot read the token in " + Empty() + "/token: No such file or directory",
-                  {Empty(), "http://h:1", ""}, "");
-    ExpectFailure(ExitStatus::kNotAuthorised, "There is no token in " + Empty() + "/mine.txt",
-                  {Dir(), "", Empty() + "/mine.txt"}, "");
-    ExpectFailure(ExitStatus::kNotAuthorised, "Cannot read the token in " + Dir() + ": Is a directory",
-                  {Dir(), "", Dir()}, "");
+                  "Cannot read the token in " + empty_ + "/token: No such file or directory",
+                  {empty_, "http://h:1", ""});
+    ExpectFailure(ExitStatus::kNotAuthorised, "There is no token in " + empty_ + "/blank.txt",
+                  {dir_, "", empty_ + "/blank.txt"});
+    ExpectFailure(ExitStatus::kNotAuthorised, "Cannot read the token in " + dir_ + ": Is a directory",
+                  {dir_, "", dir_});
 }
 
 TEST_F(LocationTest, TakesOnlyPlainHttpAddresses) {
@@ -82,7 +79,7 @@ TEST_F(LocationTest, TakesOnlyPlainHttpAddresses) {
                             "http://h:123456", "http://h h:1", "http://h:1\r\nX: y"}) {
         ExpectFailure(ExitStatus::kUsage,
                       "\"" + std::string(url) + "\" is not an address of the form http://HOST:PORT",
-                      {Dir(), url, ""}, "");
+                      {dir_, url, ""});
     }
 }
 

@@ -12,11 +12,6 @@ const std::vector<Service> kServices = {
     {1, "device_pack"}, {2, "cms"}, {3, "service3"}, {4, "service4"}, {6, "local_display"},
 };
 
-TEST(ServicesTest, FindsByExactShortName) {
-    EXPECT_EQ(1, FindByName(kServices, "device_pack").number);
-    EXPECT_EQ(6, FindByName(kServices, "local_display").number);
-}
-
 struct TypoCase {
     const char* name;
     const char* typed;

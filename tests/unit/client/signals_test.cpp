@@ -1,21 +1,19 @@
-// How the program ends when somebody ends it.
-#include "fakehost.h"
-#include "programrun.h"
+// How the program ends when somebody ends it, or stops to take what it writes.
+#include "fakeappliance.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <csignal>
+
 namespace {
 
-const FakeReply kSuccess = {200, R"({"success":true,"data":{"list":[]}})", "", false};
-constexpr char kList[] = "POST /api/ORVA.Camvora.AddOns/v1/List";
-
 TEST(SignalsTest, InterruptEndsItWithNothingWritten) {
-    FakeHost host({{kList, {200, "{", "", true}}});
-    ProgramRun run({"--url", host.Url(), "--json", "list"});
-    host.AwaitRequests(1);
-    run.Interrupt();
+    FakeAppliance appliance({{"List", {200, "{", "", true}}});
+    const Program run = appliance.Start("list --json");
+    appliance.AwaitRequests(1);
+    kill(run.Pid(), SIGINT);
     const Outcome outcome = run.Wait();
     EXPECT_EQ(130, outcome.status);
     EXPECT_EQ("", outcome.out);
@@ -23,21 +21,25 @@ TEST(SignalsTest, InterruptEndsItWithNothingWritten) {
 }
 
 TEST(SignalsTest, ReaderThatIsGoneEndsItQuietly) {
-    const FakeHost host({{kList, kSuccess}});
+    const FakeAppliance appliance(
+        {{"List", Success(R"({"list":[]})")},
+         {"GET /events", {200, ": still here\n\n", "", true, "text/event-stream"}}});
     int ends[2];
     ASSERT_EQ(0, pipe2(ends, O_CLOEXEC));
     close(ends[0]);
-    const Outcome outcome = ProgramRun({"--url", host.Url(), "list"}, {}, ends[1]).Wait();
+    for (const char* line : {"list", "events"}) {
+        const Outcome outcome = appliance.Start(line, ends[1]).Wait();
+        EXPECT_EQ(0, outcome.status) << line;
+        EXPECT_EQ("", outcome.err) << line;
+    }
     close(ends[1]);
-    EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("", outcome.err);
 }
 
 TEST(SignalsTest, FullDiskIsAFailure) {
-    const FakeHost host({{kList, kSuccess}});
+    const FakeAppliance appliance({{"List", Success(R"({"list":[]})")}});
     const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
-    for (const char* form : {"--json", "--timeout=9"}) {
-        const Outcome outcome = ProgramRun({"--url", host.Url(), "list", form}, {}, full).Wait();
+    for (const char* line : {"list", "list --json"}) {
+        const Outcome outcome = appliance.Start(line, full).Wait();
         EXPECT_EQ(1, outcome.status);
         EXPECT_EQ("camvoractl: Cannot write the outcome: No space left on device\n", outcome.err);
     }

@@ -26,9 +26,5 @@ TEST(TableTest, KeepsARowOnItsLineWhateverItsCellsHold) {
         table.Text());
 }
 
-TEST(TableTest, WithoutRowsIsEmpty) {
-    EXPECT_EQ("", Table().Text());
-}
-
 }  // namespace
 }  // namespace client
