@@ -9,6 +9,7 @@
 #include <csignal>
 #include <future>
 #include <map>
+#include <thread>
 
 namespace e2e {
 namespace {
@@ -47,8 +48,8 @@ protected:
 
     void TearDown() override { EXPECT_TRUE(IsQuiet()); }
 
-    // Sends "Enable" and its like, and expects the success that says nothing.
-    static void Act(const std::string& method, int service) {
+    // Sends "Enable" and its like, and expects the success that says nothing. Returns the request's id.
+    static std::string Act(const std::string& method, int service) {
         Json::Value params = Param("service", service);
         params["serviceName"] = "name " + std::to_string(service);
         params["description"] = method;
@@ -59,17 +60,19 @@ protected:
         if (method != "Restart") {
             EXPECT_LT(Clock::now() - begin, kAtOnce) << method << " " << service;
         }
+        return answer.requestId;
     }
 
     // Waits for the end too, and expects that it is told and logged.
     static void ActAndWait(const std::string& method, int service) {
         const std::size_t before = Notifications().size();
-        Act(method, service);
+        const std::string requestId = Act(method, service);
         ASSERT_TRUE(WaitUntil([&] { return Notifications().size() > before; })) << method << " " << service;
         EXPECT_TRUE(IsQuiet());
         const std::string number = std::to_string(service);
         EXPECT_EQ("24 " + number + (method == "Enable" ? " 1 0" : " 0 0"), Notifications().back());
-        EXPECT_EQ("321913013 0 name " + number + " " + method, OperationLog().back());
+        EXPECT_EQ(std::vector<std::string>{"321913013 0 name " + number + " " + method},
+                  OperationLog("?request=" + requestId));
     }
 
     std::string State(int service) {
@@ -80,22 +83,26 @@ protected:
         return owner_.AddOns("CheckEnableDone", Param("service", service)).Data()["blDone"].asBool();
     }
 
-    static std::vector<std::string> Rows(const std::string& query) {
+    static std::vector<std::string> Notifications() {
         SQLite::Database database(appliance_->PackagePath("target/@CVData/camvora.db"), SQLite::OPEN_READONLY,
                                   5000);
-        SQLite::Statement statement(database, query);
+        SQLite::Statement statement(
+            database, "SELECT type || ' ' || text1 || ' ' || text2 || ' ' || text3 FROM notifications");
         std::vector<std::string> rows;
         while (statement.executeStep()) {
             rows.push_back(statement.getColumn(0).getString());
         }
         return rows;
     }
-    static std::vector<std::string> Notifications() {
-        return Rows("SELECT type || ' ' || text1 || ' ' || text2 || ' ' || text3 FROM notifications");
-    }
-    static std::vector<std::string> OperationLog() {
-        return Rows(
-            "SELECT event || ' ' || number || ' ' || text1 || ' ' || text2 || text3 FROM operation_log");
+    static std::vector<std::string> OperationLog(const std::string& query = "") {
+        const Answer answer = appliance_->Owner().Get("/operations" + query);
+        std::vector<std::string> entries;
+        for (const Json::Value& entry : answer.Data()["operations"]) {
+            const Json::Value& texts = entry["texts"];
+            entries.push_back(entry["event"].asString() + " " + entry["number"].asString() + " " +
+                              texts[0].asString() + " " + texts[1].asString() + texts[2].asString());
+        }
+        return entries;
     }
 
     // Actions that have come to nothing; the log has a line for each.
@@ -248,6 +255,27 @@ TEST_F(KillTest, TheNextEnableWorks) {
     }
 }
 
+// Wherever an action was: before its lock, in it, or past it.
+TEST_F(KillTest, TheNextEnableWorksAtWhateverStepTheLastWasKilled) {
+    for (const int delayMs : {0, 1, 2, 4, 6, 8, 12, 16, 24, 32}) {
+        SCOPED_TRACE(delayMs);
+        for (const char* method : {"Enable", "Restart"}) {
+            const auto call = std::async(std::launch::async, [method] {
+                return appliance_->Owner().AddOns(method, Param("service", 3));
+            });
+            std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
+            for (const pid_t worker : Workers()) {
+                kill(worker, SIGKILL);
+            }
+            call.wait();
+            EXPECT_TRUE(IsQuiet());
+            ActAndWait("Enable", 3);
+            EXPECT_EQ(kRuns, State(3));
+            EXPECT_TRUE(IsAlive(Daemon(1)));
+        }
+    }
+}
+
 // Nobody else comes: what the dead have left must not stand for an action under way.
 TEST_F(KillTest, NothingSeemsUnderWayAfterwards) {
     for (const KillCase& c : kKillCases) {
@@ -263,9 +291,9 @@ TEST_F(KillTest, NothingSeemsUnderWayAfterwards) {
 }
 
 TEST_F(ControlTest, ManyAtOnceAreAnsweredAtOnceAndRunOneAfterTheOther) {
-    constexpr std::size_t kRequests = 20;
+    constexpr std::size_t kRequests = 50;
     const std::size_t before = Notifications().size() + FailedActions();
-    std::vector<std::future<void>> calls;
+    std::vector<std::future<std::string>> calls;
     for (std::size_t i = 0; i < kRequests; ++i) {
         calls.push_back(std::async(std::launch::async, Act, i % 2 == 0 ? "Enable" : "Disable", 3));
     }

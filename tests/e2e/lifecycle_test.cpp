@@ -71,8 +71,11 @@ TEST(HostEndTest, ItGivesUpWhenAProcessKeepsFailing) {
     EXPECT_NE(0, appliance.WaitForEnd());
 }
 
-TEST(HostEndTest, StopLetsARequestFinishAndEndsBusyConnectionsAndStreams) {
+TEST(HostEndTest, StopLetsWorkFinishAndEndsBusyConnectionsAndStreams) {
     Appliance appliance(Appliance::WithTestModule());
+    Json::Value params = Param("path", "/var/packages/Camvora/done");
+    params["ms"] = 3000;
+    ASSERT_TRUE(appliance.Owner().Test("Detach", params).Succeeded());
     RawConnection stream = OpenStream(appliance.Url(), appliance.Token());
     EXPECT_NE("", stream.ReceiveUntil("event: snapshot"));
     auto running = CallInBackground(appliance, "Sleep", 2000);
@@ -85,6 +88,7 @@ TEST(HostEndTest, StopLetsARequestFinishAndEndsBusyConnectionsAndStreams) {
     appliance.Stop();
     EXPECT_LT(Clock::now() - begin, std::chrono::seconds(5));
     EXPECT_EQ(200, running.get().status);
+    EXPECT_TRUE(std::filesystem::exists(appliance.PackagePath("done")));
 }
 
 TEST(HostEndTest, StopDoesNotWaitForEver) {

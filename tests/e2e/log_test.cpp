@@ -31,7 +31,8 @@ TEST_F(LogTest, EveryReplyHasAnIdOfItsOwn) {
     for (const char* path : {"/api", "/health", "/nothing", "/log"}) {
         ids.insert(owner_.Get(path).requestId);
     }
-    EXPECT_EQ(6U, ids.size());
+    ids.insert(ToAnswer(owner_.Client().Head("/api", {{"Connection", "close"}})).requestId);
+    EXPECT_EQ(7U, ids.size());
 }
 
 TEST_F(LogTest, AnAbnormalEndIsFoundByTheIdToo) {
