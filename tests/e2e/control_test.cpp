@@ -141,7 +141,8 @@ protected:
         });
     }
     static bool IsQuiet() {
-        return WaitUntil([] { return Workers().empty() && !IsAnyFileLeft(); });
+        // An orphan is overseen that moves to the supervisor while the tree is walked; not twice.
+        return WaitUntil([] { return Workers().empty() && Workers().empty() && !IsAnyFileLeft(); });
     }
 
     // Starts service 3, then makes its next action take the two seconds of a daemon that does not end.

@@ -14,7 +14,7 @@ using std::chrono::milliseconds;
 
 class IsolationTest : public ApplianceTest {
 protected:
-    static void SetUpTestSuite() { Start(Appliance::WithTestModule()); }
+    static void SetUpTestSuite() { Start(Appliance::WithTestModule({"--drain-time", "1"})); }
 
     // A child that lives so long and then makes `file` in the package's folder.
     Answer Detach(const std::string& file, int lifeMs, bool isSilent) {
