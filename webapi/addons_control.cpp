@@ -35,8 +35,8 @@ constexpr CV_DAEMON_TYPE kLocalDisplayDaemons[] = {CV_DAEMON_TYPE{11}, CV_DAEMON
 bool WaitForAction(const AddOns& addons, time_t start) {
     while (addons.IsLockFileExist()) {
         sleep(kCheckIntervalS);
-        const double elapsedS = std::fabs(std::trunc(difftime(time(nullptr), start)));
-        if (elapsedS > kCheckLimitS) {
+        const double elapsedS = std::fabs(difftime(time(nullptr), start));
+        if (elapsedS >= kCheckLimitS + 1) {  // parts of a second do not count
             return false;
         }
     }
