@@ -77,16 +77,15 @@ int PkgControl::GetPkgInfo(Json::Value pkgInfo, Json::Value& result, bool fromHo
 
 // NOLINTNEXTLINE(misc-no-recursion): the path of INFO needs no further file
 std::string PkgControl::GetFilePath(PATH_TYPE type) const {
-    const std::string workDir = GetWorkDir(m_service, m_fromHost);
+    std::string path = GetWorkDir(m_service, m_fromHost);
     if (type == PKG_PATH_INFO) {
-        return workDir + "/" + kInfoName;
-    }
-    if (type == PKG_PATH_CONF) {
+        path += std::string("/") + kInfoName;
+    } else if (type == PKG_PATH_CONF) {
         const std::string name = GetPkgNameInInfo();
         const AddOnPackage* package = FindAddOnPackage(name);
-        return workDir + "/" + (package == nullptr ? name : package->tree) + "/" + kConfName;
+        path += "/" + (package == nullptr ? name : package->tree) + "/" + kConfName;
     }
-    return workDir;
+    return path;
 }
 
 // NOLINTNEXTLINE(misc-no-recursion): the path of INFO needs no further file

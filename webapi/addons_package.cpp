@@ -22,20 +22,22 @@ struct Free {
     void operator()(void* memory) const { std::free(memory); }
 };
 
-// The bytes of the file in base64, with their number; empty and 0, with a log line, where it cannot be read.
-// What was read is removed: the file moves to who asked for it.
-std::string TakeFile(const std::string& path, std::size_t& sizeBytes) {
+// The file in base64, with its size in bytes; empty and 0, with a log line, where it cannot be read. What was
+// read is removed, once the text stands where the answer takes it from: the file moves to who asked for it.
+// The biggest parts are never held all at once: the bytes go before the text is copied.
+Json::Value TakeFile(const std::string& path, std::size_t& sizeBytes) {
     unsigned char* content = nullptr;
-    sizeBytes = 0;
     const bool isRead = IsUploadedFile(path) && ReadContentFromFileToBuf(path, true, content, sizeBytes) == 0;
-    const std::unique_ptr<unsigned char, Free> owner(content);
+    std::unique_ptr<unsigned char, Free> owner(content);
     if (!isRead) {
         CVPrintf(0, nullptr, nullptr, "addons", __LINE__, "HandleLoadFile", "Failed to read file[%s]!\n",
                  path.c_str());
         sizeBytes = 0;
         return "";
     }
-    std::string encoded = HttpBase64EncodeUnsigned(content, sizeBytes);
+    const std::string text = HttpBase64EncodeUnsigned(content, sizeBytes);
+    owner.reset();
+    Json::Value encoded(text);
     (void)PLIBCExec(kRemoveProgram, "-rf", path.c_str());
     return encoded;
 }
@@ -73,7 +75,6 @@ void AddOnsHandler::HandleGetPkgInfo() {
     WriteResponse(result);
 }
 
-// The text is the biggest part: it is copied once, into the answer, and by then the bytes are gone.
 void AddOnsHandler::HandleLoadFile() {
     const std::string path = m_pRequest->GetParam("filePath", "").asString();
     std::size_t sizeBytes = 0;

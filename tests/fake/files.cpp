@@ -12,6 +12,19 @@
 #include <cstdio>
 #include <cstdlib>
 
+namespace {
+
+// A scripted answer is the error to fail with; without one the call does what it always does.
+bool FailsAsScripted(const char* function) {
+    const Json::Value error = fake::NextAnswer(function, Json::Value());
+    if (error.isInt()) {
+        errno = error.asInt();
+    }
+    return error.isInt();
+}
+
+}  // namespace
+
 bool IsFileExist(const std::string& path) {
     fake::Record("IsFileExist", path);
     return fake::NextAnswer("IsFileExist", false).asBool();
@@ -92,17 +105,11 @@ int __wrap_remove(const char* path) {
 
 int __wrap_lstat64(const char* path, struct stat* info) {
     fake::Record("lstat", path);
-    return __real_lstat64(path, info);
+    return FailsAsScripted("lstat") ? -1 : __real_lstat64(path, info);
 }
 
-// Where an error is scripted as "nftw", it fails with that; else it does what it always does.
 int __wrap_nftw64(const char* folder, __nftw_func_t visit, int openFolders, int flags) {
     fake::Record("nftw", folder);
-    const Json::Value error = fake::NextAnswer("nftw", Json::Value());
-    if (error.isNull()) {
-        return __real_nftw64(folder, visit, openFolders, flags);
-    }
-    errno = error.asInt();
-    return -1;
+    return FailsAsScripted("nftw") ? -1 : __real_nftw64(folder, visit, openFolders, flags);
 }
 }

@@ -48,21 +48,25 @@ const ExtractCase kExtractCases[] = {
 
 class Extract : public testing::TestWithParam<ExtractCase> {
 protected:
-    Steps Expected(const Steps& refused) const {
-        const std::string dir = GetParam().dir;
-        Steps steps = {"GetServiceStr " + std::to_string(GetParam().service), "CVRm " + dir,
-                       "CreateFullDirPath " + dir, "PLIBCExec /bin/tar -C " + dir + " -xvf /up/1",
-                       "nftw " + dir.substr(0, dir.size() - 1)};
-        steps.insert(steps.end(), refused.begin(), refused.end());
-        steps.insert(steps.end(), GetParam().steps.begin(), GetParam().steps.end());
-        steps.emplace_back("CVRm /up/1");
-        return steps;
-    }
-
-    void Run() const {
+    // `afterFirstRun` and `afterLastRun` are what a refused package adds.
+    void ExpectSteps(const Steps& afterFirstRun, const Steps& afterLastRun) const {
         std::string file = "/up/1";
         ExtractPkg(file, GetParam().fromHost, static_cast<ADDON_SERVICE>(GetParam().service));
-        EXPECT_EQ(GetParam().dir, file);
+        const std::string dir = GetParam().dir;
+        EXPECT_EQ(dir, file);
+        const Steps begin = {"GetServiceStr " + std::to_string(GetParam().service), "CVRm " + dir,
+                             "CreateFullDirPath " + dir, "PLIBCExec /bin/tar -C " + dir + " -xvf /up/1",
+                             "nftw " + dir.substr(0, dir.size() - 1)};
+        EXPECT_EQ(fake::Lines(begin) + fake::Lines(afterFirstRun) + fake::Lines(GetParam().steps) +
+                      fake::Lines(afterLastRun) + fake::Lines({"CVRm /up/1"}),
+                  Calls());
+    }
+
+    static Steps Refused() {
+        const std::string dir = GetParam().dir;
+        return {"CVPrintf 0 null null addonsservice ExtractPkg 'Removed [" + dir +
+                    R"(]: links or special files\n')",
+                "CVRm " + dir};
     }
 
 private:
@@ -70,19 +74,19 @@ private:
 };
 
 TEST_P(Extract, EmptiesUnpacksAndRemovesTheFile) {
-    Run();
-    EXPECT_EQ(fake::Lines(Expected({})), Calls());
+    ExpectSteps({}, {});
 }
 
 // The second run then finds nothing.
 TEST_P(Extract, RemovesWhatCannotBeLookedThrough) {
     fake::Answer("nftw", EACCES);
-    Run();
-    const std::string dir = GetParam().dir;
-    EXPECT_EQ(fake::Lines(Expected({"CVPrintf 0 null null addonsservice ExtractPkg 'Removed [" + dir +
-                                        R"(]: links or special files\n')",
-                                    "CVRm " + dir})),
-              Calls());
+    ExpectSteps(Refused(), {});
+}
+
+TEST_P(Extract, RemovesATreeThatIsNotSound) {
+    fake::Answer("lstat", EACCES);
+    const bool hasTree = !GetParam().steps.empty();
+    ExpectSteps({}, hasTree ? Refused() : Steps{});
 }
 
 INSTANTIATE_TEST_SUITE_P(, Extract, testing::ValuesIn(kExtractCases),
