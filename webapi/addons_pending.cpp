@@ -23,19 +23,7 @@ void AddOnsHandler::HandleCheckUpdateInfo() {
     AnswerNotServed(*m_pResponse);
 }
 
-void AddOnsHandler::HandleGetPkgInfo() {
-    AnswerNotServed(*m_pResponse);
-}
-
-void AddOnsHandler::HandleLoadFile() {
-    AnswerNotServed(*m_pResponse);
-}
-
 void AddOnsHandler::HandlePkgUpdate() {
-    AnswerNotServed(*m_pResponse);
-}
-
-void AddOnsHandler::HandleUpload() {
     AnswerNotServed(*m_pResponse);
 }
 

@@ -4,6 +4,15 @@
 #include "fake/json.h"
 
 namespace ORVA {
+namespace {
+
+void AddMembers(Json::Value& object, const Json::Value& members) {
+    for (const std::string& name : members.getMemberNames()) {
+        object[name] = members[name];
+    }
+}
+
+}  // namespace
 
 APIRequest::APIRequest(const RequestContent& content) : content_(content) {}
 
@@ -26,6 +35,25 @@ std::string APIRequest::GetCookie(const std::string& name, const std::string& de
 std::string APIRequest::GetAPIMethod() const {
     fake::Record("GetAPIMethod");
     return content_.method;
+}
+
+bool APIRequest::IsUploadRequest() const {
+    fake::Record("IsUploadRequest");
+    return !content_.form.isNull();
+}
+
+APIUpload::APIUpload(APIRequest* request) : content_(request->content_) {
+    fake::Record("APIUpload");
+}
+
+void APIUpload::GetUploadParam(Json::Value& form) {
+    fake::Record("GetUploadParam", form);
+    AddMembers(form, content_.form);
+}
+
+void APIUpload::GetUploadFile(Json::Value& form) {
+    fake::Record("GetUploadFile", form);
+    AddMembers(form, content_.files);
 }
 
 APIResponse::APIResponse(ResponseContent& content) : content_(content) {}
@@ -51,6 +79,10 @@ ORVA::RequestContent Authorized(const std::string& method, const std::string& pa
 ORVA::RequestContent Unauthorized(const std::string& method, const std::string& params,
                                   const std::map<std::string, std::string>& cookies) {
     return {false, method, ParseJson(params), cookies};
+}
+
+ORVA::RequestContent Upload(const std::string& form, const std::string& files) {
+    return {true, "Upload", Json::Value(Json::objectValue), {}, ParseJson(form), ParseJson(files)};
 }
 
 std::string Serve(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),

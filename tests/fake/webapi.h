@@ -13,6 +13,8 @@ struct RequestContent {
     std::string method;
     Json::Value params;  // an object
     std::map<std::string, std::string> cookies;
+    Json::Value form = {};  // null where the request is no upload, else its fields
+    Json::Value files = {};
 };
 
 // The answer as its line in the journal ("SetError 105 null"); empty while there is none.
@@ -30,6 +32,9 @@ ORVA::RequestContent Authorized(const std::string& method, const std::string& pa
 // The same from any other caller.
 ORVA::RequestContent Unauthorized(const std::string& method, const std::string& params,
                                   const std::map<std::string, std::string>& cookies = {});
+
+// An upload of a form: its ordinary fields and, as the framework gives them, the members for its files.
+ORVA::RequestContent Upload(const std::string& form, const std::string& files);
 
 // Hands the request to `handler`, as the framework does, and returns its answer.
 std::string Serve(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),

@@ -140,8 +140,8 @@ INSTANTIATE_TEST_SUITE_P(, Dispatch, testing::ValuesIn(kDispatchCases),
 
 // Methods that are not served yet: none may look like a success.
 const char* const kPendingMethods[] = {
-    "SetAutoUpdate", "GetUpdateInfo", "CheckUpdateInfo", "GetPkgInfo",       "LoadFile",       "Update",
-    "Upload",        "Restore",       "DownloadStart",   "DownloadProgress", "DownloadCancel",
+    "SetAutoUpdate", "GetUpdateInfo", "CheckUpdateInfo",  "Update",
+    "Restore",       "DownloadStart", "DownloadProgress", "DownloadCancel",
 };
 
 class Pending : public testing::TestWithParam<const char*> {};
@@ -165,6 +165,8 @@ const WrongTypeCase kWrongTypeCases[] = {
     {"cookie_is_array", fake::Unauthorized("List", R"({"client":"NVR","cookie":[]})")},
     {"service_is_text", fake::Authorized("GetInfo", R"({"service":"x"})")},
     {"service_is_beyond_32_bits", fake::Authorized("GetInfo", R"({"service":3000000000})")},
+    {"redirection_is_text", fake::Authorized("GetPkgInfo", R"({"isRedirectCgi":"yes"})")},
+    {"path_is_object", fake::Authorized("LoadFile", R"({"filePath":{}})")},
     {"language_is_array", fake::Authorized("GetAppsStatus", R"({"lang":["de"]})")},
 };
 

@@ -1,0 +1,54 @@
+// Unpacking. The programs say nothing that is looked at: what they leave is judged instead.
+#include "addons/pkgcontrol.h"
+
+#include "addons/addonpackage.h"
+#include "addons/paths.h"
+#include "addons/pkgtree.h"
+#include "platform/files.h"
+#include "platform/log.h"
+#include "platform/plibc.h"
+
+namespace {
+
+void RunTar(const std::string& folder, const std::string& archive) {
+    (void)PLIBCExec(kTarProgram, "-C", folder.c_str(), "-xvf", archive.c_str());
+}
+
+// Unpacks the inner archive in `dir`, the work directory with its final "/".
+void UnpackTree(const std::string& dir, ADDON_SERVICE service) {
+    const std::string archive = dir + kInnerArchiveName;
+    if (service == ADDON_SERVICE_DEVICE_PACK) {
+        RunTar(dir, archive);
+    } else if (service == ADDON_SERVICE_LOCAL_DISPLAY) {
+        const std::string tree = dir + "/" + kLocalDisplayTree;
+        (void)CreateFullDirPath(tree);
+        RunTar(tree, archive);
+    }
+}
+
+// What is not there cannot be read, so the checks that follow fail.
+void RefusePkg(const std::string& dir) {
+    CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, "ExtractPkg",
+             "Removed [%s]: links or special files\n", dir.c_str());
+    (void)CVRm(dir);
+}
+
+}  // namespace
+
+void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service) {
+    const std::string workDir = GetWorkDir(service, fromHost);
+    const std::string dir = workDir + "/";
+    (void)CVRm(dir);
+    (void)CreateFullDirPath(dir);
+    RunTar(dir, filePath);
+    if (!RemoveSpecialFiles(workDir)) {
+        RefusePkg(dir);
+    }
+    UnpackTree(dir, service);
+    const AddOnPackage* package = FindAddOnPackage(service);
+    if (package != nullptr && !IsTreeSound(workDir, package->tree)) {
+        RefusePkg(dir);
+    }
+    (void)CVRm(filePath);
+    filePath = dir;
+}

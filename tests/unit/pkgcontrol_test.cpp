@@ -1,0 +1,276 @@
+// The inspection of a package: what it reads and asks, in which order, and what comes out.
+#include "addons/pkgcontrol.h"
+
+#include "fake/journal.h"
+#include "fake/json.h"
+#include "fake/script.h"
+#include "fake/session.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Steps = std::vector<std::string>;
+
+Steps operator+(Steps first, const Steps& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+const std::string kMainInfo = "/var/packages/Camvora/INFO";
+const std::string kMainConf = "/var/packages/Camvora/target/etc/cv.conf";
+const std::string kMachine = "/etc.defaults/orvainfo.conf";
+const std::string kDir = "/var/packages/Camvora/target/cv_addOns_name1";
+const std::string kInfo = kDir + "/INFO";
+const std::string kConf = kDir + "/device_pack/conf";
+
+std::string Value(const std::string& file, const std::string& key) {
+    return "PLIBCFileGetKeyValue " + file + " " + key;
+}
+
+std::string Read(const std::string& file, const std::string& key, int sizeBytes = 256) {
+    return Value(file, key) + " " + std::to_string(sizeBytes) + " 0";
+}
+
+std::string Newer(const std::string& versions) {
+    return "AddonsUpdate::IsVersionNewer " + versions;
+}
+
+// The names of the services, asked for with every path, say nothing about the order.
+std::string Calls() {
+    return std::regex_replace(fake::Journal(), std::regex("GetServiceStr .*\n"), "");
+}
+
+const Steps kLock = {"BeginCriticalSection /tmp/cv_AddOns_Package_name1.lock 3000"};
+const Steps kFind = {Read(kMainConf, "addons_upload_dir"), "PLIBCFileExist /up/1"};
+const Steps kExtract = {
+    "CVRm " + kDir + "/",
+    "CreateFullDirPath " + kDir + "/",
+    "PLIBCExec /bin/tar -C " + kDir + "/ -xvf /up/1",
+    "nftw " + kDir,
+    "PLIBCExec /bin/tar -C " + kDir + "/ -xvf " + kDir + "/package.tgz",
+    "lstat " + kDir,
+    "lstat " + kInfo,
+    "lstat " + kDir + "/device_pack",
+    "lstat " + kConf,
+    "lstat " + kDir + "/device_pack/script",
+    "lstat " + kDir + "/device_pack/script/preupgrade",
+    "lstat " + kDir + "/device_pack/script/preinst",
+    "lstat " + kDir + "/device_pack/script/postinst",
+    "lstat " + kDir + "/device_pack/script/postupgrade",
+    "lstat " + kDir + "/device_pack/script/restore",
+    "CVRm /up/1",
+};
+const Steps kUnpacked = kLock + kFind + kExtract;
+const Steps kName = {Read(kInfo, "package")};  // what the package is, and where its conf lies
+const Steps kArch = {Read(kInfo, "arch")};
+const Steps kMainArch = {Read(kMainInfo, "arch")};
+const Steps kPlatform = {Read(kMachine, "unique", 128), "String2StrList plat1 ' '"};
+const Steps kMinMain = {Read(kConf, "cv_min_ver")};
+const Steps kMainVersion = {Read(kMainInfo, "version")};
+const Steps kVersion = {Read(kConf, "version")};
+const Steps kMinAddOn = {Read(kMainConf, "dp_min_ver")};
+const Steps kSuits = kUnpacked + kName + kArch + kMainArch + kPlatform;
+const Steps kMainCheck = kName + kMinMain + kMainVersion + Steps{Newer("9.2-1 9.0 true")};
+const Steps kMainSuits = kSuits + kMainCheck;
+const Steps kVersionCheck = kName + kVersion + kMinAddOn + Steps{Newer("4.1-7 4.0 true")};
+const Steps kDescribe = kName + kVersion + Steps{Read(kConf, "maintainer")};
+const Steps kUnlock = {"EndCriticalSection 0", "RemoveFileIfExist /tmp/cv_AddOns_Package_name1.lock"};
+
+std::string ErrInfo(const std::string& texts) {
+    const Json::Value list = fake::ParseJson("[" + texts + "]");
+    Json::Value errInfo;
+    SetErrInfo(errInfo, list[0].asString(), list[1].asString(), list[2].asString(), list[3].asString(),
+               list[4].asString());
+    return R"({"errinfo":)" + fake::WriteJson(errInfo);
+}
+
+const std::string kInvalidFile = ErrInfo(R"("localdisplay","invalid_file","","","")") + "}";
+
+const std::string kSuccess =
+    R"({"errinfo":null,"filePath":")" + kDir + R"(/","maintainer":"me","version":"4.1-7"})";
+
+struct InspectionCase {
+    const char* name;
+    std::string changed;  // one answer that differs from those of a valid package
+    Json::Value answer;
+    Steps steps;
+    std::string result;
+};
+
+const InspectionCase kInspectionCases[] = {
+    {"valid", "", {}, kMainSuits + kVersionCheck + kDescribe + kUnlock, kSuccess},
+    {"locked_by_another", "BeginCriticalSection", -1,
+     kLock + Steps{"CVPrintf 0 null null addonsservice GetPkgInfo "
+                   R"('Failed to lock [/tmp/cv_AddOns_Package_name1.lock].\n')"},
+     kInvalidFile},
+    {"no_file", "PLIBCFileExist", 0, kLock + kFind + kUnlock, kInvalidFile},
+    {"no_identifier", Value(kInfo, "package"), {}, kUnpacked + kName + kUnlock, kInvalidFile},
+    {"other_add_on", Value(kInfo, "package"), "CamvoraLocalDisplay", kUnpacked + kName + kUnlock,
+     kInvalidFile},
+    {"no_arch", Value(kInfo, "arch"), {}, kUnpacked + kName + kArch + kUnlock, kInvalidFile},
+    {"no_main_arch",
+     Value(kMainInfo, "arch"),
+     {},
+     kUnpacked + kName + kArch + kMainArch + kUnlock,
+     kInvalidFile},
+    {"same_arch_as_main", Value(kMainInfo, "arch"), "plat1",
+     kUnpacked + kName + kArch + kMainArch + kMainCheck + kVersionCheck + kDescribe + kUnlock, kSuccess},
+    {"other_platform", "String2StrList", fake::ParseJson(R"(["plat10"])"), kSuits + kUnlock,
+     ErrInfo(R"("device_pack","plat_not_support","main","","")") + "}"},
+    {"no_minimum_of_main", Value(kConf, "cv_min_ver"), {}, kSuits + kName + kMinMain + kUnlock, kInvalidFile},
+    {"no_main_version",
+     Value(kMainInfo, "version"),
+     {},
+     kSuits + kName + kMinMain + kMainVersion + kUnlock,
+     kInvalidFile},
+    {"main_too_old", Newer("9.2-1"), false, kMainSuits + kUnlock,
+     ErrInfo(R"("device_pack","cv_ver_too_old","9.0","","")") + "}"},
+    {"no_version", Value(kConf, "version"), {}, kMainSuits + kName + kVersion + kUnlock, kInvalidFile},
+    {"no_minimum_of_add_on",
+     Value(kMainConf, "dp_min_ver"),
+     {},
+     kMainSuits + kName + kVersion + kMinAddOn + kUnlock,
+     kInvalidFile},
+    {"add_on_too_old", Newer("4.1-7"), false, kMainSuits + kVersionCheck + kUnlock,
+     ErrInfo(R"("addons","forbid_downgrade","Device Pack","4.0","4.1-7")") + "}"},
+    {"no_maintainer",
+     Value(kConf, "maintainer"),
+     {},
+     kMainSuits + kVersionCheck + kDescribe + kUnlock,
+     ErrInfo(R"("localdisplay","invalid_file","","","")") + R"(,"version":"4.1-7"})"},
+};
+
+void AnswerForValidPackage() {
+    fake::Answer(Value(kInfo, "package"), "CamvoraDevicePack");
+    fake::Answer(Value(kInfo, "arch"), "plat1");
+    fake::Answer(Value(kMainInfo, "arch"), "main");
+    fake::Answer(Value(kMachine, "unique"), "vendor_plat1_model");
+    fake::Answer("String2StrList", fake::ParseJson(R"(["plat0","plat1"])"));
+    fake::Answer(Value(kConf, "cv_min_ver"), "9.0");
+    fake::Answer(Value(kMainInfo, "version"), "9.2-1");
+    fake::Answer(Value(kConf, "version"), "4.1-7");
+    fake::Answer(Value(kMainConf, "dp_min_ver"), "4.0");
+    fake::Answer(Value(kConf, "maintainer"), "me");
+}
+
+class Inspection : public testing::TestWithParam<InspectionCase> {
+    fake::Session session_;
+};
+
+TEST_P(Inspection, ChecksInOrderUpToTheFirstFailure) {
+    const InspectionCase& row = GetParam();
+    AnswerForValidPackage();
+    fake::Answer(row.changed, row.answer);
+    PkgControl package(ADDON_SERVICE_DEVICE_PACK);
+    Json::Value result(Json::objectValue);
+    const int outcome =
+        package.GetPkgInfo(fake::ParseJson(R"({"filePath":"/up/1","fileName":"a.spk"})"), result, false);
+    EXPECT_EQ(row.result, fake::WriteJson(result));
+    EXPECT_EQ(result["errinfo"].isNull() ? 0 : -1, outcome);
+    EXPECT_EQ(fake::Lines(row.steps), Calls());
+}
+
+INSTANTIATE_TEST_SUITE_P(, Inspection, testing::ValuesIn(kInspectionCases),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+struct PkgInfoCase {
+    const char* name;
+    const char* pkgInfo;
+    const char* file;  // that is looked for; null where the name is refused before
+};
+
+// The file is not there: only whether it is looked for is asked here.
+const PkgInfoCase kPkgInfoCases[] = {
+    {"null", "null", nullptr},
+    {"text", R"("x.spk")", nullptr},
+    {"list", R"([{"filePath":"/up/1","fileName":"x.spk"}])", nullptr},
+    {"empty", "{}", nullptr},
+    {"name_is_number", R"({"filePath":"/up/1","fileName":5})", nullptr},
+    {"name_is_list", R"({"filePath":"/up/1","fileName":["spk"]})", nullptr},
+    {"path_is_object", R"({"filePath":{},"fileName":"x.spk"})", "''"},
+    {"path_is_null", R"({"filePath":null,"fileName":"x.spk"})", "''"},
+    {"extension", R"({"filePath":"/up/1","fileName":"x.spk"})", "/up/1"},
+    {"last_of_two_extensions", R"({"filePath":"/up/1","fileName":"x.tar.spk"})", "/up/1"},
+    {"extension_alone", R"({"filePath":"/up/1","fileName":".spk"})", "/up/1"},
+    {"no_dot_but_the_very_text", R"({"filePath":"/up/1","fileName":"spk"})", "/up/1"},
+    {"no_dot", R"({"filePath":"/up/1","fileName":"xspk"})", nullptr},
+    {"empty_name", R"({"filePath":"/up/1","fileName":""})", nullptr},
+    {"upper_case", R"({"filePath":"/up/1","fileName":"x.SPK"})", nullptr},
+    {"more_text", R"({"filePath":"/up/1","fileName":"x.spk2"})", nullptr},
+    {"final_dot", R"({"filePath":"/up/1","fileName":"x.spk."})", nullptr},
+    {"nul_behind", R"({"filePath":"/up/1","fileName":"x.spk\u0000"})", nullptr},
+};
+
+class PkgInfo : public testing::TestWithParam<PkgInfoCase> {
+    fake::Session session_;
+};
+
+TEST_P(PkgInfo, IsReadWhateverItIs) {
+    fake::Answer("PLIBCFileExist", 0);
+    PkgControl package(ADDON_SERVICE_DEVICE_PACK);
+    Json::Value result(Json::objectValue);
+    EXPECT_EQ(-1, package.GetPkgInfo(fake::ParseJson(GetParam().pkgInfo), result, false));
+    EXPECT_EQ(kInvalidFile, fake::WriteJson(result));
+    Steps looked;
+    if (GetParam().file != nullptr) {
+        looked = {kFind[0], std::string("PLIBCFileExist ") + GetParam().file};
+    }
+    EXPECT_EQ(fake::Lines(kLock + looked + kUnlock), Calls());
+}
+
+INSTANTIATE_TEST_SUITE_P(, PkgInfo, testing::ValuesIn(kPkgInfoCases),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+struct PathCase {
+    const char* name;
+    int service;
+    int type;
+    const char* package;  // in INFO; null where it cannot be read
+    std::string path;     // behind the work directories' common part
+};
+
+const PathCase kPathCases[] = {
+    {"info", 1, PKG_PATH_INFO, nullptr, "1/INFO"},
+    {"device_pack", 1, PKG_PATH_CONF, "CamvoraDevicePack", "1/device_pack/conf"},
+    {"local_display", 6, PKG_PATH_CONF, "CamvoraLocalDisplay", "6/local_display/conf"},
+    {"of_the_package_not_the_service", 6, PKG_PATH_CONF, "CamvoraDevicePack", "6/device_pack/conf"},
+    {"unknown_package", 1, PKG_PATH_CONF, "camvoradevicepack", "1/camvoradevicepack/conf"},
+    {"no_package", 1, PKG_PATH_CONF, nullptr, "1//conf"},
+    {"any_other", 3, 2, nullptr, "3"},
+};
+
+TEST(PkgControl, NamesTheFilesInItsWorkDirectory) {
+    for (const PathCase& row : kPathCases) {
+        const fake::Session session;
+        const std::string common = "/var/packages/Camvora/target/cv_addOns_name";
+        if (row.package != nullptr) {
+            fake::Answer(Value(common + std::to_string(row.service) + "/INFO", "package"), row.package);
+        }
+        const PkgControl package(static_cast<ADDON_SERVICE>(row.service));
+        EXPECT_EQ(common + row.path, package.GetFilePath(static_cast<PATH_TYPE>(row.type))) << row.name;
+    }
+}
+
+TEST(PkgControl, KnowsNoMinimumVersionOfAServiceWithoutPackages) {
+    const fake::Session session;
+    EXPECT_EQ("dp_min_ver", PkgControl(ADDON_SERVICE_DEVICE_PACK).GetAppMinVerKey());
+    EXPECT_EQ("local_display_min_ver", PkgControl(ADDON_SERVICE_LOCAL_DISPLAY).GetAppMinVerKey());
+    EXPECT_EQ("", fake::Journal());
+    EXPECT_EQ("", PkgControl(ADDON_SERVICE_CMS).GetAppMinVerKey());
+    EXPECT_EQ(fake::Lines({R"(CVPrintf 0 null null addonsservice GetAppMinVerKey 'Invalid service\n')"}),
+              fake::Journal());
+}
+
+TEST(ErrorInfo, LeavesOtherMembers) {
+    Json::Value errInfo = fake::ParseJson(R"({"param1":"old","more":1})");
+    SetErrInfo(errInfo, "s", "k", "1", "2", "3");
+    EXPECT_EQ(R"({"key":"k","more":1,"param1":"1","param2":"2","param3":"3","sec":"s"})",
+              fake::WriteJson(errInfo));
+}
+
+}  // namespace

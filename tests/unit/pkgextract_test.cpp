@@ -1,0 +1,95 @@
+// Unpacking: the steps for each kind of service.
+#include "addons/pkgcontrol.h"
+
+#include "fake/journal.h"
+#include "fake/script.h"
+#include "fake/session.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Steps = std::vector<std::string>;
+
+// Without the looks at the tree.
+std::string Calls() {
+    return std::regex_replace(fake::Journal(), std::regex("lstat .*\n"), "");
+}
+
+struct ExtractCase {
+    const char* name;
+    int service;
+    bool fromHost;
+    const char* dir;
+    Steps steps;  // between the look at the first run's work and the removal of the file
+};
+
+const ExtractCase kExtractCases[] = {
+    {"device_pack",
+     1,
+     false,
+     "/var/packages/Camvora/target/cv_addOns_name1/",
+     {"PLIBCExec /bin/tar -C /var/packages/Camvora/target/cv_addOns_name1/ -xvf "
+      "/var/packages/Camvora/target/cv_addOns_name1/package.tgz"}},
+    {"local_display",
+     6,
+     true,
+     "/var/packages/Camvora/target/cv_addOns_name6_host/",
+     {"CreateFullDirPath /var/packages/Camvora/target/cv_addOns_name6_host//local_display",
+      "PLIBCExec /bin/tar -C /var/packages/Camvora/target/cv_addOns_name6_host//local_display -xvf "
+      "/var/packages/Camvora/target/cv_addOns_name6_host/package.tgz"}},
+    {"service_without_packages", 3, true, "/var/packages/Camvora/target/cv_addOns_name3_host/", {}},
+};
+
+class Extract : public testing::TestWithParam<ExtractCase> {
+protected:
+    // `afterFirstRun` and `afterLastRun` are what a refused package adds.
+    void ExpectSteps(const Steps& afterFirstRun, const Steps& afterLastRun) const {
+        std::string file = "/up/1";
+        ExtractPkg(file, GetParam().fromHost, static_cast<ADDON_SERVICE>(GetParam().service));
+        const std::string dir = GetParam().dir;
+        EXPECT_EQ(dir, file);
+        const Steps begin = {"GetServiceStr " + std::to_string(GetParam().service), "CVRm " + dir,
+                             "CreateFullDirPath " + dir, "PLIBCExec /bin/tar -C " + dir + " -xvf /up/1",
+                             "nftw " + dir.substr(0, dir.size() - 1)};
+        EXPECT_EQ(fake::Lines(begin) + fake::Lines(afterFirstRun) + fake::Lines(GetParam().steps) +
+                      fake::Lines(afterLastRun) + fake::Lines({"CVRm /up/1"}),
+                  Calls());
+    }
+
+    static Steps Refused() {
+        const std::string dir = GetParam().dir;
+        return {"CVPrintf 0 null null addonsservice ExtractPkg 'Removed [" + dir +
+                    R"(]: links or special files\n')",
+                "CVRm " + dir};
+    }
+
+private:
+    fake::Session session_;
+};
+
+TEST_P(Extract, EmptiesUnpacksAndRemovesTheFile) {
+    ExpectSteps({}, {});
+}
+
+// The second run then finds nothing.
+TEST_P(Extract, RemovesWhatCannotBeLookedThrough) {
+    fake::Answer("nftw", EACCES);
+    ExpectSteps(Refused(), {});
+}
+
+TEST_P(Extract, RemovesATreeThatIsNotSound) {
+    fake::Answer("lstat", EACCES);
+    const bool hasTree = !GetParam().steps.empty();
+    ExpectSteps({}, hasTree ? Refused() : Steps{});
+}
+
+INSTANTIATE_TEST_SUITE_P(, Extract, testing::ValuesIn(kExtractCases),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace
