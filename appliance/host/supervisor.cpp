@@ -100,7 +100,7 @@ bool Supervisor::Supervise() {
         if (!RestartEnded()) {
             return false;
         }
-        camvora::RotateLogIfLarge();
+        camvora::RotateLogsIfLarge();
         camvora::SweepLockFiles();
     }
     return true;

@@ -16,6 +16,11 @@ inline constexpr char kUiFolder[] = "/var/packages/Camvora/target/ui";
 inline constexpr char kDatabaseFile[] = "/var/packages/Camvora/target/@CVData/camvora.db";
 inline constexpr char kLogFile[] = "/var/packages/Camvora/target/@CVData/log/camvora.log";
 
+inline constexpr char kProgramLogFile[] = "/var/packages/Camvora/target/@CVData/log/programs.log";
+
+// Limits of the programs that are run for requests.
+inline constexpr char kProgramsConf[] = "/var/packages/Camvora/target/etc/programs.conf";
+
 // What is true only while the appliance runs; emptied at its start. The package is started while kStartedFile
 // exists. Locks are guarded in kGuardFolder.
 inline constexpr char kRunFolder[] = "/var/packages/Camvora/target/@CVData/run";

@@ -1,0 +1,115 @@
+#include "libcamvora/unpack.h"
+
+#include "libcamvora/treeusage.h"
+#include "platform/files.h"
+#include "platform/log.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace camvora {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kTarOptions[] = "TAR_OPTIONS=--no-same-owner --no-same-permissions --force-local";
+
+bool IsWithin(const TreeUsage& usage, const UnpackLimits& limits) {
+    return usage.sizeBytes <= limits.sizeBytes && usage.entries <= limits.entries;
+}
+
+bool IsFolder(const fs::path& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// A folder can be moved by whom may change it.
+bool Rename(const fs::path& from, const fs::path& to) {
+    if (rename(from.c_str(), to.c_str()) == 0) {
+        return true;
+    }
+    struct stat status {};
+    if (errno != EACCES || lstat(from.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) ||
+        chmod(from.c_str(), S_IRWXU) != 0 || rename(from.c_str(), to.c_str()) != 0) {
+        return false;
+    }
+    return chmod(to.c_str(), status.st_mode) == 0;
+}
+
+// Moves what is in one folder into another. What has arrived is in `arrived`.
+bool MoveEntries(const fs::path& from, const fs::path& to, std::vector<fs::path>& arrived) {
+    std::error_code failure;
+    for (fs::directory_iterator entry(from, failure); entry != fs::directory_iterator();
+         entry.increment(failure)) {
+        const fs::path target = to / entry->path().filename();
+        if (IsFolder(entry->path()) && IsFolder(target)) {
+            if (!MoveEntries(entry->path(), target, arrived)) {
+                return false;
+            }
+            continue;
+        }
+        if (CVRm(target) != 0 || !Rename(entry->path(), target)) {
+            return false;
+        }
+        arrived.push_back(target);
+    }
+    return !failure;
+}
+
+bool TakeOver(const std::string& stage, const std::string& folder) {
+    std::vector<fs::path> arrived;
+    if (MoveEntries(stage, folder, arrived)) {
+        return true;
+    }
+    for (const fs::path& path : arrived) {
+        (void)CVRm(path);
+    }
+    return false;
+}
+
+bool IsAcceptable(const std::string& stage, const UnpackLimits& limits) {
+    const TreeUsage usage = UsageOf(stage);
+    return usage.isComplete && !usage.hasSpecialFiles && IsWithin(usage, limits);
+}
+
+ProgramEnd UnpackInto(const std::string& stage, Program tar, const std::string& archive,
+                      const UnpackLimits& limits) {
+    tar.arguments = {"-C", stage, "-xvf", archive};
+    tar.environment.emplace_back(kTarOptions);
+    tar.fileSizeLimitBytes = static_cast<rlim_t>(limits.sizeBytes);
+    tar.mayGoOn = [&] { return IsWithin(UsageOf(stage), limits); };
+    const ProgramEnd end = RunProgram(tar);
+    (void)chmod(stage.c_str(), S_IRWXU);  // an archive may set the mode of "."
+    return end;
+}
+
+}  // namespace
+
+ProgramEnd Unpack(Program tar, const std::string& folder, const std::string& archive,
+                  const UnpackLimits& limits) {
+    ProgramEnd end;
+    std::string stage = folder + "/.unpacking-XXXXXX";  // goes with the folder when we are killed
+    if (mkdtemp(stage.data()) != nullptr) {
+        end = UnpackInto(stage, std::move(tar), archive, limits);
+        if (end.exitStatus == 0 && !(IsAcceptable(stage, limits) && TakeOver(stage, folder))) {
+            end.exitStatus = -1;
+        }
+        (void)CVRm(stage);
+    }
+    if (end.exitStatus != 0) {
+        CVPrintf(0, nullptr, nullptr, "unpack", __LINE__, __func__,
+                 "Failed to unpack [%s]; nothing of it stays\n", archive.c_str());
+    }
+    return end;
+}
+
+}  // namespace camvora
