@@ -9,6 +9,9 @@ inline constexpr char kLocalDisplayFolder[] = "/var/packages/Camvora/target/loca
 inline constexpr char kFactoryCopySuffix[] = ".default";
 inline constexpr char kAddOnConfName[] = "/conf";
 
+// The main package's settings.
+inline constexpr char kPackageConf[] = "/var/packages/Camvora/target/etc/cv.conf";
+
 // The web applications' configuration and texts.
 inline constexpr char kUiFolder[] = "/var/packages/Camvora/target/ui";
 
@@ -17,6 +20,7 @@ inline constexpr char kDatabaseFile[] = "/var/packages/Camvora/target/@CVData/ca
 inline constexpr char kLogFile[] = "/var/packages/Camvora/target/@CVData/log/camvora.log";
 
 inline constexpr char kProgramLogFile[] = "/var/packages/Camvora/target/@CVData/log/programs.log";
+inline constexpr char kDefaultUploadFolder[] = "/var/packages/Camvora/target/@CVData/upload";
 
 // Limits of the programs that are run for requests.
 inline constexpr char kProgramsConf[] = "/var/packages/Camvora/target/etc/programs.conf";

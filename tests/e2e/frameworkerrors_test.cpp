@@ -3,12 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 
 namespace e2e {
 namespace {
 
 constexpr std::size_t kBodyLimitBytes = 10'000;
+constexpr std::size_t kUploadLimitBytes = 20'000;
 
 struct ErrorCase {
     std::string name;
@@ -29,6 +31,12 @@ constexpr char kJson[] = "application/json";
 constexpr char kForm[] = "multipart/form-data; boundary=b";
 const std::string kModule = "/api/TEST.Module/v1/";
 
+// A form with one file.
+std::string File(const std::string& field, const std::string& name, const std::string& content) {
+    return "--b\r\nContent-Disposition: form-data; name=\"" + field + "\"; filename=\"" + name +
+           "\"\r\n\r\n" + content + "\r\n--b--\r\n";
+}
+
 const std::vector<ErrorCase> kErrorCases = {
     {"unknown_api", "POST", "/api/TEST.None/v1/Echo", "{}", kJson, 404, 1001},
     {"api_in_other_case", "POST", "/api/test.module/v1/Echo", "{}", kJson, 404, 1001},
@@ -44,9 +52,15 @@ const std::vector<ErrorCase> kErrorCases = {
     {"null", "POST", kModule + "Echo", "null", kJson, 400, 1005},
     {"body_too_large", "POST", kModule + "Echo", std::string(kBodyLimitBytes + 1, ' '), kJson, 413, 1006},
     {"path_too_long", "GET", "/" + std::string(9000, 'x'), "", "", 413, 1006},
-    {"file_upload", "POST", kModule + "Echo",
-     "--b\r\nContent-Disposition: form-data; name=\"f\"; filename=\"x\"\r\n\r\ntext\r\n--b--\r\n", kForm, 415,
-     1007},
+    {"upload_too_large", "POST", kModule + "Upload", File("f", "x", std::string(kUploadLimitBytes + 1, 'x')),
+     kForm, 413, 1006},
+    {"upload_too_large_with_its_form", "POST", kModule + "Upload",
+     File("f", "x", std::string(kUploadLimitBytes + kBodyLimitBytes, 'x')), kForm, 413, 1006},
+    {"upload_cut_short", "POST", kModule + "Upload", File("f", "x", "text").substr(0, 70), kForm, 400, 1018},
+    {"upload_with_a_name_that_is_no_text", "POST", kModule + "Upload", File("f", "\xff", "text"), kForm, 400,
+     1004},
+    {"upload_of_a_field_that_is_no_text", "POST", kModule + "Upload", File("\xff", "x", "text"), kForm, 400,
+     1004},
     {"other_multipart", "POST", kModule + "Echo", "x", "multipart/mixed; boundary=b", 415, 1007},
     {"form_too_large", "POST", kModule + "Echo",
      "--b\r\nContent-Disposition: form-data; name=\"f\"\r\n\r\n" + std::string(kBodyLimitBytes - 10, 'x') +
@@ -68,14 +82,16 @@ const std::vector<ErrorCase> kErrorCases = {
     {"method_with_put", "PUT", kModule + "Echo", "{}", kJson, 405, 1017},
     {"method_with_delete", "DELETE", kModule + "Echo", "{}", kJson, 405, 1017},
     {"log_of_no_request", "GET", "/log", "", "", 400, 1018},
+    {"programs_of_no_request", "GET", "/programs", "", "", 400, 1018},
     {"unsatisfiable_range_header", "RANGE", "/health", "", "", 400, 1018},
 };
 
 class FrameworkErrorTest : public testing::TestWithParam<ErrorCase> {
 protected:
     static void SetUpTestSuite() {
-        appliance_ = std::make_unique<Appliance>(Appliance::WithTestModule(
-            {"--request-time", "1", "--body-limit", std::to_string(kBodyLimitBytes)}));
+        appliance_ = std::make_unique<Appliance>(
+            Appliance::WithTestModule({"--request-time", "1", "--body-limit", std::to_string(kBodyLimitBytes),
+                                       "--upload-limit", std::to_string(kUploadLimitBytes)}));
     }
     static void TearDownTestSuite() { appliance_.reset(); }
 
@@ -109,6 +125,7 @@ TEST_P(FrameworkErrorTest, HasItsCode) {
     EXPECT_NE("", answer.Text());
     EXPECT_EQ(16U, answer.requestId.size());
     EXPECT_TRUE(owner_.Test("Echo").Succeeded());
+    EXPECT_TRUE(std::filesystem::is_empty(appliance_->PackagePath("target/@CVData/upload")));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, FrameworkErrorTest, testing::ValuesIn(kErrorCases),

@@ -22,9 +22,9 @@ constexpr std::size_t kGiB = std::size_t{1} << 30;
 class LimitsTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        appliance_ = std::make_unique<Appliance>(
-            Appliance::WithTestModule({"--request-limit", std::to_string(kRequestLimit), "--body-limit",
-                                       "1000000", "--read-time", "1", "--idle-time", "5"}));
+        appliance_ = std::make_unique<Appliance>(Appliance::WithTestModule(
+            {"--request-limit", std::to_string(kRequestLimit), "--body-limit", "1000000", "--upload-limit",
+             "1000000", "--read-time", "1", "--idle-time", "5"}));
     }
     static void TearDownTestSuite() { appliance_.reset(); }
 
