@@ -31,7 +31,7 @@ void AddLimits(CLI::App& app, Options& options) {
                    "Bytes of a request body without the access token")
         ->check(CLI::Range(1, 1 << 30));
     app.add_option("--upload-limit", options.uploadLimitBytes, "Bytes of all files of a form together")
-        ->check(CLI::Range(1LL, 1LL << 40));
+        ->check(CLI::Range(1LL, 1LL << 50));
     app.add_option("--request-limit", options.requestLimit, "Requests at a time")->check(CLI::Range(1, 200));
     app.add_option("--request-time", options.requestTimeS, "Seconds that a request may take")->check(seconds);
     app.add_option("--connection-limit", options.connectionLimit,

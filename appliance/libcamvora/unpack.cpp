@@ -1,5 +1,7 @@
 #include "libcamvora/unpack.h"
 
+#include "libcamvora/descriptor.h"
+#include "libcamvora/plainfile.h"
 #include "libcamvora/treeusage.h"
 #include "platform/files.h"
 #include "platform/log.h"
@@ -7,10 +9,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -22,6 +27,11 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kTarOptions[] = "TAR_OPTIONS=--no-same-owner --no-same-permissions --force-local";
+
+// Of an archive that is not compressed.
+constexpr std::string_view kMagic = "ustar";
+constexpr off_t kMagicOffset = 257;
+constexpr std::size_t kEndBytes = 1024;  // of zeros
 
 bool IsWithin(const TreeUsage& usage, const UnpackLimits& limits) {
     return usage.sizeBytes <= limits.sizeBytes && usage.entries <= limits.entries;
@@ -81,6 +91,22 @@ bool IsAcceptable(const std::string& stage, const UnpackLimits& limits) {
     return usage.isComplete && !usage.hasSpecialFiles && IsWithin(usage, limits);
 }
 
+// False for what is no plain file, which tar could wait for for ever, and for an archive without its end:
+// where it is not compressed, tar takes one that is cut between two members for whole.
+bool HasEnd(const std::string& archive) {
+    std::size_t size = 0;
+    const Descriptor file = OpenPlainFile(archive.c_str(), size);
+    std::array<char, kMagic.size()> magic{};
+    std::array<char, kEndBytes> end{};
+    if (!file.IsOpen() || pread(file.Number(), magic.data(), magic.size(), kMagicOffset) < 0) {
+        return false;
+    }
+    return std::string_view(magic.data(), magic.size()) != kMagic ||
+           (pread(file.Number(), end.data(), end.size(), static_cast<off_t>(size - kEndBytes)) ==
+                static_cast<ssize_t>(kEndBytes) &&
+            std::all_of(end.begin(), end.end(), [](char byte) { return byte == 0; }));
+}
+
 ProgramEnd UnpackInto(const std::string& stage, Program tar, const std::string& archive,
                       const UnpackLimits& limits) {
     tar.arguments = {"-C", stage, "-xvf", archive};
@@ -98,7 +124,7 @@ ProgramEnd Unpack(Program tar, const std::string& folder, const std::string& arc
                   const UnpackLimits& limits) {
     ProgramEnd end;
     std::string stage = folder + "/.unpacking-XXXXXX";  // goes with the folder when we are killed
-    if (mkdtemp(stage.data()) != nullptr) {
+    if (HasEnd(archive) && mkdtemp(stage.data()) != nullptr) {
         end = UnpackInto(stage, std::move(tar), archive, limits);
         if (end.exitStatus == 0 && !(IsAcceptable(stage, limits) && TakeOver(stage, folder))) {
             end.exitStatus = -1;

@@ -36,7 +36,8 @@ std::string Content(std::size_t size, unsigned seed) {
 class UploadTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        appliance_ = std::make_unique<Appliance>(Appliance::WithTestModule({"--request-time", "1"}));
+        appliance_ = std::make_unique<Appliance>(
+            Appliance::WithTestModule({"--request-time", "1", "--upload-limit", "1000000000000000"}));
     }
     static void TearDownTestSuite() { appliance_.reset(); }
 
@@ -60,6 +61,13 @@ protected:
 
     static Answer Upload(const httplib::MultipartFormDataItems& form) {
         return ToAnswer(appliance_->Owner().Client().Post(kPath, form));
+    }
+
+    // The owner's request up to the content of a file.
+    static std::string FormBegin(const std::string& framing) {
+        return std::string("POST ") + kPath + " HTTP/1.1\r\nAuthorization: Bearer " + appliance_->Token() +
+               "\r\nContent-Type: multipart/form-data; boundary=b\r\n" + framing +
+               "--b\r\nContent-Disposition: form-data; name=\"f\"; filename=\"x\"\r\n\r\n";
     }
 
     static std::unique_ptr<Appliance> appliance_;
@@ -113,15 +121,18 @@ TEST_F(UploadTest, AStrangersFileIsSmall) {
     EXPECT_TRUE(Files().empty());
 }
 
+TEST_F(UploadTest, WhatTheDiskCannotHoldIsRefusedBeforeItIsSent) {
+    RawConnection connection(appliance_->Url());
+    connection.Send(FormBegin("Content-Length: 900000000000000\r\n\r\n"));
+    EXPECT_NE(std::string::npos, connection.ReceiveUntil("}}").find(R"("code":1020)"));
+    EXPECT_TRUE(Files().empty());
+}
+
 TEST_F(UploadTest, AClientThatBreaksOffLeavesNoFile) {
-    const std::string head = "Authorization: Bearer " + appliance_->Token() +
-                             "\r\nContent-Type: multipart/form-data; boundary=b\r\n";
     for (const char* framing :
          {"Content-Length: 10000000\r\n\r\n", "Transfer-Encoding: chunked\r\n\r\n100000\r\n"}) {
         RawConnection connection(appliance_->Url());
-        connection.Send(std::string("POST ") + kPath + " HTTP/1.1\r\n" + head + framing +
-                        "--b\r\nContent-Disposition: form-data; name=\"f\"; filename=\"x\"\r\n\r\n" +
-                        Content(600'000, 1));
+        connection.Send(FormBegin(framing) + Content(600'000, 1));
         EXPECT_TRUE(WaitUntil([] { return Files().size() == 1 && fs::file_size(Files()[0]) >= 262'144; }));
     }
     EXPECT_TRUE(WaitUntil([] { return Files().empty(); }));
@@ -130,10 +141,7 @@ TEST_F(UploadTest, AClientThatBreaksOffLeavesNoFile) {
 TEST_F(UploadTest, AKilledHttpProcessLeavesWholeFilesOnly) {
     EXPECT_TRUE(Upload({{"f", "whole", "a", ""}}).Succeeded());
     RawConnection connection(appliance_->Url());
-    connection.Send(
-        std::string("POST ") + kPath + " HTTP/1.1\r\nAuthorization: Bearer " + appliance_->Token() +
-        "\r\nContent-Type: multipart/form-data; boundary=b\r\nContent-Length: 10000000\r\n\r\n" +
-        "--b\r\nContent-Disposition: form-data; name=\"f\"; filename=\"x\"\r\n\r\n" + Content(600'000, 1));
+    connection.Send(FormBegin("Content-Length: 10000000\r\n\r\n") + Content(600'000, 1));
     ASSERT_TRUE(WaitUntil([] { return Files().size() == 2; }));
     kill(appliance_->HttpProcess(), SIGKILL);
     EXPECT_TRUE(WaitUntil([] { return Files().size() == 1; }));

@@ -1,6 +1,7 @@
 // tar as the appliance has it.
 #include "libcamvora/unpack.h"
 #include "platform/files.h"
+#include "support/smalldisk.h"
 #include "support/temporaryfolder.h"
 
 #include "capturedlog.h"
@@ -11,6 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -155,19 +157,24 @@ TEST_F(UnpackTest, BombsAreRefused) {
     EXPECT_TRUE(UnpackBytes(TarOf(many)));
 }
 
-// While it runs, not only afterwards: such an archive would fill the disk.
-TEST_F(UnpackTest, AnEndlessArchiveIsStopped) {
-    ASSERT_EQ(0, mkfifo(folder_.PathOf("endless").c_str(), 0600));
-    const Background writer([this] {
-        std::ofstream archive(folder_.PathOf("endless"), std::ios::binary);
-        for (unsigned long i = 0; archive.good(); ++i) {
-            archive << TarOf({{std::to_string(i)}}).substr(0, 512) << std::flush;
-            usleep(1000);
-        }
-        return true;
-    });
-    EXPECT_FALSE(Unpack("endless"));
+// While it runs, not only afterwards: it would fill the disk first.
+TEST_F(UnpackTest, ABombIsStoppedOnItsWay) {
+    constexpr int kFiles = 60'000;
+    std::string many;
+    for (int i = 0; i < kFiles; ++i) {
+        many += TarOf({{std::to_string(i)}}).substr(0, 512);
+    }
+    EXPECT_FALSE(UnpackBytes(many + std::string(1024, '\0')));
+    const std::string output = folder_.Read("output");
+    EXPECT_LT(std::count(output.begin(), output.end(), '\n'), kFiles);
     EXPECT_EQ(1U, ListingOf(folder_.PathOf("work")).size());
+}
+
+TEST_F(UnpackTest, WhatIsNoPlainFileIsNotWaitedFor) {
+    ASSERT_EQ(0, mkfifo(folder_.PathOf("fifo").c_str(), 0600));
+    EXPECT_FALSE(Unpack("fifo"));
+    EXPECT_FALSE(Unpack("missing"));
+    EXPECT_FALSE(Unpack("work"));
 }
 
 TEST_F(UnpackTest, ACutArchiveLeavesWhatWasThere) {
@@ -185,6 +192,27 @@ TEST_F(UnpackTest, ACutArchiveLeavesWhatWasThere) {
     EXPECT_EQ(ListingOf(folder_.PathOf("tree/device_pack")), ListingOf(folder_.PathOf("work/device_pack")));
 }
 
+// tar itself takes it for whole.
+TEST_F(UnpackTest, AnArchiveThatIsNotCompressedNeedsItsEnd) {
+    const std::string whole = TarOf({{"a", "x"}, {"b", "x"}});
+    for (const std::size_t size : {whole.size() - 1024, std::size_t{1024}}) {
+        EXPECT_FALSE(UnpackBytes(whole.substr(0, size))) << size;
+        EXPECT_EQ(1U, ListingOf(folder_.PathOf("work")).size()) << size;
+    }
+    EXPECT_TRUE(UnpackBytes(whole));
+}
+
+TEST_F(UnpackTest, AFullDiskLeavesWhatWasThere) {
+    const std::string small = TarOf({{"a", std::string(100'000, 'x')}});
+    const std::string large = TarOf({{"a", std::string(100'000, 'x')}, {"b", std::string(700'000, 'x')}});
+    EXPECT_TRUE(SucceedsInChild([&] {
+        const bool isMounted = MountSmallDisk(folder_.PathOf("work"), 600'000);
+        folder_.Write("work/INFO", "was there");
+        return !isMounted ||
+               (!UnpackBytes(large) && ListingOf(folder_.PathOf("work")).size() == 1 && UnpackBytes(small));
+    }));
+}
+
 TEST_F(UnpackTest, ASecondArchiveMergesWithTheFirst) {
     ASSERT_TRUE(UnpackBytes(TarOf({{"d/a", "1"}, {"d/b", "1"}, {"f", "1"}, {"e/x", "1"}})));
     ASSERT_TRUE(UnpackBytes(TarOf({{"d/b", "2"}, {"d/c", "2"}, {"f/x", "2"}, {"e", "2"}})));
@@ -194,7 +222,6 @@ TEST_F(UnpackTest, ASecondArchiveMergesWithTheFirst) {
     EXPECT_EQ("2", folder_.Read("work/d/c"));
     EXPECT_EQ("2", folder_.Read("work/f/x"));
     EXPECT_EQ("2", folder_.Read("work/e"));
-    EXPECT_FALSE(Unpack("missing"));
     EXPECT_EQ(8U, ListingOf(folder_.PathOf("work")).size());
 }
 
