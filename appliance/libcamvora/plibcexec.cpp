@@ -57,7 +57,7 @@ int PLIBCExec(const char* path, const char* arg1, const char* arg2, const char* 
         arguments.emplace_back(argument);
     }
     const ProgramEnd end = Run(MakeProgram(path, arguments));
-    (void)camvora::TheStore().Write([&](SQLite::Database& database) {  // a failure is in the log
+    (void)camvora::TheStore().WriteLater([&](SQLite::Database& database) {  // a failure is in the log
         camvora::AddProgramRun(database, path, arguments, end);
     });
     return end.exitStatus;
