@@ -58,21 +58,26 @@ bool Rename(const fs::path& from, const fs::path& to) {
 // Moves what is in one folder into another. What has arrived is in `arrived`.
 bool MoveEntries(const fs::path& from, const fs::path& to, std::vector<fs::path>& arrived) {
     std::error_code failure;
-    for (fs::directory_iterator entry(from, failure); entry != fs::directory_iterator();
-         entry.increment(failure)) {
-        const fs::path target = to / entry->path().filename();
-        if (IsFolder(entry->path()) && IsFolder(target)) {
-            if (!MoveEntries(entry->path(), target, arrived)) {
+    std::vector<fs::path> merging = {""};
+    while (!merging.empty()) {
+        const fs::path part = merging.back();
+        merging.pop_back();
+        for (fs::directory_iterator entry(from / part, failure); entry != fs::directory_iterator();
+             entry.increment(failure)) {
+            const fs::path name = part / entry->path().filename();
+            if (IsFolder(from / name) && IsFolder(to / name)) {
+                merging.push_back(name);
+            } else if (CVRm(to / name) == 0 && Rename(from / name, to / name)) {
+                arrived.push_back(to / name);
+            } else {
                 return false;
             }
-            continue;
         }
-        if (CVRm(target) != 0 || !Rename(entry->path(), target)) {
+        if (failure) {
             return false;
         }
-        arrived.push_back(target);
     }
-    return !failure;
+    return true;
 }
 
 bool TakeOver(const std::string& stage, const std::string& folder) {

@@ -86,7 +86,7 @@ const TextCase kWrongTexts[] = {
     {"size_below_zero", "YWJj", -1},
     {"incomplete_group", "YWJjZ", 3},
     {"other_alphabet", "YW_-", 3},
-    {"padding_inside", "YW==YWJj", 4},
+    {"padding_inside", "YW==YWJj", 6},
     {"padding_only", "====", 0},
     {"blanks_around", "    YWJj", 6},
     {"blank_inside", "YW Jj", 3},
