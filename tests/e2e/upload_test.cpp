@@ -77,7 +77,7 @@ std::unique_ptr<Appliance> UploadTest::appliance_;
 
 TEST_F(UploadTest, AHandlerSeesTextsAndStoredFiles) {
     const std::string one = Content(300'000, 1);
-    const std::string two = std::string("\r\n--\0\r\n", 8) + Content(70'000, 2);
+    const std::string two = std::string("\r\n--\0\r\n", 7) + Content(70'000, 2);
     const Json::Value form = Upload({{"text", "12 \xc3\xa4", "", ""},
                                      {"one", one, "../../Ger\xc3\xa4t.spk", "text/plain"},
                                      {"two", two, "/etc/passwd", ""},

@@ -149,6 +149,7 @@ TEST_F(UnpackTest, BombsAreRefused) {
     Pack("-czf", "zeros");
     EXPECT_FALSE(Unpack("zeros"));
     std::vector<TarMember> many;
+    many.reserve(51);
     for (int i = 0; i < 51; ++i) {
         many.push_back({std::to_string(i)});
     }
