@@ -34,10 +34,12 @@ constexpr ErrorEntry kErrors[] = {
     {405, "The path does not take this HTTP method"},
     {400, "The request is not valid"},
     {500, "The host failed"},
+    {507, "There is not enough free space for the upload"},
+    {500, "The upload could not be stored"},
 };
 
 static_assert(sizeof(kErrors) / sizeof(kErrors[0]) ==
-              static_cast<std::size_t>(FrameworkError::kHostFailed) + 1);
+              static_cast<std::size_t>(FrameworkError::kUploadNotStored) + 1);
 
 }  // namespace
 

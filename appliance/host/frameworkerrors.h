@@ -28,6 +28,8 @@ enum class FrameworkError {
     kWrongHttpMethod,
     kBadRequest,
     kHostFailed,
+    kNoSpace,
+    kUploadNotStored,
 };
 
 // The answer for `error`; its data is {"text": ...}, a sentence for people, with `detail` where given.

@@ -4,8 +4,10 @@
 #include "host/httpserver.h"
 #include "host/requestclient.h"
 #include "host/routes.h"
+#include "host/uploadarea.h"
 
 #include "libcamvora/notifications.h"
+#include "libcamvora/uploadfolder.h"
 #include "platform/log.h"
 
 #include <unistd.h>
@@ -46,7 +48,9 @@ int RunHttpProcess(UniqueFd listener, UniqueFd intake, const Module& module, con
     KeepStoreOpen();
     RequestClient client(std::move(intake), options.requestLimit, options.requestTimeS);
     EventHub events(options.streamLimit, std::chrono::seconds(options.heartbeatS));
-    Routes routes(module, token, options, client, events);
+    const UploadArea uploadArea(camvora::UploadFolder());
+    uploadArea.RemoveUnfinished();  // of an HTTP process that was killed
+    Routes routes(module, token, options, uploadArea, client, events);
     HttpServer server(std::move(listener), options, events);
     routes.AddTo(server);
     server.LimitBodies([&routes](const httplib::Request& request) { return routes.BodyLimit(request); });

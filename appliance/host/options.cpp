@@ -30,6 +30,8 @@ void AddLimits(CLI::App& app, Options& options) {
     app.add_option("--stranger-body-limit", options.strangerBodyLimitBytes,
                    "Bytes of a request body without the access token")
         ->check(CLI::Range(1, 1 << 30));
+    app.add_option("--upload-limit", options.uploadLimitBytes, "Bytes of all files of a form together")
+        ->check(CLI::Range(1LL, 1LL << 50));
     app.add_option("--request-limit", options.requestLimit, "Requests at a time")->check(CLI::Range(1, 200));
     app.add_option("--request-time", options.requestTimeS, "Seconds that a request may take")->check(seconds);
     app.add_option("--connection-limit", options.connectionLimit,

@@ -16,6 +16,7 @@ struct Options {
 
     std::size_t bodyLimitBytes = std::size_t{2} << 20;
     std::size_t strangerBodyLimitBytes = std::size_t{64} << 10;
+    std::size_t uploadLimitBytes = std::size_t{1} << 30;
     int requestLimit = 64;
     int requestTimeS = 1800;
     int connectionLimit = 256;

@@ -9,6 +9,8 @@ namespace host {
 
 namespace {
 
+constexpr char kSuccessBegin[] = R"({"success":true,)";
+
 std::unique_ptr<Json::StreamWriter> CompactWriter() {
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";
@@ -25,7 +27,11 @@ std::string ToText(const Json::Value& value) {
 }  // namespace
 
 Reply SuccessReply(const Json::Value& data) {
-    return {200, R"({"success":true,"data":)" + ToText(data) + "}"};
+    return {200, kSuccessBegin + (R"("data":)" + ToText(data)) + "}"};
+}
+
+bool IsSuccess(const Reply& reply) {
+    return reply.body.rfind(kSuccessBegin, 0) == 0;
 }
 
 Reply ErrorReply(int httpStatus, int code, const Json::Value& data) {

@@ -19,4 +19,7 @@ Reply SuccessReply(const Json::Value& data);
 // {"success":false,"error":{"code":...,"data":...}}
 Reply ErrorReply(int httpStatus, int code, const Json::Value& data);
 
+// True for what SuccessReply made.
+bool IsSuccess(const Reply& reply);
+
 }  // namespace host

@@ -11,6 +11,7 @@ struct RequestHead {
     bool authorized;
     bool upload;
     std::uint32_t cookiesSize;
+    std::uint32_t filesSize;
 };
 
 template <typename Head>
@@ -29,14 +30,21 @@ Head DecodeHead(const std::string& text) {
 
 std::string Encode(const Request& request) {
     const RequestHead head{request.row, request.authorized, request.upload,
-                           static_cast<std::uint32_t>(request.cookies.size())};
-    return EncodeHead(head) + request.cookies + request.body;
+                           static_cast<std::uint32_t>(request.cookies.size()),
+                           static_cast<std::uint32_t>(request.files.size())};
+    return EncodeHead(head) + request.cookies + request.files + request.body;
 }
 
 Request DecodeRequest(const std::string& text) {
     const auto head = DecodeHead<RequestHead>(text);
-    return {head.row, head.authorized, head.upload, text.substr(sizeof(head), head.cookiesSize),
-            text.substr(sizeof(head) + head.cookiesSize)};
+    const std::size_t files = sizeof(head) + head.cookiesSize;
+    const std::size_t body = files + head.filesSize;
+    return {head.row,
+            head.authorized,
+            head.upload,
+            text.substr(sizeof(head), head.cookiesSize),
+            text.substr(files, head.filesSize),
+            text.substr(body)};
 }
 
 std::string Encode(const Reply& reply) {

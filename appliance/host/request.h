@@ -15,6 +15,7 @@ struct Request {
     bool authorized = false;
     bool upload = false;  // the body was a form
     std::string cookies;  // as the client sent them
+    std::string files;    // of a form, as Uploads gives them as JSON text; empty for none
     std::string body;     // the parameters as JSON text; empty for none
 };
 

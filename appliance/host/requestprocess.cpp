@@ -14,6 +14,8 @@
 #include <unistd.h>
 
 #include <exception>
+#include <map>
+#include <optional>
 
 namespace host {
 
@@ -51,6 +53,17 @@ Reply CallHandler(const Request& request, const MethodRow& row, const ORVA::Requ
     }
 }
 
+std::optional<Reply> ReadFiles(const std::string& text, std::map<std::string, ORVA::UploadedFile>& files) {
+    Json::Value byField;
+    if (auto refusal = ReadParams(text, byField)) {
+        return refusal;
+    }
+    for (const std::string& field : byField.getMemberNames()) {
+        files[field] = {byField[field]["name"].asString(), byField[field]["path"].asString()};
+    }
+    return std::nullopt;
+}
+
 Reply Answer(const Request& request, const Module& module) {
     if (request.row == kPing) {
         return SuccessReply(Json::Value());
@@ -58,6 +71,9 @@ Reply Answer(const Request& request, const Module& module) {
     const MethodRow& row = module.Rows().at(static_cast<std::size_t>(request.row));
     ORVA::RequestContent content;
     if (const auto refusal = ReadParams(request.body, content.params)) {
+        return *refusal;
+    }
+    if (const auto refusal = ReadFiles(request.files, content.files)) {
         return *refusal;
     }
     content.authorized = request.authorized;

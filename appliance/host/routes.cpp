@@ -6,7 +6,8 @@
 #include "host/frameworkerrors.h"
 #include "host/httpreply.h"
 #include "host/operations.h"
-#include "host/requestbody.h"
+#include "host/programs.h"
+#include "host/uploads.h"
 
 #include "libcamvora/diagnosticlog.h"
 #include "platform/log.h"
@@ -41,14 +42,19 @@ struct Routes::Page {
 
 // All of them are read with GET; everything else is a method of the module, called with POST.
 const Routes::Page Routes::kPages[] = {
-    {"/api", false, &Routes::AnswerApis},     {"/health", false, &Routes::AnswerHealth},
-    {"/log", true, &Routes::AnswerLog},       {"/operations", true, &Routes::AnswerOperations},
-    {"/events", true, &Routes::AnswerEvents},
+    {"/api", false, &Routes::AnswerApis},         {"/health", false, &Routes::AnswerHealth},
+    {"/log", true, &Routes::AnswerLog},           {"/operations", true, &Routes::AnswerOperations},
+    {"/programs", true, &Routes::AnswerPrograms}, {"/events", true, &Routes::AnswerEvents},
 };
 
-Routes::Routes(const Module& module, const AccessToken& token, const Options& options, RequestClient& client,
-               EventHub& events)
-    : module_(module), token_(token), options_(options), client_(client), events_(events) {}
+Routes::Routes(const Module& module, const AccessToken& token, const Options& options,
+               const UploadArea& uploadArea, RequestClient& client, EventHub& events)
+    : module_(module),
+      token_(token),
+      options_(options),
+      uploadArea_(uploadArea),
+      client_(client),
+      events_(events) {}
 
 void Routes::AddTo(httplib::Server& server) {
     server.set_pre_routing_handler(
@@ -110,12 +116,17 @@ void Routes::AnswerCall(const httplib::Request& request, httplib::Response& resp
     call.row = std::get<std::int32_t>(FindMethod(module_, request.path));
     call.authorized = IsAuthorized(request);
     call.cookies = request.get_header_value("Cookie");
-    if (auto refusal = ReadBody(request, reader, BodyLimit(request), call)) {
+    Uploads uploads(uploadArea_, AnnouncedSize(request));
+    if (auto refusal = ReadBody(request, reader, LimitsOf(request), uploads, call)) {
         AnnounceClose(response);
         Write(response, std::move(*refusal));
         return;
     }
-    Write(response, client_.Call(GiveRequestId(response), call));
+    Reply reply = client_.Call(GiveRequestId(response), call);
+    if (IsSuccess(reply)) {
+        uploads.Keep();
+    }
+    Write(response, std::move(reply));
 }
 
 void Routes::AnswerApis(const httplib::Request& /*request*/, httplib::Response& response) {
@@ -152,6 +163,10 @@ void Routes::AnswerOperations(const httplib::Request& request, httplib::Response
     Write(response, ReplyWithOperations(request));
 }
 
+void Routes::AnswerPrograms(const httplib::Request& request, httplib::Response& response) {
+    Write(response, ReplyWithPrograms(request));
+}
+
 void Routes::AnswerEvents(const httplib::Request& request, httplib::Response& response) {
     const std::shared_ptr<EventStream> stream =
         events_.Open(ParseDecimal(request.get_header_value("Last-Event-ID")));
@@ -177,10 +192,17 @@ void Routes::AnswerEvents(const httplib::Request& request, httplib::Response& re
         });
 }
 
-// What a stranger may have parsed before the module refuses it is little.
 std::size_t Routes::BodyLimit(const httplib::Request& request) const {
-    return IsAuthorized(request) ? options_.bodyLimitBytes
-                                 : std::min(options_.bodyLimitBytes, options_.strangerBodyLimitBytes);
+    return LimitsOf(request).TotalBytes(request);
+}
+
+// What a stranger may have parsed or stored before the module refuses it is little.
+BodyLimits Routes::LimitsOf(const httplib::Request& request) const {
+    if (IsAuthorized(request)) {
+        return {options_.bodyLimitBytes, options_.uploadLimitBytes};
+    }
+    return {std::min(options_.bodyLimitBytes, options_.strangerBodyLimitBytes),
+            std::min(options_.uploadLimitBytes, options_.strangerBodyLimitBytes)};
 }
 
 bool Routes::IsAuthorized(const httplib::Request& request) const {

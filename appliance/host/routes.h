@@ -5,7 +5,9 @@
 #include "host/events.h"
 #include "host/module.h"
 #include "host/options.h"
+#include "host/requestbody.h"
 #include "host/requestclient.h"
+#include "host/uploadarea.h"
 
 #include <httplib.h>
 
@@ -15,8 +17,8 @@ namespace host {
 class Routes {
 public:
     // All references stay the caller's.
-    Routes(const Module& module, const AccessToken& token, const Options& options, RequestClient& client,
-           EventHub& events);
+    Routes(const Module& module, const AccessToken& token, const Options& options,
+           const UploadArea& uploadArea, RequestClient& client, EventHub& events);
 
     // Has `server` answer its requests here. This object outlives the server.
     void AddTo(httplib::Server& server);
@@ -39,13 +41,16 @@ private:
     void AnswerHealth(const httplib::Request& request, httplib::Response& response);
     void AnswerLog(const httplib::Request& request, httplib::Response& response);
     void AnswerOperations(const httplib::Request& request, httplib::Response& response);
+    void AnswerPrograms(const httplib::Request& request, httplib::Response& response);
     void AnswerEvents(const httplib::Request& request, httplib::Response& response);
 
+    BodyLimits LimitsOf(const httplib::Request& request) const;
     bool IsAuthorized(const httplib::Request& request) const;
 
     const Module& module_;
     const AccessToken& token_;
     const Options& options_;
+    const UploadArea& uploadArea_;
     RequestClient& client_;
     EventHub& events_;
 };

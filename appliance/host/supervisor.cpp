@@ -8,6 +8,7 @@
 
 #include "libcamvora/diagnosticlog.h"
 #include "libcamvora/lockguards.h"
+#include "libcamvora/uploadfolder.h"
 #include "platform/log.h"
 
 #include <poll.h>
@@ -24,6 +25,7 @@ namespace {
 constexpr int kUpkeepIntervalMs = 5'000;
 constexpr int kStopPollMs = 50;
 constexpr std::chrono::milliseconds kEndGrace{2000};
+constexpr std::chrono::hours kUploadLife{24};
 
 UniqueFd OpenSignals() {
     sigset_t signals;
@@ -58,6 +60,7 @@ Supervisor::Supervisor(const Options& options, const Module& module, const Acces
       token_(token),
       signals_(OpenSignals()),
       listener_(Listen(options.listenAddress, options.port)),
+      uploadArea_(camvora::UploadFolder()),
       children_{{{"request server", [this] { return RunRequestServer(); }},
                  {"HTTP server", [this] { return RunHttpProcess(); }}}} {
     std::tie(handIn_, takeOut_) = OpenIntake();
@@ -78,6 +81,7 @@ int Supervisor::RunHttpProcess() {
 }
 
 int Supervisor::Run() {
+    uploadArea_.Make();
     for (Child& child : children_) {
         Start(child);
     }
@@ -100,8 +104,9 @@ bool Supervisor::Supervise() {
         if (!RestartEnded()) {
             return false;
         }
-        camvora::RotateLogIfLarge();
+        camvora::RotateLogsIfLarge();
         camvora::SweepLockFiles();
+        uploadArea_.RemoveOlderThan(kUploadLife);
     }
     return true;
 }

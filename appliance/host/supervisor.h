@@ -6,6 +6,7 @@
 #include "host/module.h"
 #include "host/options.h"
 #include "host/restartbudget.h"
+#include "host/uploadarea.h"
 
 #include <sys/types.h>
 
@@ -52,6 +53,7 @@ private:
     UniqueFd handIn_;
     UniqueFd takeOut_;
     RestartBudget restarts_;
+    const UploadArea uploadArea_;
     std::array<Child, 2> children_;
 };
 

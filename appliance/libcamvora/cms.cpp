@@ -50,3 +50,11 @@ bool IsAuthPairMatch(const std::string& cookie, const std::string& timestamp) {
 bool SlaveHXAuthentication::IsAuthByPairMatch(const std::string& cookie, const std::string& timestamp) {
     return IsProofOf("host", cookie, timestamp);
 }
+
+Json::Value GetJsonAPIInfo(const std::string& api, const std::string& method, int version) {
+    Json::Value request(Json::objectValue);
+    request["api"] = api;
+    request["method"] = method;
+    request["version"] = version;
+    return request;
+}

@@ -25,8 +25,10 @@ Json::Value LogLinesOfRequest(const std::string& requestId) {
     return LogFile(kLogFile).LinesOfRequest(requestId);
 }
 
-void RotateLogIfLarge() {
-    LogFile(kLogFile).RotateIfLarger(kFileLimitBytes);
+void RotateLogsIfLarge() {
+    for (const char* file : {kLogFile, kProgramLogFile}) {
+        LogFile(file).RotateIfLarger(kFileLimitBytes);
+    }
 }
 
 }  // namespace camvora

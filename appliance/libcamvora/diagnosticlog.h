@@ -12,8 +12,8 @@ namespace camvora {
 // (any more). Lines that are damaged are passed over.
 Json::Value LogLinesOfRequest(const std::string& requestId);
 
-// Sets the log file aside, in place of the one set aside before, when it has grown beyond its limit.
-// Called by the host from time to time; writers need not be stopped.
-void RotateLogIfLarge();
+// Sets the log file, and the file of what programs print, aside in place of the one set aside before, when it
+// has grown beyond its limit. Called by the host from time to time; writers need not be stopped.
+void RotateLogsIfLarge();
 
 }  // namespace camvora

@@ -1,9 +1,12 @@
 // The reader of key-value files. A line is key=value or key="value"; blanks around both parts, comment lines
 // with "#" and a final CR do not count. Of several lines with the same key the first one holds.
+#include "libcamvora/keyvalue.h"
+
 #include "libcamvora/plainfile.h"
 #include "platform/plibc.h"
 
 #include <algorithm>
+#include <charconv>
 #include <optional>
 #include <string_view>
 
@@ -49,15 +52,37 @@ std::optional<std::string_view> ValueInText(std::string_view text, std::string_v
     return std::nullopt;
 }
 
+std::optional<std::string> ValueInFile(const char* path, const char* key) {
+    const auto text = camvora::ReadPlainFile(path, kFileLimitBytes);
+    const auto value = text ? ValueInText(*text, key) : std::nullopt;
+    return value ? std::optional(std::string(*value)) : std::nullopt;
+}
+
 }  // namespace
+
+namespace camvora {
+
+std::string TextOfKey(const char* path, const char* key, const std::string& defaultValue) {
+    const auto value = ValueInFile(path, key);
+    return value && !value->empty() ? *value : defaultValue;
+}
+
+long long NumberOfKey(const char* path, const char* key, long long defaultValue) {
+    const std::string text = TextOfKey(path, key, "");
+    const char* end = text.data() + text.size();
+    long long number = 0;
+    const auto result = std::from_chars(text.data(), end, number);
+    return result.ec == std::errc() && result.ptr == end && number > 0 ? number : defaultValue;
+}
+
+}  // namespace camvora
 
 int PLIBCFileGetKeyValue(const char* path, const char* key, char* buffer, int bufferSize, int /*flags*/) {
     if (path == nullptr || key == nullptr || buffer == nullptr || bufferSize <= 0) {
         return -1;
     }
     buffer[0] = '\0';
-    const auto text = camvora::ReadPlainFile(path, kFileLimitBytes);
-    const auto value = text ? ValueInText(*text, key) : std::nullopt;
+    const auto value = ValueInFile(path, key);
     if (!value) {
         return -1;
     }

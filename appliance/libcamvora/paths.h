@@ -9,12 +9,21 @@ inline constexpr char kLocalDisplayFolder[] = "/var/packages/Camvora/target/loca
 inline constexpr char kFactoryCopySuffix[] = ".default";
 inline constexpr char kAddOnConfName[] = "/conf";
 
+// The main package's settings.
+inline constexpr char kPackageConf[] = "/var/packages/Camvora/target/etc/cv.conf";
+
 // The web applications' configuration and texts.
 inline constexpr char kUiFolder[] = "/var/packages/Camvora/target/ui";
 
 // What the stand-in keeps.
 inline constexpr char kDatabaseFile[] = "/var/packages/Camvora/target/@CVData/camvora.db";
 inline constexpr char kLogFile[] = "/var/packages/Camvora/target/@CVData/log/camvora.log";
+
+inline constexpr char kProgramLogFile[] = "/var/packages/Camvora/target/@CVData/log/programs.log";
+inline constexpr char kDefaultUploadFolder[] = "/var/packages/Camvora/target/@CVData/upload";
+
+// Limits of the programs that are run for requests.
+inline constexpr char kProgramsConf[] = "/var/packages/Camvora/target/etc/programs.conf";
 
 // What is true only while the appliance runs; emptied at its start. The package is started while kStartedFile
 // exists. Locks are guarded in kGuardFolder.

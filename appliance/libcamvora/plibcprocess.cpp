@@ -8,6 +8,10 @@
 #include <cstdio>
 #include <string>
 
+int PLIBCFileExist(const char* path) {
+    return access(path, F_OK) == 0 ? 1 : 0;
+}
+
 pid_t PLIBCProcFork() {
     return fork();
 }

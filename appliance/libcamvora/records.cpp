@@ -35,6 +35,24 @@ Operation OperationOf(const SQLite::Statement& row) {
             {row.getColumn(5).getString(), row.getColumn(6).getString(), row.getColumn(7).getString()}};
 }
 
+// What is not bound is null, as are the arguments that a program does not have.
+constexpr int kFirstArgument = 4;
+
+ProgramRun ProgramRunOf(const SQLite::Statement& row) {
+    ProgramRun run{row.getColumn(0).getInt64(),
+                   row.getColumn(1).getString(),
+                   row.getColumn(2).getString(),
+                   row.getColumn(3).getString(),
+                   {},
+                   row.getColumn(8).getInt(),
+                   row.getColumn(9).getInt64(),
+                   row.getColumn(10).getInt64()};
+    for (int i = kFirstArgument; i < kFirstArgument + kArgumentsLimit && !row.getColumn(i).isNull(); ++i) {
+        run.arguments.push_back(row.getColumn(i).getString());
+    }
+    return run;
+}
+
 }  // namespace
 
 void AddOperation(SQLite::Database& database, int event, long long number,
@@ -55,6 +73,24 @@ void AddNotification(SQLite::Database& database, int type, const std::array<std:
     SQLite::bind(statement, UtcTimeText(), RequestId(), type, texts[0], texts[1], texts[2]);
     statement.exec();
     Drop(database, "DELETE FROM notifications WHERE id <= last_insert_rowid() - ?", kNotificationsKept);
+}
+
+void AddProgramRun(SQLite::Database& database, const std::string& path,
+                   const std::vector<std::string>& arguments, const ProgramEnd& end) {
+    SQLite::Statement statement(
+        database,
+        "INSERT INTO programs(time, request, path, argument1, argument2, argument3, argument4, exit_status,"
+        " duration_ms, peak_memory_kib) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    SQLite::bind(statement, UtcTimeText(), RequestId(), path);
+    int index = kFirstArgument;
+    for (const std::string& argument : arguments) {
+        statement.bind(index++, argument);
+    }
+    statement.bind(8, end.exitStatus);
+    statement.bind(9, std::int64_t{end.duration.count()});
+    statement.bind(10, std::int64_t{end.peakMemoryKiB});
+    statement.exec();
+    Drop(database, "DELETE FROM programs WHERE id <= last_insert_rowid() - ?", kProgramRunsKept);
 }
 
 long long LastOperationId(SQLite::Database& database) {
@@ -90,6 +126,19 @@ std::vector<Notification> NotificationsAfter(SQLite::Database& database, long lo
         notifications.push_back(NotificationOf(statement));
     }
     return notifications;
+}
+
+std::vector<ProgramRun> ProgramRunsOf(SQLite::Database& database, const std::string& requestId, int limit) {
+    SQLite::Statement statement(database,
+                                "SELECT id, time, request, path, argument1, argument2, argument3, argument4, "
+                                "exit_status, duration_ms,"
+                                " peak_memory_kib FROM programs WHERE request = ? ORDER BY id LIMIT ?");
+    SQLite::bind(statement, requestId, limit);
+    std::vector<ProgramRun> runs;
+    while (statement.executeStep()) {
+        runs.push_back(ProgramRunOf(statement));
+    }
+    return runs;
 }
 
 }  // namespace camvora

@@ -1,9 +1,11 @@
-// The two growing tables of the database, in which the newest records are kept: operation log and
-// notifications.
+// The growing tables of the database, in which the newest records are kept: operation log, notifications and
+// programs.
 #pragma once
 
 #include "libcamvora/notifications.h"
 #include "libcamvora/operationlog.h"
+#include "libcamvora/program.h"
+#include "libcamvora/programlog.h"
 
 #include <SQLiteCpp/Database.h>
 
@@ -15,12 +17,15 @@ namespace camvora {
 
 inline constexpr int kNotificationsKept = 1000;
 inline constexpr int kOperationsKept = 10000;
+inline constexpr int kProgramRunsKept = 10000;
 
 // Each adds a record with the present time and this process's request, and drops the ones that are too old.
 // Called inside a transaction. Throws std::exception when that fails.
 void AddOperation(SQLite::Database& database, int event, long long number,
                   const std::array<std::string, 3>& texts);
 void AddNotification(SQLite::Database& database, int type, const std::array<std::string, 3>& texts);
+void AddProgramRun(SQLite::Database& database, const std::string& path,
+                   const std::vector<std::string>& arguments, const ProgramEnd& end);
 
 // What the functions of the same names give, from this database.
 long long LastOperationId(SQLite::Database& database);
@@ -28,5 +33,6 @@ std::vector<Operation> OperationsAfter(SQLite::Database& database, long long id,
                                        int limit);
 long long LastNotificationId(SQLite::Database& database);
 std::vector<Notification> NotificationsAfter(SQLite::Database& database, long long id, int limit);
+std::vector<ProgramRun> ProgramRunsOf(SQLite::Database& database, const std::string& requestId, int limit);
 
 }  // namespace camvora

@@ -9,11 +9,18 @@
 
 namespace ORVA {
 
+// A file of a form, as it lies in the upload area.
+struct UploadedFile {
+    std::string clientName;  // as the client sent it: never part of a path
+    std::string path;
+};
+
 struct RequestContent {
     bool authorized = false;
     bool upload = false;  // the body is a form
     std::string method;
     Json::Value params{Json::objectValue};
+    std::map<std::string, UploadedFile> files;  // of a form, by field
     std::map<std::string, std::string> cookies;
 };
 

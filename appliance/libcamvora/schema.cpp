@@ -26,6 +26,9 @@ constexpr const char* kSteps[] = {
     "CREATE TABLE notifications(id INTEGER PRIMARY KEY AUTOINCREMENT, time TEXT NOT NULL,"
     " request TEXT NOT NULL, type INTEGER NOT NULL,"
     " text1 TEXT NOT NULL, text2 TEXT NOT NULL, text3 TEXT NOT NULL);",
+    "CREATE TABLE programs(id INTEGER PRIMARY KEY AUTOINCREMENT, time TEXT NOT NULL, request TEXT NOT NULL,"
+    " path TEXT NOT NULL, argument1 TEXT, argument2 TEXT, argument3 TEXT, argument4 TEXT,"
+    " exit_status INTEGER NOT NULL, duration_ms INTEGER NOT NULL, peak_memory_kib INTEGER NOT NULL);",
 };
 
 }  // namespace

@@ -9,6 +9,7 @@
 //                  (secret_in) and that we use towards it (secret_out)
 //   operation_log  what the appliance's owner is told
 //   notifications  what connected clients are told
+//   programs       what was run for requests, and how it ended
 #pragma once
 
 #include <SQLiteCpp/Database.h>

@@ -43,9 +43,18 @@ std::shared_ptr<const State> Store::Read() {
 }
 
 bool Store::Write(const Work& work) {
+    return Transact(work, "PRAGMA synchronous = FULL");
+}
+
+bool Store::WriteLater(const Work& work) {
+    return Transact(work, "PRAGMA synchronous = NORMAL");
+}
+
+bool Store::Transact(const Work& work, const char* synchronous) {
     const std::lock_guard<std::mutex> lock(mutex_);
     try {
         SQLite::Database& database = Connect();
+        database.exec(synchronous);
         SQLite::Transaction change(database, SQLite::TransactionBehavior::IMMEDIATE);
         work(database);
         change.commit();

@@ -31,6 +31,10 @@ public:
     // database cannot be written.
     bool Write(const Work& work);
 
+    // The same without waiting for the disk: a power failure may undo it, and nothing else that was written
+    // just before has to get to the disk first. For records of what has happened.
+    bool WriteLater(const Work& work);
+
     // Runs `work`. Throws std::exception when the database cannot be opened, and what `work` throws.
     void Query(const Work& work);
 
@@ -46,6 +50,7 @@ public:
     void AfterForkInChild();
 
 private:
+    bool Transact(const Work& work, const char* synchronous);
     SQLite::Database& Connect();
     void Disconnect();
     std::optional<FileStamp> Stamp() const;

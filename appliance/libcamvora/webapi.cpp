@@ -44,4 +44,20 @@ void APIResponse::SetError(int code, const Json::Value& data) {
     content_.data = data;
 }
 
+APIUpload::APIUpload(APIRequest* request) : content_(request->content_) {}
+
+void APIUpload::GetUploadParam(Json::Value& form) {
+    for (const std::string& field :
+         content_.upload ? content_.params.getMemberNames() : Json::Value::Members()) {
+        form[field] = content_.params[field];
+    }
+}
+
+void APIUpload::GetUploadFile(Json::Value& form) {
+    for (const auto& [field, file] : content_.files) {
+        form[field] = file.clientName;
+        form[field + "_tmp"] = file.path;
+    }
+}
+
 }  // namespace ORVA

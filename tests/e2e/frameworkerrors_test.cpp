@@ -1,10 +1,13 @@
 // The framework's own refusals: each has its code, its HTTP status and a sentence.
 #include "e2e/appliance.h"
 
+#include <filesystem>
+
 namespace e2e {
 namespace {
 
 constexpr std::size_t kBodyLimitBytes = 10'000;
+constexpr std::size_t kUploadLimitBytes = 20'000;
 
 struct ErrorCase {
     std::string name;
@@ -26,6 +29,12 @@ constexpr char kForm[] = "multipart/form-data; boundary=b";
 const std::string kModule = "/api/TEST.Module/v1/";
 const std::string kEcho = kModule + "Echo";
 
+// A form with one file.
+std::string File(const std::string& field, const std::string& name, const std::string& content) {
+    return "--b\r\nContent-Disposition: form-data; name=\"" + field + "\"; filename=\"" + name +
+           "\"\r\n\r\n" + content + "\r\n--b--\r\n";
+}
+
 const std::vector<ErrorCase> kErrorCases = {
     {"unknown_api", "POST", "/api/TEST.None/v1/Echo", "{}", kJson, 404, 1001},
     {"api_in_other_case", "POST", "/api/test.module/v1/Echo", "{}", kJson, 404, 1001},
@@ -46,12 +55,18 @@ const std::vector<ErrorCase> kErrorCases = {
     {"no_object", "POST", kEcho, "[1]", kJson, 400, 1005},
     {"body_too_large", "POST", kEcho, std::string(kBodyLimitBytes + 1, ' '), kJson, 413, 1006},
     {"path_too_long", "GET", "/" + std::string(9000, 'x'), "", "", 413, 1006},
-    {"file_upload", "POST", kEcho,
-     "--b\r\nContent-Disposition: form-data; name=\"f\"; filename=\"x\"\r\n\r\ntext\r\n--b--\r\n", kForm, 415,
-     1007},
+    {"upload_too_large", "POST", kModule + "Upload", File("f", "x", std::string(kUploadLimitBytes + 1, 'x')),
+     kForm, 413, 1006},
+    {"upload_too_large_with_its_form", "POST", kModule + "Upload",
+     File("f", "x", std::string(kUploadLimitBytes + kBodyLimitBytes, 'x')), kForm, 413, 1006},
+    {"upload_cut_short", "POST", kModule + "Upload", File("f", "x", "text").substr(0, 70), kForm, 400, 1018},
+    {"upload_with_a_name_that_is_no_text", "POST", kModule + "Upload", File("f", "\xff", "text"), kForm, 400,
+     1004},
+    {"upload_of_a_field_that_is_no_text", "POST", kModule + "Upload", File("\xff", "x", "text"), kForm, 400,
+     1004},
     {"other_multipart", "POST", kEcho, "x", "multipart/mixed; boundary=b", 415, 1007},
-    {"damaged_form", "POST", kEcho, "--b\r\nContent-Disposition: form-data; name=\"f\"\r\n\r\nx", kForm, 400,
-     1018},
+    {"damaged_form", "POST", kEcho, "--b\r\nContent-Disposition: form-data; name=\"f\"\r\n\r\nx",
+     kForm, 400, 1018},
     {"no_answer", "POST", kModule + "StaySilent", "{}", kJson, 500, 1009},
     {"exit", "POST", kModule + "Exit", "{}", kJson, 500, 1009},
     {"crash", "POST", kModule + "Crash", "{}", kJson, 500, 1010},
@@ -69,13 +84,14 @@ const std::vector<ErrorCase> kErrorCases = {
     {"method_with_get", "GET", kEcho, "", "", 405, 1017},
     {"method_with_put", "PUT", kEcho, "{}", kJson, 405, 1017},
     {"log_of_no_request", "GET", "/log", "", "", 400, 1018},
+    {"programs_of_no_request", "GET", "/programs", "", "", 400, 1018},
 };
 
 class FrameworkErrorTest : public ApplianceTest, public testing::WithParamInterface<ErrorCase> {
 protected:
     static void SetUpTestSuite() {
-        Start(Appliance::WithTestModule(
-            {"--request-time", "1", "--body-limit", std::to_string(kBodyLimitBytes)}));
+        Start(Appliance::WithTestModule({"--request-time", "1", "--body-limit", std::to_string(kBodyLimitBytes),
+                                         "--upload-limit", std::to_string(kUploadLimitBytes)}));
     }
 };
 
@@ -94,6 +110,7 @@ TEST_P(FrameworkErrorTest, HasItsCode) {
     EXPECT_NE("", answer.Text());
     EXPECT_EQ(16U, answer.requestId.size());
     EXPECT_TRUE(owner_.Test("Echo").Succeeded());
+    EXPECT_TRUE(std::filesystem::is_empty(appliance_->PackagePath("target/@CVData/upload")));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, FrameworkErrorTest, testing::ValuesIn(kErrorCases),

@@ -2,12 +2,14 @@
 // handler sees.
 #include "platform/log.h"
 #include "platform/notify.h"
+#include "platform/plibc.h"
 #include "platform/webapi.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -140,6 +142,33 @@ void Log(APIRequest* request, APIResponse* response) {
     response->SetSuccess(Json::Value());
 }
 
+// Answers with the form as a handler sees it; with the field "fail" as an error.
+void Upload(APIRequest* request, APIResponse* response) {
+    Json::Value form;
+    ORVA::APIUpload upload(request);
+    upload.GetUploadParam(form);
+    upload.GetUploadFile(form);
+    SleepMs(form.isMember("ms") ? std::stoi(form["ms"].asString()) : 0);
+    if (form.isMember("fail")) {
+        response->SetError(400, form);
+    } else {
+        response->SetSuccess(form);
+    }
+}
+
+// Runs a program with up to four arguments.
+void Exec(APIRequest* request, APIResponse* response) {
+    const std::string path = TextParam(request, "path");
+    const Json::Value arguments = request->GetParam("arguments", Json::Value());
+    std::array<const char*, 4> texts{};
+    for (Json::ArrayIndex i = 0; i < arguments.size(); ++i) {
+        texts.at(i) = arguments[i].asCString();
+    }
+    Json::Value data;
+    data["exitStatus"] = PLIBCExec(path.c_str(), texts[0], texts[1], texts[2], texts[3]);
+    response->SetSuccess(data);
+}
+
 struct Row {
     const char* api;
     std::int32_t version;
@@ -166,6 +195,8 @@ const Row kTable[] = {
     {kApi, 1, "Inspect", Inspect},
     {kApi, 1, "Notify", Notify},
     {kApi, 1, "Log", Log},
+    {kApi, 1, "Upload", Upload},
+    {kApi, 1, "Exec", Exec},
     {kApi, 2, "Echo", Echo},
     {"TEST.Other", 1, "Echo", Echo},
     {},

@@ -1,6 +1,8 @@
 #include "children.h"
 
 #include <fcntl.h>
+#include <linux/capability.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -51,6 +53,12 @@ int CountSuccesses(int count, const std::function<bool(int)>& work) {
 
 bool SucceedsInChild(const std::function<bool()>& work) {
     return Background(work).Worked();
+}
+
+bool GiveUpPrivileges() {
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    const std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> none{};
+    return syscall(SYS_capset, &header, none.data()) == 0;
 }
 
 Background::Background(const std::function<bool()>& work) {

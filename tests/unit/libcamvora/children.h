@@ -12,6 +12,9 @@ int CountSuccesses(int count, const std::function<bool(int)>& work);
 // The same with one child: true when it reported success.
 bool SucceedsInChild(const std::function<bool()>& work);
 
+// For a child of root: from now on it may do no more than the files' modes let their owner do.
+bool GiveUpPrivileges();
+
 // A child that does `work` and then stays until it is killed.
 class Background {
 public:

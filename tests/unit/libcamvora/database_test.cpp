@@ -40,6 +40,14 @@ TEST_F(DatabaseFile, OfANewerVersionIsRefusedAndLeftAlone) {
     EXPECT_EQ(99, camvora::SchemaVersion(database));
 }
 
+TEST_F(DatabaseFile, OfAnOlderVersionIsBroughtUpToDate) {
+    Open().exec("DROP TABLE programs; PRAGMA user_version = 1; INSERT INTO settings VALUES('kept', 'yes')");
+    SQLite::Database database = Open();
+    EXPECT_EQ(camvora::CurrentSchemaVersion(), camvora::SchemaVersion(database));
+    EXPECT_EQ("yes", database.execAndGet("SELECT value FROM settings WHERE key = 'kept'").getString());
+    EXPECT_TRUE(camvora::ProgramRunsOf(database, "", 1).empty());
+}
+
 TEST_F(DatabaseFile, ThatIsCutIsRefusedAndLeftAlone) {
     folder_.Write("camvora.db", "SQLite format 3");
     EXPECT_THROW(Open(), std::runtime_error);
@@ -81,6 +89,25 @@ TEST_F(Records, OldNotificationsGoAndTheirIdsAreNotUsedAgain) {
     database_.exec("DELETE FROM notifications");
     camvora::AddNotification(database_, 24, {"6", "1", "0"});
     EXPECT_EQ(camvora::kNotificationsKept + 6, camvora::LastNotificationId(database_));
+}
+
+TEST_F(Records, ProgramsComeBackWholeAndOldOnesGo) {
+    SQLite::Transaction transaction(database_);
+    const camvora::ProgramEnd end{-1, std::chrono::milliseconds(1500), 4096};
+    for (int i = 0; i < camvora::kProgramRunsKept; ++i) {
+        camvora::AddProgramRun(database_, "/bin/true", {}, {});
+    }
+    camvora::SetRequestId("r-2");
+    camvora::AddProgramRun(database_, "/bin/rm", {"-rf", "", "'\n", "last"}, end);
+    const auto runs = camvora::ProgramRunsOf(database_, "r-2", 10);
+    ASSERT_EQ(1U, runs.size());
+    EXPECT_EQ("/bin/rm", runs[0].path);
+    EXPECT_EQ((std::vector<std::string>{"-rf", "", "'\n", "last"}), runs[0].arguments);
+    EXPECT_EQ(-1, runs[0].exitStatus);
+    EXPECT_EQ(1500, runs[0].durationMs);
+    EXPECT_EQ(4096, runs[0].peakMemoryKiB);
+    EXPECT_EQ(2, camvora::ProgramRunsOf(database_, "r-1", 1).at(0).id);
+    EXPECT_TRUE(camvora::ProgramRunsOf(database_, "r-1", 1).at(0).arguments.empty());
 }
 
 TEST_F(Records, OperationsComeBackWholeAndOldOnesGo) {

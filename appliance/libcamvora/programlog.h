@@ -1,0 +1,28 @@
+// The programs that were run with PLIBCExec, for those who want to know how they ended.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace camvora {
+
+struct ProgramEnd;
+
+inline constexpr int kArgumentsLimit = 4;
+
+struct ProgramRun {
+    long long id;           // grows by the order in which they ended
+    std::string time;       // of the end; UTC, as in "2026-03-01T12:00:00.123Z"
+    std::string requestId;  // empty when no request caused it
+    std::string path;
+    std::vector<std::string> arguments;
+    int exitStatus;  // -1 when it could not be run, was ended at a limit or was killed
+    long long durationMs;
+    long long peakMemoryKiB;
+};
+
+// At most `limit` programs that the request `requestId` has run, in the order of their ends, as far as they
+// are still kept. Throws std::exception when the store cannot be read.
+std::vector<ProgramRun> ProgramRunsOf(const std::string& requestId, int limit);
+
+}  // namespace camvora

@@ -1,0 +1,134 @@
+// Whole files to and from memory, and base64.
+#include "platform/files.h"
+#include "support/temporaryfolder.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Encode(const std::string& bytes) {
+    return HttpBase64EncodeUnsigned(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+}
+
+std::string EveryByte(std::size_t size) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) {
+        bytes[i] = static_cast<char>(i * 7 % 256);
+    }
+    return bytes;
+}
+
+class FileContent : public testing::Test {
+protected:
+    // A guard byte behind the buffer shows whether it is overrun.
+    int WriteDecoded(const std::string& text, int sizeBytes) const {
+        std::vector<unsigned char> buffer(static_cast<std::size_t>(std::max(sizeBytes, 0)) + 1, '#');
+        const int result = WriteFileByBase64String(folder_.PathOf("file"), text, buffer.data(), sizeBytes);
+        EXPECT_EQ('#', buffer.back());
+        return result;
+    }
+
+    std::optional<std::string> ReadWith(const std::string& name, bool wholeFile) const {
+        unsigned char* buffer = nullptr;
+        std::size_t size = 1;
+        const int result = ReadContentFromFileToBuf(folder_.PathOf(name), wholeFile, buffer, size);
+        const std::unique_ptr<unsigned char, void (*)(void*)> owner(buffer, &std::free);
+        EXPECT_EQ(result == 0, buffer != nullptr);
+        if (result != 0) {
+            EXPECT_EQ(0U, size);
+            return std::nullopt;
+        }
+        return std::string(buffer, buffer + size);
+    }
+
+    std::ptrdiff_t FileCount() const {
+        return std::distance(fs::directory_iterator(folder_.Path()), fs::directory_iterator());
+    }
+
+    const TemporaryFolder folder_;
+};
+
+TEST_F(FileContent, IsTheSameAfterBothWays) {
+    EXPECT_EQ("AP8=", Encode(std::string("\0\xff", 2)));
+    for (const std::size_t size : {0UL, 1UL, 2UL, 3UL, 4UL, 12'287UL, 12'288UL, 12'289UL, 1'000'000UL}) {
+        const std::string bytes = EveryByte(size);
+        EXPECT_EQ(0, WriteDecoded(Encode(bytes), static_cast<int>(size))) << size;
+        EXPECT_TRUE(bytes == folder_.Read("file")) << size;
+        EXPECT_TRUE(bytes == ReadWith("file", true)) << size;
+    }
+    EXPECT_EQ(4096U, ReadWith("file", false).value_or("").size());
+    EXPECT_EQ(fs::perms(0600), fs::status(folder_.PathOf("file")).permissions());
+}
+
+struct TextCase {
+    const char* name;
+    std::string text;
+    int sizeBytes;
+};
+
+const TextCase kWrongTexts[] = {
+    {"shorter_than_announced", "YWJj", 4},
+    {"longer_than_announced", "YWJj", 2},
+    {"padding_for_a_byte", "YWI=", 3},
+    {"size_below_zero", "YWJj", -1},
+    {"incomplete_group", "YWJjZ", 3},
+    {"other_alphabet", "YW_-", 3},
+    {"padding_inside", "YW==YWJj", 6},
+    {"padding_only", "====", 0},
+    {"blanks_around", "    YWJj", 6},
+    {"blank_inside", "YW Jj", 3},
+    {"line_ends_behind", "YWJj\n\n\n\n", 6},
+    {"fault_in_a_later_piece", std::string(20'000, 'A') + "!AAA", 15'003},
+    {"nul", std::string("YW\0j", 4), 3},
+};
+
+class WrongText : public FileContent, public testing::WithParamInterface<TextCase> {};
+
+TEST_P(WrongText, LeavesNoFile) {
+    EXPECT_EQ(-1, WriteDecoded(GetParam().text, GetParam().sizeBytes));
+    EXPECT_EQ(0, FileCount());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, WrongText, testing::ValuesIn(kWrongTexts),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(FileContent, IsWrittenWholeOrNotAtAll) {
+    folder_.Write("aim", "untouched");
+    fs::create_symlink("aim", folder_.PathOf("file"));
+    EXPECT_EQ(0, WriteDecoded("YWJj", 3));
+    EXPECT_EQ("untouched", folder_.Read("aim"));
+    EXPECT_EQ(2, FileCount());
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &before));
+    const rlimit small{100'000, before.rlim_max};
+    ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &small));
+    EXPECT_EQ(-1, WriteDecoded(Encode(EveryByte(300'000)), 300'000));
+    ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &before));
+    EXPECT_EQ("abc", folder_.Read("file"));
+    EXPECT_EQ(2, FileCount());
+}
+
+TEST_F(FileContent, IsReadFromPlainFilesOnlyWithoutBlocking) {
+    folder_.Write("plain", "text");
+    fs::create_symlink("plain", folder_.PathOf("link"));
+    ASSERT_EQ(0, mkfifo(folder_.PathOf("fifo").c_str(), 0600));
+    for (const char* name : {"missing", "", "link", "fifo"}) {
+        EXPECT_EQ(std::nullopt, ReadWith(name, true)) << name;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,242 @@
+// tar as the appliance has it.
+#include "libcamvora/unpack.h"
+#include "platform/files.h"
+#include "support/smalldisk.h"
+#include "support/temporaryfolder.h"
+
+#include "capturedlog.h"
+#include "children.h"
+#include "tararchive.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using std::chrono::seconds;
+using Listing = std::map<std::string, std::string>;  // what each path is and holds
+
+constexpr camvora::UnpackLimits kLimits{1'000'000, 50};
+
+std::string Describe(const fs::path& path) {
+    struct stat status {};
+    (void)lstat(path.c_str(), &status);
+    const std::string mode = std::to_string(status.st_mode);
+    if (S_ISLNK(status.st_mode)) {
+        return mode + " to " + fs::read_symlink(path).string();
+    }
+    std::ifstream file(path, std::ios::binary);
+    return S_ISREG(status.st_mode) ? mode + " " + std::string(std::istreambuf_iterator<char>(file), {})
+                                   : mode;
+}
+
+Listing ListingOf(const std::string& folder) {
+    Listing listing;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        listing[entry.path().lexically_relative(folder)] = Describe(entry.path());
+    }
+    return listing;
+}
+
+class UnpackTest : public testing::Test {
+protected:
+    void SetUp() override {
+        folder_.Write("outside/secret", "untouched");
+        folder_.Write("work/INFO", "was there");
+        (void)TakeLoggedTexts();
+    }
+
+    bool Unpack(const std::string& archive, const camvora::UnpackLimits& limits = kLimits) const {
+        const camvora::Program tar{
+            "/bin/tar", {}, {"PATH=/usr/bin:/bin", "LANG=C.UTF-8"}, folder_.PathOf("output"), seconds(20)};
+        return camvora::Unpack(tar, folder_.PathOf("work/"), folder_.PathOf(archive), limits).exitStatus == 0;
+    }
+
+    bool UnpackBytes(const std::string& archive) const {
+        folder_.Write("archive", archive);
+        return Unpack("archive");
+    }
+
+    // Makes an archive of the folder "tree" as its owner would.
+    void Pack(const std::string& options, const std::string& archive) const {
+        ASSERT_EQ(0, std::system(("cd " + folder_.Path() + "/tree && tar " + options + " '" +
+                                  folder_.PathOf(archive) + "' .")
+                                     .c_str()));
+    }
+
+    const TemporaryFolder folder_;
+};
+
+struct ArchiveCase {
+    const char* name;
+    std::vector<TarMember> members;  // "@" at the begin of a name or a link stands for the outer folder
+    bool isTaken;
+};
+
+const ArchiveCase kHostileArchives[] = {
+    {"absolute_name", {{"@/outside/new", "x"}}, true},
+    {"name_with_dots", {{"../outside/new", "x"}}, false},
+    {"link_that_is_written_through", {{"l", "", '2', "../outside"}, {"l/secret", "x"}}, false},
+    {"absolute_link_that_is_written_through", {{"l", "", '2', "@/outside"}, {"l/secret", "x"}}, false},
+    {"link_to_a_file_that_is_written_through", {{"l", "", '2', "../outside/secret"}, {"l", "x"}}, true},
+    {"hard_link_that_is_written_through", {{"h", "", '1', "@/outside/secret"}, {"h", "x"}}, false},
+    {"hard_link_with_dots", {{"h", "", '1', "../../outside/secret"}, {"h", "x"}}, false},
+    {"folder_that_lies_there_as_a_link", {{"planted/secret", "x"}}, true},
+    {"device", {{"d", "", '3'}}, false},
+    {"fifo", {{"package.tgz", "", '6'}}, false},
+    {"control_characters_in_names", {{"a\n\x1b[2J\x7f", "x"}, {"-rf", "x"}, {"*", "x"}}, true},
+    {"mode_of_the_folder_itself", {{"./", "", '5', "", 0}, {"./a", "x"}}, true},
+    {"one_file_too_large", {{"a", std::string(1'000'001, 'x')}}, false},
+    {"all_files_too_large", {{"a", std::string(600'000, 'x')}, {"b", std::string(600'000, 'x')}}, false},
+    {"damaged_member", {{"a", "x"}, {"b", "x", 'Z'}, {"c/../../d", "x"}}, false},
+};
+
+class HostileArchive : public UnpackTest, public testing::WithParamInterface<ArchiveCase> {
+protected:
+    std::vector<TarMember> Members() const {
+        std::vector<TarMember> members = GetParam().members;
+        for (TarMember& member : members) {
+            for (std::string* text : {&member.name, &member.link}) {
+                if (text->rfind('@', 0) == 0) {
+                    text->replace(0, 1, folder_.Path());
+                }
+            }
+        }
+        return members;
+    }
+};
+
+TEST_P(HostileArchive, ReachesNothingOutside) {
+    fs::create_directory_symlink(folder_.PathOf("outside"), folder_.PathOf("work/planted"));
+    const Listing outside = ListingOf(folder_.PathOf("outside"));
+    const Listing work = ListingOf(folder_.PathOf("work"));
+    EXPECT_EQ(GetParam().isTaken, UnpackBytes(TarOf(Members())));
+    EXPECT_EQ(outside, ListingOf(folder_.PathOf("outside")));
+    const Listing after = ListingOf(folder_.PathOf("work"));
+    EXPECT_EQ(after.at("INFO"), work.at("INFO"));
+    EXPECT_EQ(GetParam().isTaken, work != after);
+    EXPECT_EQ(GetParam().isTaken ? 0U : 1U, TakeLoggedTexts().size());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, HostileArchive, testing::ValuesIn(kHostileArchives),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(UnpackTest, SetIdBitsAreNotTakenOver) {
+    ASSERT_TRUE(UnpackBytes(TarOf({{"d/", "", '5', "", 07777}, {"d/f", "x", '0', "", 06755}})));
+    EXPECT_EQ(fs::perms(0755), fs::status(folder_.PathOf("work/d")).permissions());
+    EXPECT_EQ(fs::perms(0755), fs::status(folder_.PathOf("work/d/f")).permissions());
+}
+
+TEST_F(UnpackTest, BombsAreRefused) {
+    fs::create_directory(folder_.PathOf("tree"));
+    std::ofstream(folder_.PathOf("tree/hole")).put('x');
+    ASSERT_EQ(0, truncate(folder_.PathOf("tree/hole").c_str(), 1LL << 40));
+    Pack("-cSf", "sparse");
+    EXPECT_FALSE(Unpack("sparse"));
+    ASSERT_EQ(0, truncate(folder_.PathOf("tree/hole").c_str(), 100'000'000));
+    Pack("-czf", "zeros");
+    EXPECT_FALSE(Unpack("zeros"));
+    std::vector<TarMember> many;
+    many.reserve(51);
+    for (int i = 0; i < 51; ++i) {
+        many.push_back({std::to_string(i)});
+    }
+    EXPECT_FALSE(UnpackBytes(TarOf(many)));
+    many.pop_back();
+    EXPECT_TRUE(UnpackBytes(TarOf(many)));
+}
+
+// While it runs, not only afterwards: it would fill the disk first.
+TEST_F(UnpackTest, ABombIsStoppedOnItsWay) {
+    constexpr int kFiles = 60'000;
+    std::string many;
+    for (int i = 0; i < kFiles; ++i) {
+        many += TarOf({{std::to_string(i)}}).substr(0, 512);
+    }
+    EXPECT_FALSE(UnpackBytes(many + std::string(1024, '\0')));
+    const std::string output = folder_.Read("output");
+    EXPECT_LT(std::count(output.begin(), output.end(), '\n'), kFiles);
+    EXPECT_EQ(1U, ListingOf(folder_.PathOf("work")).size());
+}
+
+TEST_F(UnpackTest, WhatIsNoPlainFileIsNotWaitedFor) {
+    ASSERT_EQ(0, mkfifo(folder_.PathOf("fifo").c_str(), 0600));
+    EXPECT_FALSE(Unpack("fifo"));
+    EXPECT_FALSE(Unpack("missing"));
+    EXPECT_FALSE(Unpack("work"));
+}
+
+TEST_F(UnpackTest, ACutArchiveLeavesWhatWasThere) {
+    for (int i = 0; i < 8; ++i) {
+        folder_.Write("tree/device_pack/" + std::to_string(i), std::string(5000, static_cast<char>('a' + i)));
+    }
+    Pack("-czf", "archive");
+    const std::string whole = folder_.Read("archive");
+    const Listing before = ListingOf(folder_.PathOf("work"));
+    for (std::size_t size = 0; size < whole.size(); size += whole.size() / 30 + 1) {
+        EXPECT_FALSE(UnpackBytes(whole.substr(0, size))) << size;
+        EXPECT_EQ(before, ListingOf(folder_.PathOf("work"))) << size;
+    }
+    EXPECT_TRUE(UnpackBytes(whole));
+    EXPECT_EQ(ListingOf(folder_.PathOf("tree/device_pack")), ListingOf(folder_.PathOf("work/device_pack")));
+}
+
+// tar itself takes it for whole.
+TEST_F(UnpackTest, AnArchiveThatIsNotCompressedNeedsItsEnd) {
+    const std::string whole = TarOf({{"a", "x"}, {"b", "x"}});
+    for (const std::size_t size : {whole.size() - 1024, std::size_t{1024}}) {
+        EXPECT_FALSE(UnpackBytes(whole.substr(0, size))) << size;
+        EXPECT_EQ(1U, ListingOf(folder_.PathOf("work")).size()) << size;
+    }
+    EXPECT_TRUE(UnpackBytes(whole));
+}
+
+TEST_F(UnpackTest, AFullDiskLeavesWhatWasThere) {
+    const std::string small = TarOf({{"a", std::string(100'000, 'x')}});
+    const std::string large = TarOf({{"a", std::string(100'000, 'x')}, {"b", std::string(700'000, 'x')}});
+    EXPECT_TRUE(SucceedsInChild([&] {
+        const bool isMounted = MountSmallDisk(folder_.PathOf("work"), 600'000);
+        folder_.Write("work/INFO", "was there");
+        return !isMounted ||
+               (!UnpackBytes(large) && ListingOf(folder_.PathOf("work")).size() == 1 && UnpackBytes(small));
+    }));
+}
+
+TEST_F(UnpackTest, ASecondArchiveMergesWithTheFirst) {
+    ASSERT_TRUE(UnpackBytes(TarOf({{"d/a", "1"}, {"d/b", "1"}, {"f", "1"}, {"e/x", "1"}})));
+    ASSERT_TRUE(UnpackBytes(TarOf({{"d/b", "2"}, {"d/c", "2"}, {"f/x", "2"}, {"e", "2"}})));
+    EXPECT_EQ("was there", folder_.Read("work/INFO"));
+    EXPECT_EQ("1", folder_.Read("work/d/a"));
+    EXPECT_EQ("2", folder_.Read("work/d/b"));
+    EXPECT_EQ("2", folder_.Read("work/d/c"));
+    EXPECT_EQ("2", folder_.Read("work/f/x"));
+    EXPECT_EQ("2", folder_.Read("work/e"));
+    EXPECT_EQ(8U, ListingOf(folder_.PathOf("work")).size());
+}
+
+TEST_F(UnpackTest, AnArchivesNameIsAFileName) {
+    folder_.Write("host:archive", TarOf({{"a", "x"}}));
+    EXPECT_TRUE(Unpack("host:archive"));
+    EXPECT_EQ("x", folder_.Read("work/a"));
+}
+
+TEST_F(UnpackTest, ClosedFoldersComeWithTheirModes) {
+    const std::string archive = TarOf({{"d/", "", '5', "", 0555}, {"d/f", "x"}});
+    EXPECT_TRUE(SucceedsInChild([&] { return GiveUpPrivileges() && UnpackBytes(archive); }));
+    EXPECT_EQ(fs::perms(0555), fs::status(folder_.PathOf("work/d")).permissions());
+    EXPECT_EQ("x", folder_.Read("work/d/f"));
+}
+
+}  // namespace
