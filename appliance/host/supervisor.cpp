@@ -78,6 +78,7 @@ int Supervisor::RunHttpProcess() {
 }
 
 int Supervisor::Run() {
+    camvora::SweepLockFiles();
     for (Child& child : children_) {
         Start(child);
     }
