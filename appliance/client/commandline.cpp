@@ -74,7 +74,8 @@ int Report(const Failure& failure, bool json) {
 // The library only says that a command is missing when the one that was typed is unknown.
 std::string WhatIsWrong(const CLI::App& program, const CLI::ParseError& error) {
     const std::vector<std::string> unknown = program.remaining();
-    const bool isCommandUnknown = program.get_subcommands().empty() && !unknown.empty();
+    const bool isCommandUnknown =
+        program.get_subcommands().empty() && !unknown.empty() && unknown.front().rfind('-', 0) != 0;
     return isCommandUnknown ? "There is no command \"" + unknown.front() + "\"" : error.what();
 }
 

@@ -51,7 +51,8 @@ void CompleteHead(const httplib::Request& request, httplib::Response& response) 
 
 void AnswerException(const httplib::Request& /*request*/, httplib::Response& response,
                      const std::exception_ptr& exception) {
-    camvora::SetRequestId(GiveRequestId(response));
+    const std::string given = response.get_header_value(kRequestId);
+    camvora::SetRequestId(given.empty() ? GiveRequestId(response) : given);
     CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Failed with an exception of type %s\n",
              TypeName(exception).c_str());
     camvora::SetRequestId("");
@@ -69,7 +70,6 @@ void Write(httplib::Response& response, Reply reply) {
 
 std::string GiveRequestId(httplib::Response& response) {
     std::string id = NewRequestId();
-    response.headers.erase(kRequestId);
     response.set_header(kRequestId, id);
     return id;
 }

@@ -100,7 +100,8 @@ void AwaitForkedChildren(std::chrono::steady_clock::time_point deadline) {
         const std::vector<pid_t> children = Children();
         return std::any_of(children.begin(), children.end(), IsOfOurProgram);
     };
-    while (isAtWork() && std::chrono::steady_clock::now() < deadline) {
+    // An orphan can be overseen while its parent ends, but not twice.
+    while ((isAtWork() || isAtWork()) && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(kEndPoll);
     }
 }

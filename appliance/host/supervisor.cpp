@@ -82,6 +82,7 @@ int Supervisor::RunHttpProcess() {
 
 int Supervisor::Run() {
     uploadArea_.Make();
+    camvora::SweepLockFiles();
     for (Child& child : children_) {
         Start(child);
     }

@@ -6,6 +6,7 @@
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/VariadicBind.h>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace camvora {
@@ -16,6 +17,16 @@ void Drop(SQLite::Database& database, const char* query, int kept) {
     SQLite::Statement statement(database, query);
     statement.bind(1, kept);
     statement.exec();
+}
+
+// A request may bring megabytes of text, and thousands of records are kept. Cut between two characters.
+std::string Shortened(const std::string& text) {
+    std::size_t length = std::min(text.size(), kRecordTextLimitBytes);
+    while (length > 0 && length < text.size() &&
+           (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
+        --length;
+    }
+    return text.substr(0, length);
 }
 
 Notification NotificationOf(const SQLite::Statement& row) {
@@ -60,8 +71,8 @@ void AddOperation(SQLite::Database& database, int event, long long number,
     SQLite::Statement statement(database,
                                 "INSERT INTO operation_log(time, request, event, number, text1, text2, text3)"
                                 " VALUES(?, ?, ?, ?, ?, ?, ?)");
-    SQLite::bind(statement, UtcTimeText(), RequestId(), event, std::int64_t{number}, texts[0], texts[1],
-                 texts[2]);
+    SQLite::bind(statement, UtcTimeText(), RequestId(), event, std::int64_t{number}, Shortened(texts[0]),
+                 Shortened(texts[1]), Shortened(texts[2]));
     statement.exec();
     Drop(database, "DELETE FROM operation_log WHERE id <= last_insert_rowid() - ?", kOperationsKept);
 }
@@ -70,7 +81,8 @@ void AddNotification(SQLite::Database& database, int type, const std::array<std:
     SQLite::Statement statement(database,
                                 "INSERT INTO notifications(time, request, type, text1, text2, text3)"
                                 " VALUES(?, ?, ?, ?, ?, ?)");
-    SQLite::bind(statement, UtcTimeText(), RequestId(), type, texts[0], texts[1], texts[2]);
+    SQLite::bind(statement, UtcTimeText(), RequestId(), type, Shortened(texts[0]), Shortened(texts[1]),
+                 Shortened(texts[2]));
     statement.exec();
     Drop(database, "DELETE FROM notifications WHERE id <= last_insert_rowid() - ?", kNotificationsKept);
 }

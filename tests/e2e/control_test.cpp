@@ -191,6 +191,19 @@ TEST_F(ControlTest, ServicesStartRestartAndStop) {
     }
 }
 
+TEST_F(ControlTest, EnableAndDisableAtOnceAreBothDoneInTheirOrder) {
+    const std::size_t failed = FailedActions();
+    Act("Enable", 3);
+    Act("Disable", 3);
+    EXPECT_TRUE(IsQuiet());
+    EXPECT_EQ(failed, FailedActions());
+    const std::vector<std::string> told = Notifications();
+    ASSERT_LE(2U, told.size());
+    EXPECT_EQ("24 3 1 0", told[told.size() - 2]);
+    EXPECT_EQ("24 3 0 0", told.back());
+    EXPECT_EQ(kStopped, State(3));
+}
+
 TEST_F(ControlTest, EnableAnswersWhileTheActionRuns) {
     BeginSlowAction();
     const pid_t replaced = Daemon(1);

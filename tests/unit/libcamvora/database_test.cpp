@@ -130,7 +130,10 @@ TEST_F(Records, OperationsComeBackWholeAndOldOnesGo) {
     ASSERT_EQ(1U, ofRequest.size());
     EXPECT_EQ(last, ofRequest[0].id);
     EXPECT_EQ(2U, camvora::OperationsAfter(database_, last - 5, "", 2).size());
-    EXPECT_TRUE(camvora::OperationsAfter(database_, last, "", 10).empty());
+    const std::string cut(camvora::kRecordTextLimitBytes - 1, 'x');
+    camvora::AddOperation(database_, 1, 0, {"", cut + "\xc3\xa4" + std::string(2'000'000, 'y'), ""});
+    EXPECT_EQ(cut, camvora::OperationsAfter(database_, last, "", 1)[0].texts[1]);
+    EXPECT_TRUE(camvora::OperationsAfter(database_, last + 1, "", 10).empty());
 }
 
 }  // namespace

@@ -6,9 +6,11 @@ set -eu
 target=/var/packages/Camvora/target
 
 umask 022
-rm -rf "$target/@CVData/run"
-rm -f /tmp/cv_*.lock /tmp/cv_*.pid /tmp/cv_*.pid.new
 mkdir -p "$target/@CVData/run" "$target/@CVData/log"
+cd "$target/@CVData/run"
+# Locks stay: processes of an appliance that was killed may still hold them. What nobody holds is swept by the host.
+rm -f address started ./*.pid ./*.pid.new ./*.status ./*.status.new
+cd /
 "$target/scripts/S82camvora.sh" start
 
 # Symbols are looked up once, here, and not anew in the process of each request.
