@@ -1,0 +1,59 @@
+// Reading a tar archive, compressed or not, from its beginning to its end, without unpacking anything.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+struct archive;
+
+namespace client {
+
+// The archive is no tar archive, damaged or cut short.
+struct ArchiveDamage : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+enum class EntryKind { kFile, kFolder, kLink, kHardLink, kSpecial };
+
+struct ArchiveEntry {
+    std::string name;  // as it stands in the archive: any bytes
+    EntryKind kind = EntryKind::kFile;
+    std::string target;  // of a link
+    std::uint64_t sizeBytes = 0;
+};
+
+class ArchiveReader {
+public:
+    // Fills a buffer with what comes next. Returns how much that is, 0 at the end. May throw std::exception.
+    using Source = std::function<std::size_t(char* buffer, std::size_t sizeBytes)>;
+
+    explicit ArchiveReader(Source source);
+
+    // Goes on to the next entry. Returns false at the end of the archive. Throws ArchiveDamage.
+    bool Next(ArchiveEntry& entry);
+
+    // Reads on in the file that is the present entry; a Source for an archive in it. Throws ArchiveDamage.
+    std::size_t Read(char* buffer, std::size_t sizeBytes);
+
+    // That file as a text, or its beginning where it is larger than `limitBytes`. Throws ArchiveDamage.
+    std::string Text(std::size_t limitBytes);
+
+    // The size of all that was read so far, decompressed.
+    std::uint64_t ReadBytes() const;
+
+private:
+    static std::ptrdiff_t Feed(archive* archive, void* reader, const void** piece);
+    void CheckEnd() const;
+    ArchiveDamage Damage() const;
+
+    Source source_;
+    std::string piece_;
+    std::size_t zerosAtEnd_ = 0;  // of what came from the source so far
+    std::unique_ptr<archive, int (*)(archive*)> archive_;
+};
+
+}  // namespace client
