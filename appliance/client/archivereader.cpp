@@ -86,12 +86,6 @@ std::size_t ArchiveReader::Read(char* buffer, std::size_t sizeBytes) {
     return static_cast<std::size_t>(size);
 }
 
-std::string ArchiveReader::Text(std::size_t limitBytes) {
-    std::string text(limitBytes, '\0');
-    text.resize(Read(text.data(), text.size()));
-    return text;
-}
-
 std::uint64_t ArchiveReader::ReadBytes() const {
     return static_cast<std::uint64_t>(archive_filter_bytes(archive_.get(), 0));
 }

@@ -36,11 +36,9 @@ public:
     // Goes on to the next entry. Returns false at the end of the archive. Throws ArchiveDamage.
     bool Next(ArchiveEntry& entry);
 
-    // Reads on in the file that is the present entry; a Source for an archive in it. Throws ArchiveDamage.
+    // Reads on in the file that is the present entry, and fills the buffer unless the file ends. Throws
+    // ArchiveDamage.
     std::size_t Read(char* buffer, std::size_t sizeBytes);
-
-    // That file as a text, or its beginning where it is larger than `limitBytes`. Throws ArchiveDamage.
-    std::string Text(std::size_t limitBytes);
 
     // The size of all that was read so far, decompressed.
     std::uint64_t ReadBytes() const;

@@ -80,6 +80,12 @@ bool IsLink(const ArchiveEntry& entry) {
     return entry.kind == EntryKind::kLink || entry.kind == EntryKind::kHardLink;
 }
 
+std::string TextOf(ArchiveReader& archive, const ArchiveEntry& entry) {
+    std::string text(std::min<std::uint64_t>(entry.sizeBytes, kKeyFileLimitBytes), '\0');
+    text.resize(archive.Read(text.data(), text.size()));
+    return text;
+}
+
 class Scanner {
 public:
     explicit Scanner(PackageScan& scan) : limits_(scan.limits), scan_(scan) {}
@@ -121,7 +127,7 @@ private:
             Note(scan_.badLink, entry.name);
         } else if (entry.kind == EntryKind::kFile && name == kInfoName) {
             ++scan_.infoCount;
-            scan_.info = archive.Text(kKeyFileLimitBytes);
+            scan_.info = TextOf(archive, entry);
         } else if (entry.kind == EntryKind::kFile && name == kTreeArchiveName) {
             ++scan_.treeArchiveCount;
             ScanTree(archive);
@@ -147,7 +153,7 @@ private:
             Note(scan_.besidesDevicePack, entry.name);
         }
         if (entry.kind == EntryKind::kFile && IsConf(name)) {
-            scan_.confs[name] = archive.Text(kKeyFileLimitBytes);
+            scan_.confs[name] = TextOf(archive, entry);
         }
     }
 

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -50,10 +51,10 @@ std::size_t PlainFile::ReadAt(std::uint64_t offset, char* buffer, std::size_t si
 }
 
 std::string PlainFile::Text(std::size_t limitBytes) const {
-    std::string text(limitBytes, '\0');
+    std::string text(std::min<std::uint64_t>(sizeBytes_, limitBytes), '\0');
     std::size_t filled = 0;
-    while (filled < limitBytes) {
-        const std::size_t size = ReadAt(filled, text.data() + filled, limitBytes - filled);
+    while (filled < text.size()) {
+        const std::size_t size = ReadAt(filled, text.data() + filled, text.size() - filled);
         if (size == 0) {
             break;
         }
