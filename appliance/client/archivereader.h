@@ -31,7 +31,9 @@ public:
     // Fills a buffer with what comes next. Returns how much that is, 0 at the end. May throw std::exception.
     using Source = std::function<std::size_t(char* buffer, std::size_t sizeBytes)>;
 
-    explicit ArchiveReader(Source source);
+    // An archive that is larger than `limitBytes` when it is decompressed counts as damaged. Throws
+    // ArchiveDamage.
+    ArchiveReader(Source source, std::uint64_t limitBytes);
 
     // Goes on to the next entry. Returns false at the end of the archive. Throws ArchiveDamage.
     bool Next(ArchiveEntry& entry);
@@ -40,18 +42,24 @@ public:
     // ArchiveDamage.
     std::size_t Read(char* buffer, std::size_t sizeBytes);
 
-    // The size of all that was read so far, decompressed.
-    std::uint64_t ReadBytes() const;
-
 private:
-    static std::ptrdiff_t Feed(archive* archive, void* reader, const void** piece);
-    void CheckEnd() const;
-    ArchiveDamage Damage() const;
+    using Archive = std::unique_ptr<archive, int (*)(archive*)>;
+    using Feeder = std::ptrdiff_t (*)(archive* archive, void* reader, const void** piece);
+
+    static std::ptrdiff_t FeedCompressed(archive* archive, void* reader, const void** piece);
+    static std::ptrdiff_t FeedPlain(archive* archive, void* reader, const void** piece);
+    void Open(const Archive& archive, Feeder feeder);
+    void TakePlainPiece();
+    void CheckEnd();
 
     Source source_;
-    std::string piece_;
-    std::size_t zerosAtEnd_ = 0;  // of what came from the source so far
-    std::unique_ptr<archive, int (*)(archive*)> archive_;
+    const std::uint64_t limitBytes_;
+    std::string compressedPiece_;
+    std::string plainPiece_;
+    std::uint64_t plainBytes_ = 0;  // so far
+    std::size_t zerosAtEnd_ = 0;    // of these
+    Archive decompressor_;          // takes the archive for a file without a name
+    Archive archive_;
 };
 
 }  // namespace client

@@ -15,6 +15,8 @@ namespace {
 
 using Path = std::filesystem::path;
 
+constexpr std::uint64_t kFrameBytes = 1024UL * 1024;
+
 struct Place {
     std::string_view name;
     EntryKind kind;
@@ -80,6 +82,11 @@ bool IsLink(const ArchiveEntry& entry) {
     return entry.kind == EntryKind::kLink || entry.kind == EntryKind::kHardLink;
 }
 
+// With what lies between the files.
+std::uint64_t StreamLimit(const ScanLimits& limits) {
+    return 2 * limits.sizeBytes + kFrameBytes;
+}
+
 std::string TextOf(ArchiveReader& archive, const ArchiveEntry& entry) {
     std::string text(std::min<std::uint64_t>(entry.sizeBytes, kKeyFileLimitBytes), '\0');
     text.resize(archive.Read(text.data(), text.size()));
@@ -93,7 +100,7 @@ public:
     void ScanOuter(ArchiveReader& archive) {
         Totals totals;
         for (ArchiveEntry entry; archive.Next(entry);) {
-            Count(archive, entry, totals);
+            Count(entry, totals);
             TakeOuter(archive, entry);
         }
     }
@@ -104,10 +111,10 @@ private:
         std::uint64_t sizeBytes = 0;
     };
 
-    // A single entry may claim any size, and what lies between the entries has one, too.
-    void Count(const ArchiveReader& archive, const ArchiveEntry& entry, Totals& totals) {
+    // A single entry may claim any size.
+    void Count(const ArchiveEntry& entry, Totals& totals) {
         const std::uint64_t leftBytes = limits_.sizeBytes - totals.sizeBytes;
-        if (entry.sizeBytes > leftBytes || archive.ReadBytes() > 2 * limits_.sizeBytes) {
+        if (entry.sizeBytes > leftBytes) {
             throw Excess("too many bytes");
         }
         if (++totals.entries > limits_.entries) {
@@ -129,16 +136,18 @@ private:
             ++scan_.infoCount;
             scan_.info = TextOf(archive, entry);
         } else if (entry.kind == EntryKind::kFile && name == kTreeArchiveName) {
-            ++scan_.treeArchiveCount;
-            ScanTree(archive);
+            if (++scan_.treeArchiveCount == 1) {
+                ScanTree(archive);
+            }
         }
     }
 
     void ScanTree(ArchiveReader& outer) {
-        ArchiveReader archive([&outer](char* buffer, std::size_t size) { return outer.Read(buffer, size); });
+        ArchiveReader archive([&outer](char* buffer, std::size_t size) { return outer.Read(buffer, size); },
+                              StreamLimit(limits_));
         Totals totals;
         for (ArchiveEntry entry; archive.Next(entry);) {
-            Count(archive, entry, totals);
+            Count(entry, totals);
             TakeTree(archive, entry);
         }
     }
@@ -168,11 +177,13 @@ PackageScan ScanPackage(const PlainFile& file, const ScanLimits& limits) {
     scan.limits = limits;
     try {
         std::uint64_t offset = 0;
-        ArchiveReader archive([&](char* buffer, std::size_t sizeBytes) {
-            const std::size_t size = file.ReadAt(offset, buffer, sizeBytes);
-            offset += size;
-            return size;
-        });
+        ArchiveReader archive(
+            [&](char* buffer, std::size_t sizeBytes) {
+                const std::size_t size = file.ReadAt(offset, buffer, sizeBytes);
+                offset += size;
+                return size;
+            },
+            StreamLimit(limits));
         Scanner(scan).ScanOuter(archive);
     } catch (const Excess& excess) {
         scan.excess = excess.what();

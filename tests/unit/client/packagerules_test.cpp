@@ -77,7 +77,8 @@ const PackageCase kPackageCases[] = {
 
     {"info_missing", Outer({kTreeEntry}), "members, INFO"},
     {"info_twice", Outer({kInfoEntry, kInfoEntry, kTreeEntry}), "members"},
-    {"info_behind_an_end", Outer({kInfoEntry, kTreeEntry}) + Outer({kInfoEntry}), "members"},
+    {"info_behind_an_end", Outer({kInfoEntry, kTreeEntry}) + Outer({kInfoEntry}), ""},
+    {"tree_twice", Outer({kInfoEntry, kTreeEntry, {"package.tgz", "x"}}), "members"},
     {"tree_missing", Outer({kInfoEntry}), "members, tree"},
     {"info_in_a_folder", Outer({{"a/INFO", kDevicePackInfo}, kTreeEntry}), "members, INFO"},
 
@@ -122,6 +123,12 @@ const PackageCase kPackageCases[] = {
     {"too_many_entries",
      MakeDevicePack(std::vector<TestEntry>(kLimits.entries - 1, TestEntry{"device_pack/a", ""})), "sizes"},
     {"tree_too_large", MakeDevicePack({{"device_pack/a", std::string(kLimits.sizeBytes, 'x')}}), "sizes"},
+    {"tree_of_zeros_without_end",
+     Outer({kInfoEntry,
+            {"package.tgz",
+             Gzip(MakeTar({{"device_pack/conf", kGoodConf}}) + std::string(4 * kLimits.sizeBytes, '\0'))}}),
+     "archive"},
+    {"tree_compressed_twice", Outer({kInfoEntry, {"package.tgz", Gzip(kTree)}}), "archive, tree"},
     {"outer_too_large", Outer({kInfoEntry, kTreeEntry, {"x", std::string(kLimits.sizeBytes, 'x')}}),
      "sizes, free space"},
 };

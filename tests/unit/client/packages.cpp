@@ -73,3 +73,14 @@ std::string MakeDevicePack(const std::vector<TestEntry>& more) {
     tree.insert(tree.end(), more.begin(), more.end());
     return MakePackage(kDevicePackInfo, tree);
 }
+
+std::string Gzip(const std::string& bytes) {
+    std::string text;
+    archive* writer = archive_write_new();
+    archive_write_set_format_raw(writer);
+    archive_write_add_filter_gzip(writer);
+    archive_write_open(writer, &text, nullptr, Append, nullptr);
+    Add(writer, {"raw", bytes});
+    archive_write_free(writer);
+    return text;
+}

@@ -13,6 +13,9 @@ struct TestEntry {
 // A tar archive of these entries, of the format that GNU tar writes, or of the other where `isPax`.
 std::string MakeTar(const std::vector<TestEntry>& entries, bool isCompressed = false, bool isPax = false);
 
+// The bytes compressed.
+std::string Gzip(const std::string& bytes);
+
 // A good INFO and conf of the two add-ons.
 inline constexpr char kDevicePackInfo[] = "package=\"CamvoraDevicePack\"\narch=\"plat1 plat2\"\n";
 inline constexpr char kLocalDisplayInfo[] = "package=\"CamvoraLocalDisplay\"\narch=\"plat1 plat2\"\n";
