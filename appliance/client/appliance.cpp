@@ -36,6 +36,11 @@ Json::Value Appliance::Call(const std::string& method, const Json::Value& params
     return Ask(method, params).data;
 }
 
+Json::Value Appliance::Upload(const FormFile& file, const SentReceiver& sent) const {
+    constexpr char kMethod[] = "Upload";
+    return Checked(http_.PostFile(std::string(kApiPath) + kMethod, file, sent), kMethod).data;
+}
+
 Json::Value Appliance::Methods() const {
     return Checked(http_.Get("/api"), "The list of methods").data;
 }

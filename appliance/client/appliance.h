@@ -33,6 +33,9 @@ public:
     // The data of that answer. Throws as Ask does.
     Json::Value Call(const std::string& method, const Json::Value& params) const;
 
+    // Sends the file as "Upload" wants it. Throws as Ask does, and as HttpClient::PostFile does.
+    Json::Value Upload(const FormFile& file, const SentReceiver& sent) const;
+
     // What the appliance serves. Throws as Ask does.
     Json::Value Methods() const;
 

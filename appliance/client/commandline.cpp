@@ -19,7 +19,8 @@ namespace {
 
 // In the order of the help.
 constexpr void (*kCommands[])(CLI::App&, Session&) = {
-    AddList, AddStatus, AddControl, AddEvents, AddLog, AddApps, AddMethods, AddCall,
+    AddList,   AddStatus, AddControl, AddUpload,  AddCheck, AddPkg,
+    AddEvents, AddLog,    AddApps,    AddMethods, AddCall,
 };
 
 constexpr char kExamples[] =
@@ -27,6 +28,8 @@ constexpr char kExamples[] =
     "  camvoractl list\n"
     "  camvoractl status device_pack\n"
     "  camvoractl start local_display\n"
+    "  camvoractl check device_pack-2.2.0-0140.spk\n"
+    "  camvoractl upload device_pack-2.2.0-0140.spk device_pack\n"
     "  camvoractl apps --lang de --json\n"
     "  camvoractl call GetInfo service=1\n\n";
 

@@ -19,5 +19,8 @@ void AddLog(CLI::App& program, Session& session);
 void AddApps(CLI::App& program, Session& session);
 void AddMethods(CLI::App& program, Session& session);
 void AddCall(CLI::App& program, Session& session);
+void AddUpload(CLI::App& program, Session& session);
+void AddCheck(CLI::App& program, Session& session);
+void AddPkg(CLI::App& program, Session& session);
 
 }  // namespace client

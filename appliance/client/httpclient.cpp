@@ -1,11 +1,13 @@
 #include "client/httpclient.h"
 
 #include "client/failure.h"
+#include "client/formfile.h"
 #include "client/watchdog.h"
 
 #include <httplib.h>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace client {
@@ -15,6 +17,7 @@ constexpr std::chrono::seconds kConnectLimit{10};
 constexpr std::chrono::seconds kSilenceLimit{30};  // a living stream carries something every few seconds
 constexpr char kStreamType[] = "text/event-stream";
 constexpr std::size_t kReplyLimitBytes = 16U << 20U;
+constexpr std::size_t kPieceBytes = 64U << 10U;
 
 httplib::Request MakeRequest(const char* method, const std::string& path, const std::string& body,
                              const std::string& token) {
@@ -60,9 +63,60 @@ Failure BrokenOff(const Location& location, httplib::Error error) {
     if (error == httplib::Error::Canceled) {
         return {ExitStatus::kFailed, "The reply from " + location.url + " is too large"};
     }
+    if (error == httplib::Error::Write) {
+        return {ExitStatus::kFailed, "The appliance at " + location.url +
+                                         " took only a part of what was sent. It may have no room for it, or "
+                                         "a limit on its size"};
+    }
     return {ExitStatus::kUnreachable,
             "The connection to " + location.url +
                 " ended without a whole reply. The appliance may have done its work"};
+}
+
+// One request and its reply.
+class Exchange {
+public:
+    Exchange(const Location& location, std::chrono::seconds timeLimit)
+        : location_(location),
+          timeLimit_(timeLimit),
+          http_(location.url),
+          watchdog_(timeLimit, [this] { http_.stop(); }) {
+        http_.set_connection_timeout(std::min(timeLimit, kConnectLimit));
+        http_.set_read_timeout(2 * timeLimit);  // the watchdog comes first: this one starts anew at each byte
+        http_.set_write_timeout(2 * timeLimit);
+    }
+
+    // Lets the time limit begin anew.
+    void Restart() { watchdog_.Restart(); }
+
+    HttpReply Send(httplib::Request request);
+
+private:
+    const Location& location_;
+    const std::chrono::seconds timeLimit_;
+    httplib::Client http_;
+    Watchdog watchdog_;
+};
+
+HttpReply Exchange::Send(httplib::Request request) {
+    HttpReply reply;
+    request.content_receiver = [&reply](const char* data, std::size_t size, std::uint64_t, std::uint64_t) {
+        return Append(reply, data, size);
+    };
+    const httplib::Result result = http_.send(request);
+    if (IsWithoutConnection(result.error())) {
+        throw NotAnswering(location_);
+    }
+    // Ended by the watchdog, a reply of unknown length looks whole.
+    if (watchdog_.HasExpired()) {
+        throw TimedOut(location_, timeLimit_);
+    }
+    if (!result) {
+        throw BrokenOff(location_, result.error());
+    }
+    reply.status = result->status;
+    reply.requestId = result->get_header_value("X-Request-Id");
+    return reply;
 }
 
 }  // namespace
@@ -72,7 +126,8 @@ HttpClient::HttpClient(Location location, std::chrono::seconds timeLimit)
 
 HttpReply HttpClient::Get(const std::string& path,
                           const std::multimap<std::string, std::string>& query) const {
-    return Send("GET", query.empty() ? path : httplib::append_query_params(path, query), "");
+    const std::string target = query.empty() ? path : httplib::append_query_params(path, query);
+    return Exchange(location_, timeLimit_).Send(MakeRequest("GET", target, "", location_.token));
 }
 
 HttpReply HttpClient::Listen(const std::string& path, const std::string& lastEventId,
@@ -110,36 +165,24 @@ HttpClient HttpClient::Within(std::chrono::seconds timeLimit) const {
 }
 
 HttpReply HttpClient::Post(const std::string& path, const std::string& body) const {
-    return Send("POST", path, body);
+    return Exchange(location_, timeLimit_).Send(MakeRequest("POST", path, body, location_.token));
 }
 
-HttpReply HttpClient::Send(const char* method, const std::string& path, const std::string& body) const {
-    httplib::Client http(location_.url);
-    http.set_connection_timeout(std::min(timeLimit_, kConnectLimit));
-    http.set_read_timeout(2 * timeLimit_);  // the watchdog comes first: a read limit starts anew at each byte
-    http.set_write_timeout(2 * timeLimit_);
-
-    HttpReply reply;
-    httplib::Request request = MakeRequest(method, path, body, location_.token);
-    request.content_receiver = [&reply](const char* data, std::size_t size, std::uint64_t, std::uint64_t) {
-        return Append(reply, data, size);
+HttpReply HttpClient::PostFile(const std::string& path, const FormFile& file,
+                               const SentReceiver& sent) const {
+    Exchange exchange(location_, timeLimit_);
+    httplib::Request request = MakeRequest("POST", path, "", location_.token);
+    request.set_header("Content-Type", file.ContentType());
+    request.content_length_ = file.SizeBytes();
+    request.content_provider_ = [&](std::size_t offset, std::size_t leftBytes, httplib::DataSink& sink) {
+        std::array<char, kPieceBytes> piece;
+        const std::size_t size = file.ReadAt(offset, piece.data(), std::min(piece.size(), leftBytes));
+        exchange.Restart();
+        const bool isSent = sink.write(piece.data(), size);
+        sent(offset + size);
+        return isSent;
     };
-
-    Watchdog watchdog(timeLimit_, [&http] { http.stop(); });
-    const httplib::Result result = http.send(request);
-    if (IsWithoutConnection(result.error())) {
-        throw NotAnswering(location_);
-    }
-    // Ended by the watchdog, a reply of unknown length looks whole.
-    if (watchdog.HasExpired()) {
-        throw TimedOut(location_, timeLimit_);
-    }
-    if (!result) {
-        throw BrokenOff(location_, result.error());
-    }
-    reply.status = result->status;
-    reply.requestId = result->get_header_value("X-Request-Id");
-    return reply;
+    return exchange.Send(std::move(request));
 }
 
 }  // namespace client

@@ -11,12 +11,17 @@
 
 namespace client {
 
+class FormFile;
+
 struct HttpReply {
     int status = 0;
     std::string body;
     std::string requestId;  // the appliance's name for the request; empty when it gave none
     bool isStream = false;  // of events
 };
+
+// Is told how much of a body has been sent.
+using SentReceiver = std::function<void(std::uint64_t sentBytes)>;
 
 // Takes a piece of a stream. Returns false when it wants no more.
 using PieceReceiver = std::function<bool(std::string_view piece)>;
@@ -43,9 +48,11 @@ public:
     // `body` is a JSON document.
     HttpReply Post(const std::string& path, const std::string& body) const;
 
-private:
-    HttpReply Send(const char* method, const std::string& path, const std::string& body) const;
+    // Sends a file piece by piece. The time limit holds from each piece to the next, and from the last to the
+    // end of the reply. Throws as `file` does, too.
+    HttpReply PostFile(const std::string& path, const FormFile& file, const SentReceiver& sent) const;
 
+private:
     Location location_;
     std::chrono::seconds timeLimit_;
 };

@@ -110,6 +110,14 @@ Location Locate(const LocationOptions& options, const std::string& programDir) {
     return location;
 }
 
+std::string LocateFolder(const LocationOptions& options, const std::string& programDir) {
+    const std::string dir = FindDir(options, programDir);
+    if (!dir.empty()) {
+        CheckFolder(dir);
+    }
+    return dir;
+}
+
 std::string ProgramDir() {
     std::error_code error;
     return std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string();

@@ -25,6 +25,10 @@ struct Location {
 //               kUnreachable when it is not running, kNotAuthorised when the token cannot be read
 Location Locate(const LocationOptions& options, const std::string& programDir);
 
+// The appliance's folder, empty when nothing says where it is; arguments as above. Throws Failure
+// (kUnreachable) when it is no folder.
+std::string LocateFolder(const LocationOptions& options, const std::string& programDir);
+
 // The folder of the running program; empty when the system does not tell.
 std::string ProgramDir();
 

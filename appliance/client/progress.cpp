@@ -12,10 +12,18 @@ namespace {
 
 constexpr std::chrono::milliseconds kTurn{125};
 constexpr std::string_view kSigns = "|/-\\";
+constexpr std::size_t kBarWidth = 20;
 constexpr char kClearLine[] = "\r\x1B[K";
 
 void Write(const std::string& text) {
     (void)WriteWhole(STDERR_FILENO, text);  // there is nowhere else to show it
+}
+
+std::string Bar(double share) {
+    const auto filled = static_cast<std::size_t>(share * kBarWidth);
+    const auto percent = static_cast<int>(share * 100);
+    return "[" + std::string(filled, '#') + std::string(kBarWidth - filled, ' ') + "] " +
+           std::to_string(percent) + " %";
 }
 
 }  // namespace
@@ -45,18 +53,28 @@ void Progress::Step(const std::string& text) {
     }
     const std::lock_guard<std::mutex> lock(mutex_);
     step_ = Printable(text);
+    done_.reset();
+}
+
+void Progress::SetDone(double share) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    done_ = share;
 }
 
 void Progress::Spin() {
     std::unique_lock<std::mutex> lock(mutex_);
     std::size_t turn = 0;
     while (!end_.wait_for(lock, kTurn, [this] { return isEnded_; })) {
-        const auto elapsed =
-            std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - begin_);
-        Write(kClearLine + std::string(1, kSigns[turn++ % kSigns.size()]) + " " + step_ + " (" +
-              std::to_string(elapsed.count()) + " s)");
+        Write(kClearLine + Line(turn++));
     }
     Write(kClearLine);
+}
+
+std::string Progress::Line(std::size_t turn) const {
+    const auto elapsed =
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - begin_);
+    const std::string tail = " " + step_ + " (" + std::to_string(elapsed.count()) + " s)";
+    return done_ ? Bar(*done_) + tail : std::string(1, kSigns[turn % kSigns.size()]) + tail;
 }
 
 }  // namespace client

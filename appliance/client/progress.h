@@ -4,13 +4,14 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
 namespace client {
 
-// Shows one step at a time: on a terminal as a spinner with the elapsed seconds, which leaves nothing behind;
-// anywhere else as a line per step.
+// Shows one step at a time: on a terminal as a spinner with the elapsed seconds, or as a bar, which leaves
+// nothing behind; anywhere else as a line per step.
 class Progress {
 public:
     // Shows nothing at all when `isShown` is false.
@@ -22,8 +23,12 @@ public:
     // Goes on to the step that `text` describes: any bytes, no line end.
     void Step(const std::string& text);
 
+    // Tells how much of the present step is done, from 0 to 1. Only a terminal shows it, as a bar.
+    void SetDone(double share);
+
 private:
     void Spin();
+    std::string Line(std::size_t turn) const;
 
     const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
     const bool isShown_;
@@ -31,6 +36,7 @@ private:
     std::condition_variable end_;
     bool isEnded_ = false;
     std::string step_;
+    std::optional<double> done_;
     std::thread spinner_;  // only on a terminal
 };
 

@@ -24,6 +24,10 @@ Appliance Session::FindHost() const {
     return Appliance(HttpClient(Locate(options_.location, ProgramDir()), TimeLimit()));
 }
 
+std::string Session::Folder() const {
+    return LocateFolder(options_.location, ProgramDir());
+}
+
 std::chrono::seconds Session::TimeLimit() const {
     return std::chrono::seconds(options_.timeoutSeconds);
 }

@@ -31,6 +31,9 @@ public:
     // The appliance, found anew: its address changes when it is started again. Throws as Host does.
     Appliance FindHost() const;
 
+    // The appliance's folder; empty when nothing says where it is. Throws Failure as LocateFolder does.
+    std::string Folder() const;
+
     // The longest time to wait for a reply or for the outcome of an action.
     std::chrono::seconds TimeLimit() const;
 

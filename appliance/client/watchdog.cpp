@@ -10,7 +10,10 @@ constexpr std::chrono::milliseconds kRepeat{20};
 }  // namespace
 
 Watchdog::Watchdog(std::chrono::milliseconds limit, std::function<void()> expire)
-    : expire_(std::move(expire)), thread_([this, limit] { Watch(limit); }) {}
+    : limit_(limit),
+      expire_(std::move(expire)),
+      deadline_(Clock::now() + limit),
+      thread_([this] { Watch(); }) {}
 
 Watchdog::~Watchdog() {
     {
@@ -26,12 +29,24 @@ bool Watchdog::HasExpired() {
     return hasExpired_;
 }
 
-void Watchdog::Watch(std::chrono::milliseconds limit) {
+void Watchdog::Restart() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!hasExpired_) {
+        deadline_ = Clock::now() + limit_;
+    }
+}
+
+void Watchdog::Watch() {
     std::unique_lock<std::mutex> lock(mutex_);
-    while (!end_.wait_for(lock, limit, [this] { return isEnded_; })) {
+    while (!isEnded_) {
+        const Clock::time_point deadline = deadline_;  // may begin anew meanwhile
+        if (Clock::now() < deadline) {
+            end_.wait_until(lock, deadline);
+            continue;
+        }
         hasExpired_ = true;
         expire_();
-        limit = kRepeat;
+        deadline_ = Clock::now() + kRepeat;
     }
 }
 

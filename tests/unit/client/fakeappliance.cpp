@@ -23,6 +23,14 @@ std::string NameOf(const httplib::Request& request) {
     return name.rfind(kMethodPath, 0) == 0 ? name.substr(kMethodPath.size()) : name;
 }
 
+std::string FilesOf(const httplib::Request& request) {
+    std::string text;
+    for (const auto& [field, file] : request.files) {
+        text += field + "=" + file.filename + ":" + file.content;
+    }
+    return text;
+}
+
 void SendEndlessly(httplib::Response& response, const std::string& piece, const std::string& type) {
     response.set_chunked_content_provider(type, [piece](std::size_t, httplib::DataSink& sink) {
         std::this_thread::sleep_for(kPause);
@@ -86,7 +94,7 @@ FakeReply FakeAppliance::TakeReply(const httplib::Request& request) {
     const std::string name = NameOf(request);
     const std::lock_guard<std::mutex> lock(mutex_);
     requests_.push_back(name + " " + request.get_header_value("Authorization") + " " + request.body +
-                        request.get_header_value("Last-Event-ID"));
+                        FilesOf(request) + request.get_header_value("Last-Event-ID"));
     arrived_.notify_all();
     const auto found = replies_.find(name);
     if (found == replies_.end()) {

@@ -51,14 +51,17 @@ public:
     FakeAppliance(const FakeAppliance&) = delete;
     FakeAppliance& operator=(const FakeAppliance&) = delete;
 
+    // Its folder.
+    const std::string& Dir() const { return dir_.Path(); }
+
     // The same in UTC, with CAMVORA_DIR naming this appliance.
     Program Start(const std::string& line, int outDescriptor = -1) const;
 
     // The same until its end.
     Outcome Run(const std::string& line) const { return Start(line).Wait(); }
 
-    // What arrived so far, one text each: the request named as above, "Authorization", and the body or the
-    // "Last-Event-ID", with blanks between.
+    // What arrived so far, one text each: the request named as above, "Authorization", and the body, the
+    // files of a form as "field=name:content", or the "Last-Event-ID", with blanks between.
     std::vector<std::string> Requests();
 
     // Returns when so many requests have arrived.

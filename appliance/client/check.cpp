@@ -1,0 +1,86 @@
+// camvoractl check FILE
+#include "client/appliancefacts.h"
+#include "client/commands.h"
+#include "client/failure.h"
+#include "client/packagerules.h"
+#include "client/packagescan.h"
+#include "client/plainfile.h"
+#include "client/session.h"
+#include "client/table.h"
+
+#include <CLI/App.hpp>
+
+#include <filesystem>
+#include <memory>
+
+namespace client {
+namespace {
+
+const char* WordFor(Ruling ruling) {
+    switch (ruling) {
+        case Ruling::kHolds:
+            return "yes";
+        case Ruling::kFails:
+            return "no";
+        default:
+            return "not checked";
+    }
+}
+
+Table VerdictTable(const std::vector<Verdict>& verdicts) {
+    Table table({"Rule", "Kept", "Seen", "Wanted"});
+    for (const Verdict& verdict : verdicts) {
+        table.AddRow({verdict.rule, WordFor(verdict.ruling), verdict.seen, verdict.wanted});
+    }
+    return table;
+}
+
+Json::Value VerdictDocument(const std::vector<Verdict>& verdicts) {
+    Json::Value document;
+    for (const Verdict& verdict : verdicts) {
+        Json::Value row;
+        row["rule"] = verdict.rule;
+        row["kept"] =
+            verdict.ruling == Ruling::kNotChecked ? Json::Value() : verdict.ruling == Ruling::kHolds;
+        row["seen"] = verdict.seen;
+        row["wanted"] = verdict.wanted;
+        document["rules"].append(row);
+    }
+    return document;
+}
+
+std::vector<Verdict> Judge(const std::string& path, const std::string& folder) {
+    const PlainFile file(path);
+    const PackageScan scan = ScanPackage(file, ReadScanLimits(folder));
+    return JudgePackage(std::filesystem::path(path).filename(), file.SizeBytes(), scan,
+                        ReadApplianceFacts(folder));
+}
+
+void Check(const Session& session, const std::string& path) {
+    const std::vector<Verdict> verdicts = Judge(path, session.Folder());
+    const Json::Value document = VerdictDocument(verdicts);
+    const std::string broken = BrokenRules(verdicts);
+    if (broken.empty()) {
+        session.Print(document, VerdictTable(verdicts));
+        return;
+    }
+    Failure failure(ExitStatus::kRefused, path + " does not keep the rules: " + broken);
+    if (session.IsForPrograms()) {
+        failure.data = document;
+    } else {
+        session.Print(document, VerdictTable(verdicts));
+    }
+    throw failure;
+}
+
+}  // namespace
+
+void AddCheck(CLI::App& program, Session& session) {
+    CLI::App* command =
+        program.add_subcommand("check", "Tell whether the appliance would take a package file");
+    const auto path = std::make_shared<std::string>();
+    command->add_option("FILE", *path, "Package file")->required();
+    command->callback([&session, path] { Check(session, *path); });
+}
+
+}  // namespace client

@@ -1,0 +1,50 @@
+#include "client/newfile.h"
+
+#include "client/failure.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+namespace client {
+namespace {
+
+constexpr mode_t kMode = 0644;
+
+Failure CannotWrite(const std::string& path, int error) {
+    return {ExitStatus::kFailed, "Cannot write " + path + ": " + strerror(error)};
+}
+
+}  // namespace
+
+NewFile::NewFile(std::string path)
+    : path_(std::move(path)),
+      temporaryPath_(path_ + ".XXXXXX"),
+      descriptor_(mkostemp(temporaryPath_.data(), O_CLOEXEC)) {
+    if (descriptor_ < 0) {
+        throw CannotWrite(path_, errno);
+    }
+}
+
+NewFile::~NewFile() {
+    (void)close(descriptor_);
+    if (!temporaryPath_.empty()) {
+        (void)unlink(temporaryPath_.c_str());
+    }
+}
+
+void NewFile::Finish() {
+    if (fchmod(descriptor_, kMode) != 0 || fsync(descriptor_) != 0 ||
+        rename(temporaryPath_.c_str(), path_.c_str()) != 0) {
+        throw CannotWrite(path_, errno);
+    }
+    temporaryPath_.clear();
+}
+
+}  // namespace client

@@ -1,0 +1,34 @@
+// A file that appears under its name when it is whole, in place of what had the name before.
+#pragma once
+
+#include <string>
+
+namespace client {
+
+class NewFile {
+public:
+    // Begins the file, under another name in the same folder. Throws Failure (kFailed).
+    explicit NewFile(std::string path);
+
+    // Removes what was written, unless it is finished.
+    ~NewFile();
+
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    // To write to.
+    int Descriptor() const { return descriptor_; }
+
+    // Where it is until it is finished.
+    const std::string& TemporaryPath() const { return temporaryPath_; }
+
+    // Gives the file its name. Throws Failure (kFailed); whatever had the name stays then.
+    void Finish();
+
+private:
+    std::string path_;
+    std::string temporaryPath_;
+    int descriptor_;
+};
+
+}  // namespace client

@@ -1,0 +1,36 @@
+// The rules that a package file has to keep, each judged by itself.
+#pragma once
+
+#include "client/appliancefacts.h"
+#include "client/packagescan.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace client {
+
+// The two add-ons' names for themselves, in INFO.
+inline constexpr char kDevicePackPackage[] = "CamvoraDevicePack";
+inline constexpr char kLocalDisplayPackage[] = "CamvoraLocalDisplay";
+
+enum class Ruling { kHolds, kFails, kNotChecked };
+
+struct Verdict {
+    const char* rule;
+    Ruling ruling;
+    std::string seen;
+    std::string wanted;
+};
+
+// Judges a package file by all rules, always in the same order.
+//   fileName   under which it is to be uploaded, without folders
+//   sizeBytes  of the file
+//   facts      of the appliance that it is for; without them the rules that need them are not checked
+std::vector<Verdict> JudgePackage(const std::string& fileName, std::uint64_t sizeBytes,
+                                  const PackageScan& scan, const std::optional<ApplianceFacts>& facts);
+
+// The names of the rules that are not kept, with ", " between.
+std::string BrokenRules(const std::vector<Verdict>& verdicts);
+
+}  // namespace client

@@ -1,0 +1,236 @@
+// Each rule with a package that breaks it, and what is not to be taken for a fault.
+#include "client/packagerules.h"
+
+#include "client/plainfile.h"
+#include "packages.h"
+#include "support/temporaryfolder.h"
+
+#include <gtest/gtest.h>
+
+namespace client {
+namespace {
+
+constexpr ScanLimits kLimits{1 << 20, 8};
+
+// Of an appliance that takes the package of packages.h.
+ApplianceFacts Facts() {
+    ApplianceFacts facts;
+    facts.arch = "plat0";
+    facts.version = "3.2";
+    facts.devicePackMinVersion = "2.0";
+    facts.localDisplayMinVersion = "1.0";
+    facts.platform = "plat1";
+    facts.freeBytes = 1 << 20;
+    return facts;
+}
+
+std::string Broken(const std::string& package, const std::string& fileName = "x.spk",
+                   const std::optional<ApplianceFacts>& facts = Facts()) {
+    const TemporaryFolder folder;
+    folder.Write("package", package);
+    const PlainFile file(folder.PathOf("package"));
+    return BrokenRules(JudgePackage(fileName, file.SizeBytes(), ScanPackage(file, kLimits), facts));
+}
+
+std::string Outer(const std::vector<TestEntry>& entries) {
+    return MakeTar(entries);
+}
+
+const std::string kTree = MakeTar({{"device_pack/conf", kGoodConf}}, true);
+const TestEntry kInfoEntry{"INFO", kDevicePackInfo};
+const TestEntry kTreeEntry{"package.tgz", kTree};
+constexpr char kLinks[] = "links and special files";
+
+struct PackageCase {
+    const char* name;
+    std::string package;
+    std::string broken;
+};
+
+const PackageCase kPackageCases[] = {
+    {"whole", MakeDevicePack(), ""},
+    {"local_display", MakePackage(kLocalDisplayInfo, {{"conf", kGoodConf}}), ""},
+    {"dots_in_front",
+     Outer({{"./", "", 'd'},
+            {"./INFO", kDevicePackInfo},
+            {"./package.tgz", MakeTar({{"./device_pack/conf", kGoodConf}}, true)}}),
+     ""},
+    {"tree_not_compressed", Outer({kInfoEntry, {"package.tgz", MakeTar({{"device_pack/conf", kGoodConf}})}}),
+     ""},
+    {"more_members", Outer({kTreeEntry, {"LICENSE", "x"}, kInfoEntry}), ""},
+    {"links_within_the_tree",
+     MakeDevicePack({{"device_pack/a", "script/../b", 'l'}, {"device_pack/c", "device_pack/conf", 'h'}}), ""},
+    {"other_character_set",
+     Outer({kInfoEntry,
+            {"package.tgz",
+             MakeTar({{"device_pack/conf", kGoodConf}, {"device_pack/\u00e4", "x"}}, true, true)}}),
+     ""},
+
+    {"empty", "", "archive, members, INFO"},
+    {"no_archive", std::string(2000, 'x'), "archive, members, INFO"},
+    {"tree_no_archive", Outer({kInfoEntry, {"package.tgz", "x"}}), "archive, tree"},
+    {"tree_cut", Outer({kInfoEntry, {"package.tgz", kTree.substr(0, kTree.size() - 9)}}), "archive, tree"},
+    {"tree_not_compressed_and_cut",
+     Outer({kInfoEntry, {"package.tgz", MakeTar({{"device_pack/conf", kGoodConf}}).substr(0, 1024)}}),
+     "archive"},
+    {"no_end", Outer({kInfoEntry, kTreeEntry}).substr(0, 2048), "archive"},
+
+    {"info_missing", Outer({kTreeEntry}), "members, INFO"},
+    {"info_twice", Outer({kInfoEntry, kInfoEntry, kTreeEntry}), "members"},
+    {"info_behind_an_end", Outer({kInfoEntry, kTreeEntry}) + Outer({kInfoEntry}), ""},
+    {"tree_twice", Outer({kInfoEntry, kTreeEntry, {"package.tgz", "x"}}), "members"},
+    {"tree_missing", Outer({kInfoEntry}), "members, tree"},
+    {"info_in_a_folder", Outer({{"a/INFO", kDevicePackInfo}, kTreeEntry}), "members, INFO"},
+
+    {"outer_name_leads_out", Outer({kInfoEntry, kTreeEntry, {"../x", ""}}), "names"},
+    {"outer_name_absolute", Outer({kInfoEntry, kTreeEntry, {"/x", ""}}), "names"},
+    {"tree_name_leads_out", MakeDevicePack({{"device_pack/../../x", ""}}), "names, tree"},
+
+    {"info_is_a_link", Outer({{"INFO", "/etc/passwd", 'l'}, kTreeEntry}),
+     "members, links and special files, INFO"},
+    {"tree_is_a_pipe", Outer({kInfoEntry, {"package.tgz", "", 'p'}}),
+     "members, links and special files, tree"},
+    {"outer_link", Outer({kInfoEntry, {"device_pack", "conf", 'l'}, kTreeEntry}), kLinks},
+    {"outer_hard_link", Outer({kInfoEntry, {"x", "INFO", 'h'}, kTreeEntry}), kLinks},
+    {"link_absolute", MakeDevicePack({{"device_pack/a", "/etc", 'l'}}), kLinks},
+    {"link_leads_out", MakeDevicePack({{"device_pack/a/b", "../../../x", 'l'}}), kLinks},
+    {"link_to_beside_the_tree", MakeDevicePack({{"device_pack/a", "../INFO", 'l'}}), kLinks},
+    {"hard_link_leads_out", MakeDevicePack({{"device_pack/a", "../../etc/passwd", 'h'}}), kLinks},
+    {"pipe", MakeDevicePack({{"device_pack/a", "", 'p'}}), kLinks},
+    {"conf_is_a_link", MakeDevicePack({{"device_pack/conf", "a", 'l'}}), kLinks},
+    {"top_is_a_link", MakeDevicePack({{"device_pack", "device_pack/a", 'l'}}), kLinks},
+    {"scripts_are_a_link", MakeDevicePack({{"device_pack/script", "a", 'l'}}), kLinks},
+    {"script_is_a_link", MakeDevicePack({{"device_pack/script/preinst", "postinst", 'l'}}), kLinks},
+    {"script_is_a_folder", MakeDevicePack({{"device_pack/script/postupgrade/", "", 'd'}}), kLinks},
+    {"local_display_conf_is_a_link", MakePackage(kLocalDisplayInfo, {{"a", kGoodConf}, {"conf", "a", 'l'}}),
+     "links and special files, tree"},
+
+    {"info_of_another", MakePackage("package=\"device_pack\"\narch=\"plat1\"", {{"conf", kGoodConf}}),
+     "INFO"},
+    {"info_without_arch", MakePackage("package=\"CamvoraLocalDisplay\"", {{"conf", kGoodConf}}), "INFO"},
+    {"tree_of_the_other", MakePackage(kDevicePackInfo, {{"conf", kGoodConf}}), "tree"},
+    {"tree_besides_device_pack", MakeDevicePack({{"INFO", kLocalDisplayInfo}}), "tree"},
+    {"conf_without_maintainer",
+     MakePackage(kLocalDisplayInfo, {{"conf", "version=\"2.2\"\ncv_min_ver=\"3.0\"\n"}}), "conf"},
+    {"conf_without_version", MakePackage(kLocalDisplayInfo, {{"conf", "maintainer=a\ncv_min_ver=3.0"}}),
+     "conf"},
+    {"needs_newer_camvora",
+     MakePackage(kLocalDisplayInfo, {{"conf", "version=2\nmaintainer=a\ncv_min_ver=3.2-1"}}),
+     "version of Camvora"},
+    {"too_old", MakePackage(kLocalDisplayInfo, {{"conf", "version=0.9\nmaintainer=a\ncv_min_ver=3"}}),
+     "version of the add-on"},
+
+    {"too_many_entries",
+     MakeDevicePack(std::vector<TestEntry>(kLimits.entries - 1, TestEntry{"device_pack/a", ""})), "sizes"},
+    {"tree_too_large", MakeDevicePack({{"device_pack/a", std::string(kLimits.sizeBytes, 'x')}}), "sizes"},
+    {"tree_of_zeros_without_end",
+     Outer({kInfoEntry,
+            {"package.tgz",
+             Gzip(MakeTar({{"device_pack/conf", kGoodConf}}) + std::string(4 * kLimits.sizeBytes, '\0'))}}),
+     "archive"},
+    {"tree_compressed_twice", Outer({kInfoEntry, {"package.tgz", Gzip(kTree)}}), "archive, tree"},
+    {"outer_too_large", Outer({kInfoEntry, kTreeEntry, {"x", std::string(kLimits.sizeBytes, 'x')}}),
+     "sizes, free space"},
+};
+
+class PackageRulesTest : public testing::TestWithParam<PackageCase> {};
+
+TEST_P(PackageRulesTest, FindsWhatIsBroken) {
+    EXPECT_EQ(GetParam().broken, Broken(GetParam().package));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PackageRulesTest, testing::ValuesIn(kPackageCases),
+                         [](const auto& c) { return std::string(c.param.name); });
+
+struct NameCase {
+    const char* name;
+    const char* fileName;
+    bool isTaken;
+};
+
+TEST(PackageExtensionTest, IsWhatFollowsTheLastDot) {
+    for (const NameCase& row : {NameCase{"two", "x.tar.spk", true},
+                                {"alone", "spk", true},
+                                {"case", "x.SPK", false},
+                                {"other", "x.spk.gz", false},
+                                {"part", "xspk", false}}) {
+        EXPECT_EQ(row.isTaken ? "" : "extension", Broken(MakeDevicePack(), row.fileName)) << row.name;
+    }
+}
+
+struct FactsCase {
+    const char* name;
+    void (*change)(ApplianceFacts& facts);
+    const char* broken;
+};
+
+const FactsCase kFactsCases[] = {
+    {"platform_of_the_whole_text", [](ApplianceFacts& f) { f.arch = "plat1 plat2", f.platform = ""; }, ""},
+    {"platform_is_no_whole_element", [](ApplianceFacts& f) { f.platform = "plat"; }, "platform"},
+    {"platform_unknown", [](ApplianceFacts& f) { f.platform = ""; }, "platform"},
+    {"arch_unknown", [](ApplianceFacts& f) { f.arch.reset(); }, "platform"},
+    {"version_unknown", [](ApplianceFacts& f) { f.version.reset(); }, "version of Camvora"},
+    {"version_reached_exactly", [](ApplianceFacts& f) { f.devicePackMinVersion = "2.2-1"; }, ""},
+    {"minimum_of_the_other_add_on", [](ApplianceFacts& f) { f.localDisplayMinVersion = "9"; }, ""},
+    {"minimum_not_reached", [](ApplianceFacts& f) { f.devicePackMinVersion = "2.2-2"; },
+     "version of the add-on"},
+    {"minimum_unknown", [](ApplianceFacts& f) { f.devicePackMinVersion.reset(); }, "version of the add-on"},
+    {"no_room", [](ApplianceFacts& f) { f.freeBytes = 1024; }, "free space"},
+};
+
+class ApplianceRulesTest : public testing::TestWithParam<FactsCase> {};
+
+TEST_P(ApplianceRulesTest, CompareWithTheAppliance) {
+    ApplianceFacts facts = Facts();
+    GetParam().change(facts);
+    EXPECT_EQ(GetParam().broken, Broken(MakeDevicePack(), "x.spk", facts));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ApplianceRulesTest, testing::ValuesIn(kFactsCases),
+                         [](const auto& c) { return std::string(c.param.name); });
+
+TEST(PackageDamageTest, IsFoundWhereverThePackageIsCut) {
+    const std::string package = MakeDevicePack();
+    for (std::size_t length = 0; length < package.size() - 1024; length += 7) {
+        EXPECT_NE("", Broken(package.substr(0, length))) << length;
+    }
+}
+
+TEST(PackageDamageTest, NeitherCrashesNorHangs) {
+    const std::string package = MakeDevicePack({{"device_pack/a", "script", 'l'}});
+    for (std::size_t at = 0; at < package.size(); at += 5) {
+        std::string damaged = package;
+        damaged[at] = static_cast<char>(damaged[at] ^ static_cast<char>(1U << at % 8));
+        (void)Broken(damaged);
+    }
+}
+
+struct UniqueCase {
+    const char* unique;
+    const char* platform;
+};
+
+TEST(ApplianceFactsTest, AreReadFromItsFolder) {
+    const TemporaryFolder folder;
+    EXPECT_FALSE(ReadApplianceFacts(folder.Path()));
+    folder.Write("var/packages/Camvora/INFO",
+                 " arch = \"a b\" \r\n# version=\"0\"\nversion=1.2\nversion=3\n");
+    folder.Write("var/packages/Camvora/target/etc/cv.conf", "dp_min_ver=\"2\"\n");
+    folder.Write("var/packages/Camvora/target/etc/programs.conf", "unpack_entries_limit=\"7\"\n");
+    const ApplianceFacts facts = ReadApplianceFacts(folder.Path()).value_or(ApplianceFacts());
+    EXPECT_EQ("a b", facts.arch);
+    EXPECT_EQ("1.2", facts.version);
+    EXPECT_EQ("2", facts.devicePackMinVersion);
+    EXPECT_FALSE(facts.localDisplayMinVersion);
+    EXPECT_GT(facts.freeBytes.value_or(0), 0U);
+    EXPECT_EQ(7U, ReadScanLimits(folder.Path()).entries);
+    EXPECT_EQ(2048U << 20U, ReadScanLimits(folder.Path()).sizeBytes);
+    for (const UniqueCase& row :
+         {UniqueCase{"aaa_bbb_ccc", "bbb"}, {"a_b_c_d", "b_c"}, {"a_b", ""}, {"ab", ""}, {"a__b", ""}}) {
+        folder.Write("etc.defaults/orvainfo.conf", "unique=\"" + std::string(row.unique) + "\"\n");
+        EXPECT_EQ(row.platform, ReadApplianceFacts(folder.Path())->platform) << row.unique;
+    }
+}
+
+}  // namespace
+}  // namespace client
