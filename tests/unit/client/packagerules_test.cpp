@@ -165,7 +165,7 @@ struct FactsCase {
 };
 
 const FactsCase kFactsCases[] = {
-    {"platform_of_the_whole_text", [](ApplianceFacts& f) { f.arch = "plat1 plat2", f.platform = ""; }, ""},
+    {"platform_of_the_whole_text", [](ApplianceFacts& f) { f.arch = "plat1  plat2", f.platform = ""; }, ""},
     {"platform_is_no_whole_element", [](ApplianceFacts& f) { f.platform = "plat"; }, "platform"},
     {"platform_unknown", [](ApplianceFacts& f) { f.platform = ""; }, "platform"},
     {"arch_unknown", [](ApplianceFacts& f) { f.arch.reset(); }, "platform"},
@@ -214,7 +214,7 @@ TEST(ApplianceFactsTest, AreReadFromItsFolder) {
     const TemporaryFolder folder;
     EXPECT_FALSE(ReadApplianceFacts(folder.Path()));
     folder.Write("var/packages/Camvora/INFO",
-                 " arch = \"a b\" \r\n# version=\"0\"\nversion=1.2\nversion=3\n");
+                 " arch = \"a b\" \r\n# version=\"0\"\nversion=1.2 \r\nversion=3\n");
     folder.Write("var/packages/Camvora/target/etc/cv.conf", "dp_min_ver=\"2\"\n");
     folder.Write("var/packages/Camvora/target/etc/programs.conf", "unpack_entries_limit=\"7\"\n");
     const ApplianceFacts facts = ReadApplianceFacts(folder.Path()).value_or(ApplianceFacts());

@@ -17,7 +17,7 @@ std::string MakeTar(const std::vector<TestEntry>& entries, bool isCompressed = f
 std::string Gzip(const std::string& bytes);
 
 // A good INFO and conf of the two add-ons.
-inline constexpr char kDevicePackInfo[] = "package=\"CamvoraDevicePack\"\narch=\"plat1 plat2\"\n";
+inline constexpr char kDevicePackInfo[] = "package=\"CamvoraDevicePack\"\narch=\"plat1  plat2\"\n";
 inline constexpr char kLocalDisplayInfo[] = "package=\"CamvoraLocalDisplay\"\narch=\"plat1 plat2\"\n";
 inline constexpr char kGoodConf[] = "version=\"2.2-1\"\nmaintainer=\"Me\"\ncv_min_ver=\"3.0\"\n";
 
