@@ -21,7 +21,9 @@ struct Answer {
 
 class Appliance {
 public:
-    explicit Appliance(HttpClient http);
+    //   server  the name of a recording server that is paired with the appliance: methods are called there;
+    //           empty for the appliance's own
+    explicit Appliance(HttpClient http, const std::string& server = "");
 
     // The same appliance with another limit for each request as a whole.
     Appliance Within(std::chrono::seconds timeLimit) const;
@@ -32,6 +34,13 @@ public:
 
     // The data of that answer. Throws as Ask does.
     Json::Value Call(const std::string& method, const Json::Value& params) const;
+
+    // Posts `body` to a page of the appliance, or reads or deletes what the page is about. Return the data of
+    // the answer; `what` names it in failures. Throw as Ask does.
+    Json::Value PostPage(const std::string& path, const Json::Value& body, const std::string& what) const;
+    Json::Value GetPage(const std::string& path, const std::string& what) const;
+    Json::Value DeletePage(const std::string& path, const std::multimap<std::string, std::string>& query,
+                           const std::string& what) const;
 
     // What the appliance serves. Throws as Ask does.
     Json::Value Methods() const;
@@ -58,6 +67,7 @@ private:
     Answer Checked(const HttpReply& reply, const std::string& what) const;
 
     HttpClient http_;
+    std::string server_;
 };
 
 }  // namespace client

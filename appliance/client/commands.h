@@ -19,5 +19,6 @@ void AddLog(CLI::App& program, Session& session);
 void AddApps(CLI::App& program, Session& session);
 void AddMethods(CLI::App& program, Session& session);
 void AddCall(CLI::App& program, Session& session);
+void AddPair(CLI::App& program, Session& session);  // code, join, list and remove
 
 }  // namespace client

@@ -75,6 +75,11 @@ HttpReply HttpClient::Get(const std::string& path,
     return Send("GET", query.empty() ? path : httplib::append_query_params(path, query), "");
 }
 
+HttpReply HttpClient::Delete(const std::string& path,
+                             const std::multimap<std::string, std::string>& query) const {
+    return Send("DELETE", httplib::append_query_params(path, query), "");
+}
+
 HttpReply HttpClient::Listen(const std::string& path, const std::string& lastEventId,
                              const PieceReceiver& receive) const {
     httplib::Client http(location_.url);

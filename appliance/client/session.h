@@ -18,6 +18,7 @@ struct GlobalOptions {
     LocationOptions location;
     int timeoutSeconds = 60;  // of one request
     bool json = false;        // write for programs
+    std::string server;       // paired with the appliance, on which methods are called; empty for none
 };
 
 class Session {
@@ -30,6 +31,9 @@ public:
 
     // The appliance, found anew: its address changes when it is started again. Throws as Host does.
     Appliance FindHost() const;
+
+    // Where the appliance is. Throws as Host does.
+    Location FindLocation() const;
 
     // The longest time to wait for a reply or for the outcome of an action.
     std::chrono::seconds TimeLimit() const;
