@@ -48,6 +48,9 @@ public:
     // The log lines of a request, an array. Throws as Ask does.
     Json::Value Log(const std::string& requestId) const;
 
+    // False when methods are called on a paired server, whose operation log cannot be asked.
+    bool HasOperations() const { return server_.empty(); }
+
     // The entries of the operation log with ids above `after`, oldest first and at most a thousand; the
     // newest without `after`. Throws as Ask does.
     Json::Value Operations(std::optional<Json::Int64> after) const;
