@@ -22,14 +22,15 @@ Json::Value ListIn(const Json::Value& data, const char* name, const std::string&
 
 }  // namespace
 
-Appliance::Appliance(HttpClient http) : http_(std::move(http)) {}
+Appliance::Appliance(HttpClient http, const std::string& server) : http_(std::move(http)), server_(server) {}
 
 Appliance Appliance::Within(std::chrono::seconds timeLimit) const {
-    return Appliance(http_.Within(timeLimit));
+    return Appliance(http_.Within(timeLimit), server_);
 }
 
 Answer Appliance::Ask(const std::string& method, const Json::Value& params) const {
-    return Checked(http_.Post(kApiPath + method, ToJson(params)), method);
+    const std::string place = server_.empty() ? "" : "/servers/" + server_;
+    return Checked(http_.Post(place + kApiPath + method, ToJson(params)), method);
 }
 
 Json::Value Appliance::Call(const std::string& method, const Json::Value& params) const {
@@ -41,8 +42,23 @@ Json::Value Appliance::Upload(const FormFile& file, const SentReceiver& sent) co
     return Checked(http_.PostFile(std::string(kApiPath) + kMethod, file, sent), kMethod).data;
 }
 
+Json::Value Appliance::PostPage(const std::string& path, const Json::Value& body,
+                                const std::string& what) const {
+    return Checked(http_.Post(path, ToJson(body)), what).data;
+}
+
+Json::Value Appliance::GetPage(const std::string& path, const std::string& what) const {
+    return Checked(http_.Get(path), what).data;
+}
+
+Json::Value Appliance::DeletePage(const std::string& path,
+                                  const std::multimap<std::string, std::string>& query,
+                                  const std::string& what) const {
+    return Checked(http_.Delete(path, query), what).data;
+}
+
 Json::Value Appliance::Methods() const {
-    return Checked(http_.Get("/api"), "The list of methods").data;
+    return GetPage("/api", "The list of methods");
 }
 
 Json::Value Appliance::Log(const std::string& requestId) const {

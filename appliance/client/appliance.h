@@ -21,7 +21,9 @@ struct Answer {
 
 class Appliance {
 public:
-    explicit Appliance(HttpClient http);
+    //   server  the name of a recording server that is paired with the appliance: methods are called there;
+    //           empty for the appliance's own
+    explicit Appliance(HttpClient http, const std::string& server = "");
 
     // The same appliance with another limit for each request as a whole.
     Appliance Within(std::chrono::seconds timeLimit) const;
@@ -36,11 +38,21 @@ public:
     // Sends the file as "Upload" wants it. Throws as Ask does, and as HttpClient::PostFile does.
     Json::Value Upload(const FormFile& file, const SentReceiver& sent) const;
 
+    // Posts `body` to a page of the appliance, or reads or deletes what the page is about. Return the data of
+    // the answer; `what` names it in failures. Throw as Ask does.
+    Json::Value PostPage(const std::string& path, const Json::Value& body, const std::string& what) const;
+    Json::Value GetPage(const std::string& path, const std::string& what) const;
+    Json::Value DeletePage(const std::string& path, const std::multimap<std::string, std::string>& query,
+                           const std::string& what) const;
+
     // What the appliance serves. Throws as Ask does.
     Json::Value Methods() const;
 
     // The log lines of a request, an array. Throws as Ask does.
     Json::Value Log(const std::string& requestId) const;
+
+    // False when methods are called on a paired server, whose operation log cannot be asked.
+    bool HasOperations() const { return server_.empty(); }
 
     // The entries of the operation log with ids above `after`, oldest first and at most a thousand; the
     // newest without `after`. Throws as Ask does.
@@ -61,6 +73,7 @@ private:
     Answer Checked(const HttpReply& reply, const std::string& what) const;
 
     HttpClient http_;
+    std::string server_;
 };
 
 }  // namespace client

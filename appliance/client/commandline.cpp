@@ -10,6 +10,8 @@
 #include <unistd.h>
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <sstream>
 #include <vector>
@@ -20,7 +22,7 @@ namespace {
 // In the order of the help.
 constexpr void (*kCommands[])(CLI::App&, Session&) = {
     AddList,   AddStatus, AddControl, AddUpload,  AddCheck, AddPkg,
-    AddEvents, AddLog,    AddApps,    AddMethods, AddCall,
+    AddEvents, AddLog,    AddApps,    AddMethods, AddCall,  AddPair,
 };
 
 constexpr char kExamples[] =
@@ -36,6 +38,17 @@ constexpr char kExamples[] =
 constexpr char kCommandFooter[] = "Options for all commands, and exit statuses: camvoractl --help\n";
 
 constexpr int kLongestTimeoutSeconds = 24 * 60 * 60;
+
+// The name becomes a part of the address.
+CLI::Validator IsServerName() {
+    const auto problemWith = [](const std::string& name) -> std::string {
+        const bool isName = std::all_of(name.begin(), name.end(), [](unsigned char c) {
+            return std::isalnum(c) != 0 || c == '.' || c == '_' || c == '-';
+        });
+        return isName && !name.empty() ? "" : "\"" + name + "\" cannot be the name of a server";
+    };
+    return CLI::Validator(problemWith, "");
+}
 
 void AddOptions(CLI::App& program, GlobalOptions& options) {
     program.set_version_flag("--version", "camvoractl " CAMVORA_VERSION, "Print the version and exit");
@@ -56,6 +69,11 @@ void AddOptions(CLI::App& program, GlobalOptions& options) {
     program
         .add_option("--token-file", options.location.tokenFile, "File of the token, instead of the folder's")
         ->option_text("FILE");
+    program
+        .add_option("--server", options.server,
+                    "Call methods on this recording server, which is paired with the appliance")
+        ->check(IsServerName())
+        ->option_text("NAME");
 }
 
 void AddCommands(CLI::App& program, Session& session) {

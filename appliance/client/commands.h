@@ -22,5 +22,6 @@ void AddCall(CLI::App& program, Session& session);
 void AddUpload(CLI::App& program, Session& session);
 void AddCheck(CLI::App& program, Session& session);
 void AddPkg(CLI::App& program, Session& session);
+void AddPair(CLI::App& program, Session& session);  // code, join, list and remove
 
 }  // namespace client

@@ -130,6 +130,11 @@ HttpReply HttpClient::Get(const std::string& path,
     return Exchange(location_, timeLimit_).Send(MakeRequest("GET", target, "", location_.token));
 }
 
+HttpReply HttpClient::Delete(const std::string& path,
+                             const std::multimap<std::string, std::string>& query) const {
+    return Send("DELETE", httplib::append_query_params(path, query), "");
+}
+
 HttpReply HttpClient::Listen(const std::string& path, const std::string& lastEventId,
                              const PieceReceiver& receive) const {
     httplib::Client http(location_.url);

@@ -36,6 +36,8 @@ public:
 
     HttpReply Get(const std::string& path, const std::multimap<std::string, std::string>& query = {}) const;
 
+    HttpReply Delete(const std::string& path, const std::multimap<std::string, std::string>& query) const;
+
     // Receives a stream of events until it ends, breaks off or stays silent for half a minute, or `receive`
     // wants no more. The time limit does not hold here. A reply that is no stream is returned whole.
     //   lastEventId  of the last event that was received; empty for none

@@ -21,7 +21,11 @@ Appliance& Session::Host() {
 }
 
 Appliance Session::FindHost() const {
-    return Appliance(HttpClient(Locate(options_.location, ProgramDir()), TimeLimit()));
+    return Appliance(HttpClient(FindLocation(), TimeLimit()), options_.server);
+}
+
+Location Session::FindLocation() const {
+    return Locate(options_.location, ProgramDir());
 }
 
 std::string Session::Folder() const {

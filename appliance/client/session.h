@@ -18,6 +18,7 @@ struct GlobalOptions {
     LocationOptions location;
     int timeoutSeconds = 60;  // of one request
     bool json = false;        // write for programs
+    std::string server;       // paired with the appliance, on which methods are called; empty for none
 };
 
 class Session {
@@ -33,6 +34,9 @@ public:
 
     // The appliance's folder; empty when nothing says where it is. Throws Failure as LocateFolder does.
     std::string Folder() const;
+
+    // Where the appliance is. Throws as Host does.
+    Location FindLocation() const;
 
     // The longest time to wait for a reply or for the outcome of an action.
     std::chrono::seconds TimeLimit() const;

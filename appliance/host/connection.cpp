@@ -15,6 +15,7 @@ namespace host {
 namespace {
 
 constexpr std::size_t kHeadLimitBytes = std::size_t{64} << 10;
+constexpr std::size_t kHeldLimitBytes = std::size_t{64} << 10;
 constexpr std::uint64_t kChunkingFactor = 4;  // chunks of a few bytes are mostly frame
 constexpr std::size_t kSlowestBytesPerS = std::size_t{16} << 10;
 constexpr std::chrono::seconds kLinger{2};
@@ -110,6 +111,10 @@ ssize_t Connection::read(char* bytes, std::size_t sizeBytes) {
 }
 
 ssize_t Connection::write(const char* bytes, std::size_t sizeBytes) {
+    if (sizeBytes > kHeldLimitBytes) {
+        holdsHead_ = false;
+        return Flush() && Send(bytes, sizeBytes) ? static_cast<ssize_t>(sizeBytes) : -1;
+    }
     held_.append(bytes, sizeBytes);
     if (!std::exchange(holdsHead_, false) && !Flush()) {
         return -1;
@@ -118,15 +123,23 @@ ssize_t Connection::write(const char* bytes, std::size_t sizeBytes) {
 }
 
 bool Connection::Flush() {
-    std::size_t sent = 0;
-    while (sent < held_.size()) {
-        const ssize_t size = send(socket_.Get(), held_.data() + sent, held_.size() - sent, MSG_NOSIGNAL);
-        if (size < 0 && errno != EINTR) {
-            return false;
-        }
-        sent += size > 0 ? static_cast<std::size_t>(size) : 0;
+    if (!Send(held_.data(), held_.size())) {
+        return false;
     }
     held_.clear();
+    return true;
+}
+
+bool Connection::Send(const char* bytes, std::size_t sizeBytes) {
+    while (sizeBytes > 0) {
+        const ssize_t sent = send(socket_.Get(), bytes, sizeBytes, MSG_NOSIGNAL);
+        if (sent < 0 && errno != EINTR) {
+            return false;
+        }
+        const auto size = static_cast<std::size_t>(std::max<ssize_t>(sent, 0));
+        bytes += size;
+        sizeBytes -= size;
+    }
     return true;
 }
 

@@ -54,6 +54,7 @@ private:
     bool IsWithinLimits() const;
     Clock::duration TimeLeft() const;
     ssize_t Fill();
+    bool Send(const char* bytes, std::size_t sizeBytes);
 
     UniqueFd socket_;
     int stopEvent_;

@@ -36,10 +36,12 @@ constexpr ErrorEntry kErrors[] = {
     {500, "The host failed"},
     {507, "There is not enough free space for the upload"},
     {500, "The upload could not be stored"},
+    {403, "The pairing code is wrong or no longer valid"},
+    {502, "The paired server does not answer"},
 };
 
 static_assert(sizeof(kErrors) / sizeof(kErrors[0]) ==
-              static_cast<std::size_t>(FrameworkError::kUploadNotStored) + 1);
+              static_cast<std::size_t>(FrameworkError::kServerAway) + 1);
 
 }  // namespace
 

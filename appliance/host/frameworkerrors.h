@@ -30,6 +30,8 @@ enum class FrameworkError {
     kHostFailed,
     kNoSpace,
     kUploadNotStored,
+    kWrongPairingCode,
+    kServerAway,
 };
 
 // The answer for `error`; its data is {"text": ...}, a sentence for people, with `detail` where given.

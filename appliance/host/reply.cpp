@@ -1,9 +1,6 @@
 #include "host/reply.h"
 
-#include <json/writer.h>
-
-#include <memory>
-#include <sstream>
+#include "host/jsonappend.h"
 
 namespace host {
 
@@ -11,23 +8,13 @@ namespace {
 
 constexpr char kSuccessBegin[] = R"({"success":true,)";
 
-std::unique_ptr<Json::StreamWriter> CompactWriter() {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    return std::unique_ptr<Json::StreamWriter>(builder.newStreamWriter());
-}
-
-std::string ToText(const Json::Value& value) {
-    thread_local const std::unique_ptr<Json::StreamWriter> writer = CompactWriter();
-    std::ostringstream text;
-    writer->write(value, &text);
-    return text.str();
-}
-
 }  // namespace
 
 Reply SuccessReply(const Json::Value& data) {
-    return {200, kSuccessBegin + (R"("data":)" + ToText(data)) + "}"};
+    Reply reply{200, kSuccessBegin + std::string(R"("data":)")};
+    AppendJson(reply.body, data);
+    reply.body += '}';
+    return reply;
 }
 
 bool IsSuccess(const Reply& reply) {
@@ -35,8 +22,10 @@ bool IsSuccess(const Reply& reply) {
 }
 
 Reply ErrorReply(int httpStatus, int code, const Json::Value& data) {
-    return {httpStatus, R"({"success":false,"error":{"code":)" + std::to_string(code) + R"(,"data":)" +
-                            ToText(data) + "}}"};
+    Reply reply{httpStatus, R"({"success":false,"error":{"code":)" + std::to_string(code) + R"(,"data":)"};
+    AppendJson(reply.body, data);
+    reply.body += "}}";
+    return reply;
 }
 
 }  // namespace host

@@ -1,6 +1,7 @@
 #include "host/request.h"
 
 #include <cstring>
+#include <utility>
 
 namespace host {
 
@@ -47,12 +48,17 @@ Request DecodeRequest(const std::string& text) {
             text.substr(body)};
 }
 
-std::string Encode(const Reply& reply) {
-    return EncodeHead(reply.httpStatus) + reply.body;
+// The number stands at the end, where it is put and taken away without moving the rest.
+std::string Encode(Reply reply) {
+    reply.body += EncodeHead(reply.httpStatus);
+    return std::move(reply.body);
 }
 
-Reply DecodeReply(const std::string& text) {
-    return {DecodeHead<int>(text), text.substr(sizeof(int))};
+Reply DecodeReply(std::string text) {
+    const std::size_t bodySize = text.size() - sizeof(int);
+    const int httpStatus = DecodeHead<int>(text.substr(bodySize));
+    text.resize(bodySize);
+    return {httpStatus, std::move(text)};
 }
 
 }  // namespace host

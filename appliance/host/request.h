@@ -19,10 +19,11 @@ struct Request {
     std::string body;     // the parameters as JSON text; empty for none
 };
 
-// The text form of requests and replies, for SendText. Decoding takes what Encode made.
+// The text form of requests and replies, for SendText. Decoding takes what Encode made. Replies may be big
+// and are not copied.
 std::string Encode(const Request& request);
-std::string Encode(const Reply& reply);
+std::string Encode(Reply reply);
 Request DecodeRequest(const std::string& text);
-Reply DecodeReply(const std::string& text);
+Reply DecodeReply(std::string text);
 
 }  // namespace host

@@ -52,20 +52,28 @@ std::size_t BodyLimits::TotalBytes(const httplib::Request& request) const {
 
 std::optional<Reply> ReadBody(const httplib::Request& from, const httplib::ContentReader& reader,
                               const BodyLimits& limits, Uploads& uploads, Request& request) {
-    if (!HasBody(from)) {
-        return std::nullopt;
+    request.upload = HasBody(from) && from.is_multipart_form_data();
+    if (!request.upload) {
+        return ReadTextBody(from, reader, limits.textBytes, request.body);
     }
     if (AnnouncedSize(from) > limits.TotalBytes(from)) {
         return ReplyFor(FrameworkError::kTooLarge);
     }
-    request.upload = from.is_multipart_form_data();
-    if (request.upload) {
-        return ReadForm(reader, limits, uploads, request);
+    return ReadForm(reader, limits, uploads, request);
+}
+
+std::optional<Reply> ReadTextBody(const httplib::Request& from, const httplib::ContentReader& reader,
+                                  std::size_t limitBytes, std::string& body) {
+    if (!HasBody(from)) {
+        return std::nullopt;
+    }
+    if (AnnouncedSize(from) > limitBytes) {
+        return ReplyFor(FrameworkError::kTooLarge);
     }
     if (IsOfType(from, "multipart/")) {
         return ReplyFor(FrameworkError::kUnsupportedMediaType);
     }
-    return ReadPlain(reader, limits.textBytes, request.body);
+    return ReadPlain(reader, limitBytes, body);
 }
 
 Reply ReplyForPartialBody() {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 
 namespace host {
 
@@ -26,6 +27,10 @@ struct BodyLimits {
 // read to its end.
 std::optional<Reply> ReadBody(const httplib::Request& from, const httplib::ContentReader& reader,
                               const BodyLimits& limits, Uploads& uploads, Request& request);
+
+// Reads a body that is no form into `body`; a form is refused. Otherwise as ReadBody.
+std::optional<Reply> ReadTextBody(const httplib::Request& from, const httplib::ContentReader& reader,
+                                  std::size_t limitBytes, std::string& body);
 
 // The refusal of a body that ends before its time.
 Reply ReplyForPartialBody();

@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 
 #include <csignal>
+#include <utility>
 
 namespace host {
 
@@ -64,7 +65,7 @@ Reply RequestClient::Exchange(const std::string& requestId, const Request& reque
     int waitStatus = 0;
     switch (ReceiveText(connection.Get(), text, waitStatus)) {
         case Received::kText:
-            return DecodeReply(text);
+            return DecodeReply(std::move(text));
         case Received::kEnded:
             return ReplyForEnd(waitStatus);
         case Received::kTimedOut:

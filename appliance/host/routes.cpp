@@ -7,12 +7,14 @@
 #include "host/httpreply.h"
 #include "host/operations.h"
 #include "host/programs.h"
+#include "host/relay.h"
 #include "host/uploads.h"
 
 #include "libcamvora/diagnosticlog.h"
 #include "platform/log.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <utility>
 
@@ -22,7 +24,7 @@ namespace {
 
 using HandlerResponse = httplib::Server::HandlerResponse;
 
-void RefuseHttpMethod(httplib::Response& response, const char* allowed) {
+void RefuseHttpMethod(httplib::Response& response, const std::string& allowed) {
     response.set_header("Allow", allowed);
     Write(response, ReplyFor(FrameworkError::kWrongHttpMethod));
 }
@@ -35,16 +37,30 @@ void AnswerNotAuthorized(httplib::Response& response) {
 }  // namespace
 
 struct Routes::Page {
-    const char* path;
+    const char* httpMethod;
+    const char* path;  // null for those of calls that are relayed
     bool needsToken;
     Answer answer;
+
+    bool IsAt(const std::string& requested) const {
+        return path == nullptr ? FindRelayTarget(requested).has_value() : requested == path;
+    }
 };
 
-// All of them are read with GET; everything else is a method of the module, called with POST.
+// Everything else is a method of the module, called with POST.
 const Routes::Page Routes::kPages[] = {
-    {"/api", false, &Routes::AnswerApis},         {"/health", false, &Routes::AnswerHealth},
-    {"/log", true, &Routes::AnswerLog},           {"/operations", true, &Routes::AnswerOperations},
-    {"/programs", true, &Routes::AnswerPrograms}, {"/events", true, &Routes::AnswerEvents},
+    {"GET", "/api", false, &Routes::AnswerApis},
+    {"GET", "/health", false, &Routes::AnswerHealth},
+    {"GET", "/log", true, &Routes::AnswerLog},
+    {"GET", "/operations", true, &Routes::AnswerOperations},
+    {"GET", "/programs", true, &Routes::AnswerPrograms},
+    {"GET", "/events", true, &Routes::AnswerEvents},
+    {"POST", "/pairing/codes", true, &Routes::AnswerMakeCode},
+    {"POST", "/pairing", false, &Routes::AnswerRedeemCode},
+    {"POST", "/pairs", true, &Routes::AnswerKeepHost},
+    {"GET", "/pairs", true, &Routes::AnswerPairs},
+    {"DELETE", "/pairs", true, &Routes::AnswerForget},
+    {"POST", nullptr, true, &Routes::AnswerRelay},
 };
 
 Routes::Routes(const Module& module, const AccessToken& token, const Options& options,
@@ -60,7 +76,7 @@ void Routes::AddTo(httplib::Server& server) {
     server.set_pre_routing_handler(
         [this](const auto& request, auto& response) { return AnswerEarly(request, response); });
     server.Post(".*", [this](const auto& request, auto& response, const auto& reader) {
-        AnswerCall(request, response, reader);
+        AnswerPost(request, response, reader);
     });
     server.set_expect_100_continue_handler([this](const auto& request, auto& response) {
         if (AnnouncedSize(request) > BodyLimit(request)) {
@@ -73,47 +89,98 @@ void Routes::AddTo(httplib::Server& server) {
     CompleteReplies(server);
 }
 
-// Answers all but calls of methods that exist: only their bodies are read.
+const Routes::Page* Routes::FindPage(const httplib::Request& request) {
+    const Page* page = std::find_if(std::begin(kPages), std::end(kPages), [&](const Page& p) {
+        return request.method == p.httpMethod && p.IsAt(request.path);
+    });
+    return page == std::end(kPages) ? nullptr : page;
+}
+
+// What the page at `path` can be asked with; empty when there is none.
+std::string Routes::MethodsAt(const std::string& path) {
+    std::string methods;
+    for (const Page& page : kPages) {
+        if (page.IsAt(path)) {
+            methods += (methods.empty() ? "" : ", ") + std::string(page.httpMethod);
+        }
+    }
+    return methods;
+}
+
+// Answers all but requests whose bodies are to be read.
 HandlerResponse Routes::AnswerEarly(const httplib::Request& request, httplib::Response& response) {
-    const auto method = FindMethod(module_, request.path);
-    const auto* problem = std::get_if<FrameworkError>(&method);
     const bool isWellFramed = FramingOf(request) != BodyFraming::kInvalid;
-    if (problem == nullptr && request.method == "POST" && isWellFramed) {
+    if (isWellFramed && TakesBody(request)) {
         return HandlerResponse::Unhandled;
     }
     if (HasBody(request)) {
         AnnounceClose(response);
     }
-    if (!isWellFramed) {
+    if (isWellFramed) {
+        AnswerWithoutBody(request, response);
+    } else {
         Write(response, ReplyFor(FrameworkError::kBadRequest, "the size of the body is not clear"));
-    } else if (problem == nullptr) {
+    }
+    return HandlerResponse::Handled;
+}
+
+bool Routes::TakesBody(const httplib::Request& request) const {
+    if (request.method != "POST") {
+        return false;
+    }
+    if (std::holds_alternative<std::int32_t>(FindMethod(module_, request.path))) {
+        return true;
+    }
+    const Page* page = FindPage(request);
+    return page != nullptr && (!page->needsToken || IsAuthorized(request));
+}
+
+void Routes::AnswerWithoutBody(const httplib::Request& request, httplib::Response& response) {
+    const auto method = FindMethod(module_, request.path);
+    const auto* problem = std::get_if<FrameworkError>(&method);
+    if (problem == nullptr) {
         RefuseHttpMethod(response, "POST");
     } else if (*problem != FrameworkError::kNotFound) {
         Write(response, ReplyFor(*problem));
     } else {
         AnswerPage(request, response);
     }
-    return HandlerResponse::Handled;
 }
 
 void Routes::AnswerPage(const httplib::Request& request, httplib::Response& response) {
-    const Page* page = std::find_if(std::begin(kPages), std::end(kPages),
-                                    [&](const Page& p) { return request.path == p.path; });
-    if (page == std::end(kPages)) {
-        Write(response, ReplyFor(FrameworkError::kNotFound));
-    } else if (request.method != "GET") {
-        RefuseHttpMethod(response, "GET");
-    } else if (page->needsToken && !IsAuthorized(request)) {
+    const Page* page = FindPage(request);
+    const std::string methods = page == nullptr ? MethodsAt(request.path) : "";
+    if (page != nullptr && page->needsToken && !IsAuthorized(request)) {
         AnswerNotAuthorized(response);
-    } else {
+    } else if (page != nullptr) {
         (this->*page->answer)(request, response);
+    } else if (methods.empty()) {
+        Write(response, ReplyFor(FrameworkError::kNotFound));
+    } else {
+        RefuseHttpMethod(response, methods);
     }
 }
 
-void Routes::AnswerCall(const httplib::Request& request, httplib::Response& response,
+void Routes::AnswerPost(const httplib::Request& request, httplib::Response& response,
+                        const httplib::ContentReader& reader) {
+    const auto method = FindMethod(module_, request.path);
+    if (const auto* row = std::get_if<std::int32_t>(&method)) {
+        AnswerCall(*row, request, response, reader);
+        return;
+    }
+    httplib::Request whole = request;
+    if (auto refusal = ReadTextBody(request, reader, LimitsOf(request).textBytes, whole.body)) {
+        AnnounceClose(response);
+        Write(response, std::move(*refusal));
+        return;
+    }
+    AnswerPage(whole, response);
+}
+
+void Routes::AnswerCall(std::int32_t row, const httplib::Request& request, httplib::Response& response,
                         const httplib::ContentReader& reader) {
     Request call;
-    call.row = std::get<std::int32_t>(FindMethod(module_, request.path));
+    call.row = row;
     call.authorized = IsAuthorized(request);
     call.cookies = request.get_header_value("Cookie");
     Uploads uploads(uploadArea_, AnnouncedSize(request));
@@ -190,6 +257,32 @@ void Routes::AnswerEvents(const httplib::Request& request, httplib::Response& re
             }
             return sink.write(text.data(), text.size());
         });
+}
+
+void Routes::AnswerMakeCode(const httplib::Request& request, httplib::Response& response) {
+    Write(response, pairing_.MakeCode(request.body));
+}
+
+void Routes::AnswerRedeemCode(const httplib::Request& request, httplib::Response& response) {
+    Write(response, pairing_.RedeemCode(request.body));
+}
+
+void Routes::AnswerKeepHost(const httplib::Request& request, httplib::Response& response) {
+    Write(response, Pairing::KeepHost(request.body));
+}
+
+void Routes::AnswerPairs(const httplib::Request& /*request*/, httplib::Response& response) {
+    Write(response, Pairing::List());
+}
+
+void Routes::AnswerForget(const httplib::Request& request, httplib::Response& response) {
+    Write(response, Pairing::Forget(request.get_param_value("name")));
+}
+
+// Takes no place of a request: the server that is called may call this one for its part.
+void Routes::AnswerRelay(const httplib::Request& request, httplib::Response& response) {
+    Write(response, Relay(*FindRelayTarget(request.path), request.body, GiveRequestId(response),
+                          std::chrono::seconds(options_.requestTimeS)));
 }
 
 std::size_t Routes::BodyLimit(const httplib::Request& request) const {

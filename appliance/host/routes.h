@@ -5,11 +5,15 @@
 #include "host/events.h"
 #include "host/module.h"
 #include "host/options.h"
+#include "host/pairing.h"
 #include "host/requestbody.h"
 #include "host/requestclient.h"
 #include "host/uploadarea.h"
 
 #include <httplib.h>
+
+#include <cstdint>
+#include <string>
 
 namespace host {
 
@@ -30,11 +34,16 @@ private:
     using Answer = void (Routes::*)(const httplib::Request&, httplib::Response&);
     struct Page;
     static const Page kPages[];
+    static const Page* FindPage(const httplib::Request& request);
+    static std::string MethodsAt(const std::string& path);
 
     httplib::Server::HandlerResponse AnswerEarly(const httplib::Request& request,
                                                  httplib::Response& response);
+    void AnswerWithoutBody(const httplib::Request& request, httplib::Response& response);
     void AnswerPage(const httplib::Request& request, httplib::Response& response);
-    void AnswerCall(const httplib::Request& request, httplib::Response& response,
+    void AnswerPost(const httplib::Request& request, httplib::Response& response,
+                    const httplib::ContentReader& reader);
+    void AnswerCall(std::int32_t row, const httplib::Request& request, httplib::Response& response,
                     const httplib::ContentReader& reader);
 
     void AnswerApis(const httplib::Request& request, httplib::Response& response);
@@ -43,7 +52,14 @@ private:
     void AnswerOperations(const httplib::Request& request, httplib::Response& response);
     void AnswerPrograms(const httplib::Request& request, httplib::Response& response);
     void AnswerEvents(const httplib::Request& request, httplib::Response& response);
+    void AnswerMakeCode(const httplib::Request& request, httplib::Response& response);
+    void AnswerRedeemCode(const httplib::Request& request, httplib::Response& response);
+    void AnswerKeepHost(const httplib::Request& request, httplib::Response& response);
+    void AnswerPairs(const httplib::Request& request, httplib::Response& response);
+    void AnswerForget(const httplib::Request& request, httplib::Response& response);
+    void AnswerRelay(const httplib::Request& request, httplib::Response& response);
 
+    bool TakesBody(const httplib::Request& request) const;
     BodyLimits LimitsOf(const httplib::Request& request) const;
     bool IsAuthorized(const httplib::Request& request) const;
 
@@ -53,6 +69,7 @@ private:
     const UploadArea& uploadArea_;
     RequestClient& client_;
     EventHub& events_;
+    Pairing pairing_;
 };
 
 }  // namespace host

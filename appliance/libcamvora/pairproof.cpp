@@ -1,5 +1,7 @@
 #include "libcamvora/pairproof.h"
 
+#include "libcamvora/hextext.h"
+
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
@@ -14,16 +16,6 @@ namespace {
 
 constexpr std::uint64_t kWindowS = 60;
 constexpr std::size_t kProofLength = 64;
-
-std::string HexText(const unsigned char* bytes, std::size_t sizeBytes) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string text;
-    for (std::size_t i = 0; i < sizeBytes; ++i) {
-        text += kDigits[bytes[i] >> 4];
-        text += kDigits[bytes[i] & 0xf];
-    }
-    return text;
-}
 
 bool IsFresh(const std::string& timestamp, std::time_t now) {
     std::uint64_t made = 0;

@@ -29,6 +29,7 @@ constexpr const char* kSteps[] = {
     "CREATE TABLE programs(id INTEGER PRIMARY KEY AUTOINCREMENT, time TEXT NOT NULL, request TEXT NOT NULL,"
     " path TEXT NOT NULL, argument1 TEXT, argument2 TEXT, argument3 TEXT, argument4 TEXT,"
     " exit_status INTEGER NOT NULL, duration_ms INTEGER NOT NULL, peak_memory_kib INTEGER NOT NULL);",
+    "ALTER TABLE pairs ADD COLUMN address TEXT NOT NULL DEFAULT '';",
 };
 
 }  // namespace

@@ -5,8 +5,9 @@
 //   services       the last recorded status of each service
 //   cameras        the recording server that owns the camera; 0 is this one
 //   pairs          paired servers: role "server" for a recording server paired with this host, "host" for
-//                  the CMS host of this recording server; the secrets that the other side uses towards us
-//                  (secret_in) and that we use towards it (secret_out)
+//                  the CMS host of this recording server, of which there is at most one; the secrets that the
+//                  other side uses towards us (secret_in) and that we use towards it (secret_out); its
+//                  address
 //   operation_log  what the appliance's owner is told
 //   notifications  what connected clients are told
 //   programs       what was run for requests, and how it ended

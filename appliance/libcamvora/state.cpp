@@ -30,9 +30,12 @@ State ReadState(SQLite::Database& database) {
     ForEachRow(database, "SELECT camera, owner FROM cameras", [&state](SQLite::Statement& row) {
         state.cameraOwners[row.getColumn(0).getInt()] = row.getColumn(1).getInt();
     });
-    ForEachRow(database, "SELECT role, secret_in FROM pairs", [&state](SQLite::Statement& row) {
-        state.pairs.push_back({row.getColumn(0).getString(), row.getColumn(1).getString()});
-    });
+    ForEachRow(database, "SELECT name, role, address, secret_in, secret_out FROM pairs ORDER BY name, role",
+               [&state](SQLite::Statement& row) {
+                   state.pairs.push_back({row.getColumn(0).getString(), row.getColumn(1).getString(),
+                                          row.getColumn(2).getString(), row.getColumn(3).getString(),
+                                          row.getColumn(4).getString()});
+               });
     return state;
 }
 

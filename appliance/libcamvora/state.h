@@ -9,9 +9,16 @@
 
 namespace camvora {
 
+inline constexpr char kServerRole[] = "server";  // a recording server that is paired with this host
+inline constexpr char kHostRole[] = "host";      // the CMS host of this recording server
+
+// A paired server.
 struct Pair {
-    std::string role;      // "server" or "host"
-    std::string secretIn;  // what the other side uses towards us
+    std::string name;  // as it is called here
+    std::string role;
+    std::string address;    // "http://HOST:PORT"
+    std::string secretIn;   // what the other side uses towards us
+    std::string secretOut;  // what we use towards it
 };
 
 struct State {

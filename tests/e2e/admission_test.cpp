@@ -1,15 +1,11 @@
 // Who may call: the owner by token, paired servers by proof, nobody else.
 #include "e2e/appliance.h"
+#include "e2e/proof.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
-#include <openssl/evp.h>
-#include <openssl/hmac.h>
 
-#include <array>
 #include <ctime>
 #include <fstream>
-#include <iomanip>
-#include <sstream>
 
 namespace e2e {
 namespace {
@@ -20,19 +16,6 @@ constexpr char kPairs[] =
     "('peer', 'server', 'secret-of-a-paired-server', '-'), ('peer', 'host', 'secret-of-the-cms-host', '-')";
 constexpr char kServerSecret[] = "secret-of-a-paired-server";
 constexpr char kHostSecret[] = "secret-of-the-cms-host";
-
-std::string Proof(const std::string& secret, const std::string& timestamp) {
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned size = 0;
-    HMAC(EVP_sha256(), secret.data(), static_cast<int>(secret.size()),
-         reinterpret_cast<const unsigned char*>(timestamp.data()), timestamp.size(), digest.data(), &size);
-    std::ostringstream text;
-    text << std::hex << std::setfill('0');
-    for (unsigned i = 0; i < size; ++i) {
-        text << std::setw(2) << int{digest[i]};
-    }
-    return text.str();
-}
 
 class AdmissionTest : public ApplianceTest {
 protected:

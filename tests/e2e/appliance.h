@@ -44,6 +44,9 @@ public:
     const std::string& Url() const { return url_; }
     const std::string& Token() const { return token_; }
 
+    // The file `name` in its folder.
+    std::string PathOf(const std::string& name) const { return folder_.PathOf(name); }
+
     // The file or folder `path` of the package, as seen from outside of the appliance.
     std::filesystem::path PackagePath(const std::string& path) const;
 

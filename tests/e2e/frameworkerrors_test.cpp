@@ -65,8 +65,8 @@ const std::vector<ErrorCase> kErrorCases = {
     {"upload_of_a_field_that_is_no_text", "POST", kModule + "Upload", File("\xff", "x", "text"), kForm, 400,
      1004},
     {"other_multipart", "POST", kEcho, "x", "multipart/mixed; boundary=b", 415, 1007},
-    {"damaged_form", "POST", kEcho, "--b\r\nContent-Disposition: form-data; name=\"f\"\r\n\r\nx",
-     kForm, 400, 1018},
+    {"damaged_form", "POST", kEcho, "--b\r\nContent-Disposition: form-data; name=\"f\"\r\n\r\nx", kForm, 400,
+     1018},
     {"no_answer", "POST", kModule + "StaySilent", "{}", kJson, 500, 1009},
     {"exit", "POST", kModule + "Exit", "{}", kJson, 500, 1009},
     {"crash", "POST", kModule + "Crash", "{}", kJson, 500, 1010},
@@ -90,8 +90,9 @@ const std::vector<ErrorCase> kErrorCases = {
 class FrameworkErrorTest : public ApplianceTest, public testing::WithParamInterface<ErrorCase> {
 protected:
     static void SetUpTestSuite() {
-        Start(Appliance::WithTestModule({"--request-time", "1", "--body-limit", std::to_string(kBodyLimitBytes),
-                                         "--upload-limit", std::to_string(kUploadLimitBytes)}));
+        Start(
+            Appliance::WithTestModule({"--request-time", "1", "--body-limit", std::to_string(kBodyLimitBytes),
+                                       "--upload-limit", std::to_string(kUploadLimitBytes)}));
     }
 };
 

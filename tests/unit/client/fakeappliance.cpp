@@ -62,6 +62,7 @@ FakeAppliance::FakeAppliance(FakeReplies replies) : replies_(std::move(replies))
     const auto answer = [this](const auto& request, auto& response) { Answer(request, response); };
     server_.Get(".*", answer);
     server_.Post(".*", answer);
+    server_.Delete(".*", answer);
     const int port = server_.bind_to_any_port("127.0.0.1");
     dir_.Write("token", "secret\n");
     dir_.Write(kAddressFile, "http://127.0.0.1:" + std::to_string(port) + "\n");

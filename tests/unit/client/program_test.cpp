@@ -64,6 +64,17 @@ const ProgramCase kProgramCases[] = {
      "Time  Source    Function  Text\n"
      "T     addons:9  F         a\\x1B\n"
      "-     -         -         -\n"},
+    {"call_on_a_paired_server", "call X --server r-1 --json",
+     "POST /servers/r-1/api/ORVA.Camvora.AddOns/v1/X", R"({"a":1})", "{\"a\":1}\n"},
+    {"pairs", "pair list", "GET /pairs",
+     R"({"pairs":[{"name":"a\u001b","role":"server","address":"http://r:1"},2]})",
+     "Name   Role    Address\n"
+     "a\\x1B  server  http://r:1\n"
+     "-      -       -\n"},
+    {"pairing_code", "pair code r --json", "POST /pairing/codes", R"({"code":"A-B","validS":600})",
+     "{\"code\":\"A-B\",\"validS\":600}\n"},
+    {"pair_removed", "pair remove r", "DELETE /pairs?name=r", "null", "",
+     "r is no longer paired with this appliance. The other side still keeps the pair.\n"},
     {"log_for_programs", "log r1 --json", kLog, R"({"lines":[{"text":"a"}]})", "[{\"text\":\"a\"}]\n"},
 };
 

@@ -44,6 +44,13 @@ const FailureCase kFailureCases[] = {
     {"huge_service", "status 99999999999", "", FakeReply(), 2,
      "99999999999 is beyond the numbers a service can have\n"},
     {"method_that_is_a_path", "call ../x", "", FakeReply(), 2, "\"../x\" cannot be the name of a method\n"},
+    {"server_that_is_a_path", "list --server ../x", "", FakeReply(), 2,
+     "--server: \"../x\" cannot be the name of a server. See camvoractl --help\n"},
+    {"pair_of_nobody", "pair remove r", "DELETE /pairs?name=r",
+     Error(404, R"({"code":1016,"data":{"text":"None."}})"), 3,
+     "The removal failed (error 1016): None.\nThe request was r1\n"},
+    {"own_address_for_a_far_host", "pair join http://far:1 X --own-url http://127.0.0.1:2", "GET /pairs",
+     Success("{}"), 2, "The host cannot reach http://127.0.0.1:2. Give --own-url http://HOST:PORT\n"},
     {"superfluous_word", "list extra", "", FakeReply(), 2,
      "The following argument was not expected: extra. See camvoractl --help\n"},
 };

@@ -4,6 +4,7 @@
 #include "libcamvora/records.h"
 #include "libcamvora/requestid.h"
 #include "libcamvora/schema.h"
+#include "libcamvora/state.h"
 #include "support/temporaryfolder.h"
 
 #include <SQLiteCpp/Transaction.h>
@@ -41,11 +42,14 @@ TEST_F(DatabaseFile, OfANewerVersionIsRefusedAndLeftAlone) {
 }
 
 TEST_F(DatabaseFile, OfAnOlderVersionIsBroughtUpToDate) {
-    Open().exec("DROP TABLE programs; PRAGMA user_version = 1; INSERT INTO settings VALUES('kept', 'yes')");
+    Open().exec(
+        "DROP TABLE programs; ALTER TABLE pairs DROP COLUMN address; PRAGMA user_version = 1; INSERT INTO "
+        "settings VALUES('kept', 'yes')");
     SQLite::Database database = Open();
     EXPECT_EQ(camvora::CurrentSchemaVersion(), camvora::SchemaVersion(database));
     EXPECT_EQ("yes", database.execAndGet("SELECT value FROM settings WHERE key = 'kept'").getString());
     EXPECT_TRUE(camvora::ProgramRunsOf(database, "", 1).empty());
+    EXPECT_TRUE(camvora::ReadState(database).pairs.empty());
 }
 
 TEST_F(DatabaseFile, ThatIsCutIsRefusedAndLeftAlone) {

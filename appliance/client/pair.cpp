@@ -1,0 +1,134 @@
+// camvoractl pair code NAME, pair join HOST_URL CODE, pair list, pair remove NAME
+#include "client/commands.h"
+#include "client/failure.h"
+#include "client/jsontext.h"
+#include "client/session.h"
+#include "client/table.h"
+
+#include <CLI/App.hpp>
+
+#include <algorithm>
+#include <initializer_list>
+#include <memory>
+
+namespace client {
+namespace {
+
+constexpr char kPairs[] = "/pairs";
+
+void MakeCode(Session& session, const std::string& name) {
+    Json::Value body(Json::objectValue);
+    body["name"] = name;
+    const Json::Value data = session.Host().PostPage("/pairing/codes", body, "The pairing code");
+    const std::string code = LeafText(Member(data, "code"));
+    Table table;
+    table.AddRow({code});
+    session.Print(data, table);
+    session.Say("It can be used once, within " + LeafText(Member(data, "validS")) +
+                " seconds. At the recording server:\n  camvoractl pair join " + session.FindLocation().url +
+                " " + code);
+}
+
+struct JoinArguments {
+    std::string hostUrl;
+    std::string code;
+    std::string hostName = "host";
+    std::string ownUrl;
+};
+
+bool IsLoopback(const std::string& url) {
+    const std::initializer_list<const char*> begins = {"http://127.", "http://localhost:", "http://[::1]:"};
+    return std::any_of(begins.begin(), begins.end(),
+                       [&url](const char* begin) { return url.rfind(begin, 0) == 0; });
+}
+
+// The address at which the host reaches this appliance.
+std::string OwnUrl(const Session& session, const JoinArguments& arguments, const std::string& hostUrl) {
+    const std::string url = arguments.ownUrl.empty() ? session.FindLocation().url : arguments.ownUrl;
+    if (IsLoopback(url) && !IsLoopback(hostUrl)) {
+        throw Failure(ExitStatus::kUsage,
+                      "The host cannot reach " + url + ". Give --own-url http://HOST:PORT");
+    }
+    return url;
+}
+
+// What the host answers to the code. It is not told our token.
+Json::Value RedeemCode(const Session& session, const JoinArguments& arguments) {
+    LocationOptions place;
+    place.url = arguments.hostUrl;
+    const Location host = Locate(place, "");
+    Json::Value body(Json::objectValue);
+    body["code"] = arguments.code;
+    body["address"] = OwnUrl(session, arguments, host.url);
+    return Appliance(HttpClient(host, session.TimeLimit())).PostPage("/pairing", body, "Pairing");
+}
+
+// A code can be used only once, so our own appliance is asked first whether it answers us.
+void Join(Session& session, const JoinArguments& arguments) {
+    (void)session.Host().GetPage(kPairs, "The list of pairs");
+    const Json::Value given = RedeemCode(session, arguments);
+    Json::Value body(Json::objectValue);
+    body["name"] = arguments.hostName;
+    body["address"] = arguments.hostUrl.substr(0, arguments.hostUrl.find_last_not_of('/') + 1);
+    body["secretIn"] = Member(given, "secretIn");
+    body["secretOut"] = Member(given, "secretOut");
+    (void)session.Host().PostPage(kPairs, body, "Pairing");
+    Json::Value data(Json::objectValue);
+    data["name"] = Member(given, "name");
+    data["host"] = arguments.hostName;
+    Table table;
+    table.AddRow({"Called at the host", LeafText(data["name"])});
+    table.AddRow({"The host is called", arguments.hostName});
+    session.Print(data, table);
+}
+
+void ListPairs(Session& session) {
+    const Json::Value data = session.Host().GetPage(kPairs, "The list of pairs");
+    Table table({"Name", "Role", "Address"});
+    for (const Json::Value& pair : Member(data, "pairs")) {
+        table.AddRow({LeafText(Member(pair, "name")), LeafText(Member(pair, "role")),
+                      LeafText(Member(pair, "address"))});
+    }
+    session.Print(data, table);
+}
+
+void RemovePair(Session& session, const std::string& name) {
+    const Json::Value data = session.Host().DeletePage(kPairs, {{"name", name}}, "The removal");
+    session.Print(data, Table());
+    session.Say(name + " is no longer paired with this appliance. The other side still keeps the pair.");
+}
+
+void AddJoin(CLI::App& pair, Session& session) {
+    CLI::App* command = pair.add_subcommand("join", "Pair this recording server with its CMS host");
+    const auto arguments = std::make_shared<JoinArguments>();
+    command->add_option("HOST_URL", arguments->hostUrl, "Address of the host, http://HOST:PORT")->required();
+    command->add_option("CODE", arguments->code, "The code that \"pair code\" printed there")->required();
+    command->add_option("--as", arguments->hostName, "What to call the host")->option_text("NAME [host]");
+    command
+        ->add_option("--own-url", arguments->ownUrl,
+                     "Address at which the host reaches this appliance. Default: the one it serves on")
+        ->option_text("http://HOST:PORT");
+    command->callback([&session, arguments] { Join(session, *arguments); });
+}
+
+// A command with the one argument NAME.
+void AddNamed(CLI::App& pair, Session& session, const char* name, const char* help,
+              void (*run)(Session&, const std::string&)) {
+    CLI::App* command = pair.add_subcommand(name, help);
+    const auto server = std::make_shared<std::string>();
+    command->add_option("NAME", *server, "Name of the server")->required();
+    command->callback([&session, server, run] { run(session, *server); });
+}
+
+}  // namespace
+
+void AddPair(CLI::App& program, Session& session) {
+    CLI::App* pair = program.add_subcommand("pair", "Pair a recording server with a CMS host");
+    pair->require_subcommand(1);
+    AddNamed(*pair, session, "code", "On the host: make a one-time code for a recording server", MakeCode);
+    AddJoin(*pair, session);
+    pair->add_subcommand("list", "Show the paired servers")->callback([&session] { ListPairs(session); });
+    AddNamed(*pair, session, "remove", "Forget a paired server", RemovePair);
+}
+
+}  // namespace client

@@ -1,0 +1,119 @@
+#include "host/pairing.h"
+
+#include "host/jsonparams.h"
+
+#include "libcamvora/pairs.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <optional>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+struct Member {
+    const char* name;
+    bool (*isValid)(const std::string& text);
+    std::string& text;
+};
+
+bool IsShortText(const std::string& text) {
+    constexpr std::size_t kLimitBytes = 100;
+    return !text.empty() && text.size() <= kLimitBytes;
+}
+
+// Reads these texts from the JSON object `body`. Returns the refusal when one is missing or not valid.
+std::optional<Reply> ReadMembers(const std::string& body, std::initializer_list<Member> members) {
+    Json::Value params;
+    if (auto refusal = ReadParams(body, params)) {
+        return refusal;
+    }
+    for (const Member& member : members) {
+        const Json::Value& value = params[member.name];
+        if (!value.isString() || !member.isValid(value.asString())) {
+            return ReplyFor(FrameworkError::kBadRequest,
+                            std::string("\"") + member.name + "\" is missing or not valid");
+        }
+        member.text = value.asString();
+    }
+    return std::nullopt;
+}
+
+Reply ReplyForKeeping(const camvora::Pair& pair, const Json::Value& data) {
+    return camvora::KeepPair(pair) ? SuccessReply(data)
+                                   : ReplyFor(FrameworkError::kHostFailed, "the pair could not be stored");
+}
+
+}  // namespace
+
+Reply Pairing::MakeCode(const std::string& body) {
+    std::string name;
+    if (auto refusal = ReadMembers(body, {{"name", camvora::IsPairName, name}})) {
+        return *refusal;
+    }
+    Json::Value data(Json::objectValue);
+    data["code"] = codes_.Make(name);
+    data["validS"] = Json::Int64{PairingCodes::kValidity.count()};
+    return SuccessReply(data);
+}
+
+Reply Pairing::RedeemCode(const std::string& body) {
+    std::string code;
+    camvora::Pair server;
+    if (auto refusal = ReadMembers(
+            body, {{"code", IsShortText, code}, {"address", camvora::IsPairAddress, server.address}})) {
+        return *refusal;
+    }
+    const std::optional<std::string> name = codes_.Redeem(code);
+    if (!name) {
+        return ReplyFor(FrameworkError::kWrongPairingCode);
+    }
+    server.name = *name;
+    server.role = camvora::kServerRole;
+    server.secretIn = camvora::NewPairSecret();
+    server.secretOut = camvora::NewPairSecret();
+    Json::Value data(Json::objectValue);
+    data["name"] = server.name;
+    data["secretIn"] = server.secretOut;
+    data["secretOut"] = server.secretIn;
+    return ReplyForKeeping(server, data);
+}
+
+Reply Pairing::KeepHost(const std::string& body) {
+    camvora::Pair host;
+    host.role = camvora::kHostRole;
+    if (auto refusal = ReadMembers(body, {{"name", camvora::IsPairName, host.name},
+                                          {"address", camvora::IsPairAddress, host.address},
+                                          {"secretIn", camvora::IsPairSecret, host.secretIn},
+                                          {"secretOut", camvora::IsPairSecret, host.secretOut}})) {
+        return *refusal;
+    }
+    return ReplyForKeeping(host, Json::Value());
+}
+
+Reply Pairing::List() {
+    Json::Value data(Json::objectValue);
+    data["pairs"] = Json::Value(Json::arrayValue);
+    for (const camvora::Pair& pair : camvora::Pairs()) {
+        Json::Value& entry = data["pairs"].append(Json::Value(Json::objectValue));
+        entry["name"] = pair.name;
+        entry["role"] = pair.role;
+        entry["address"] = pair.address;
+    }
+    return SuccessReply(data);
+}
+
+Reply Pairing::Forget(const std::string& name) {
+    const std::vector<camvora::Pair> pairs = camvora::Pairs();
+    if (std::none_of(pairs.begin(), pairs.end(),
+                     [&name](const camvora::Pair& pair) { return pair.name == name; })) {
+        return ReplyFor(FrameworkError::kNotFound, "no paired server is called so");
+    }
+    return camvora::ForgetPairs(name)
+               ? SuccessReply(Json::Value())
+               : ReplyFor(FrameworkError::kHostFailed, "the pair could not be removed");
+}
+
+}  // namespace host
