@@ -44,7 +44,7 @@ bool IsLoopback(const std::string& url) {
 
 // The address at which the host reaches this appliance.
 std::string OwnUrl(const Session& session, const JoinArguments& arguments, const std::string& hostUrl) {
-    const std::string url = arguments.ownUrl.empty() ? session.FindLocation().url : arguments.ownUrl;
+    std::string url = arguments.ownUrl.empty() ? session.FindLocation().url : arguments.ownUrl;
     if (IsLoopback(url) && !IsLoopback(hostUrl)) {
         throw Failure(ExitStatus::kUsage,
                       "The host cannot reach " + url + ". Give --own-url http://HOST:PORT");

@@ -49,6 +49,7 @@ void AppendByWriter(std::string& text, const Json::Value& value) {
     text += stream.str();
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): the values are nested no deeper than the handler built them
 void AppendMembers(std::string& text, const Json::Value& value) {
     const char* separator = "";
     for (auto member = value.begin(); member != value.end(); ++member) {
@@ -64,6 +65,7 @@ void AppendMembers(std::string& text, const Json::Value& value) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(misc-no-recursion)
 void AppendJson(std::string& text, const Json::Value& value) {
     const std::string_view longText = LongTextIn(value);
     if (!longText.empty()) {

@@ -41,6 +41,7 @@ std::optional<Span> FindLongText(const std::string& json) {
 }
 
 // The value that begins at `offset` of the document that `value` was read from.
+// NOLINTNEXTLINE(misc-no-recursion): the parser limits the depth
 Json::Value* FindValueAt(Json::Value& value, std::ptrdiff_t offset) {
     if (value.getOffsetStart() == offset) {
         return &value;

@@ -18,6 +18,7 @@ const std::vector<std::string> kReplies = {
     "{\n\t\"a\" : [1, \"\", \"\\\"\", \"\\\\\", {\"\\\"b\": \"" + kLong + "\"}], \"c\": \"" + kLong + "\"}",
     "{\"escaped\":\"" + kLong + "\\n\",\"plain\":\"" + kLong + "\"}",
     "{\"escaped first\":\"\\u0041" + kLong + "\"}",
+    "{\"a\":\"\\\"\"," + std::string(3 << 20, ' ') + "\"b\":1}",
     "{\"" + kLong + "\":1}",
     "\"" + kLong + "\"",
     "{\"a\":\"" + kLong,
