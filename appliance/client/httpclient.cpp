@@ -132,7 +132,8 @@ HttpReply HttpClient::Get(const std::string& path,
 
 HttpReply HttpClient::Delete(const std::string& path,
                              const std::multimap<std::string, std::string>& query) const {
-    return Send("DELETE", httplib::append_query_params(path, query), "");
+    const std::string target = httplib::append_query_params(path, query);
+    return Exchange(location_, timeLimit_).Send(MakeRequest("DELETE", target, "", location_.token));
 }
 
 HttpReply HttpClient::Listen(const std::string& path, const std::string& lastEventId,
