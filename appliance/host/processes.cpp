@@ -100,8 +100,9 @@ void AwaitForkedChildren(std::chrono::steady_clock::time_point deadline) {
         const std::vector<pid_t> children = Children();
         return std::any_of(children.begin(), children.end(), IsOfOurProgram);
     };
-    // An orphan can be overseen while its parent ends, but not twice.
-    while ((isAtWork() || isAtWork()) && std::chrono::steady_clock::now() < deadline) {
+    int looksWithoutWork = 0;  // an orphan can be overseen while its parent ends, but not twice
+    while (looksWithoutWork < 2 && std::chrono::steady_clock::now() < deadline) {
+        looksWithoutWork = isAtWork() ? 0 : looksWithoutWork + 1;
         std::this_thread::sleep_for(kEndPoll);
     }
 }

@@ -141,8 +141,12 @@ protected:
         });
     }
     static bool IsQuiet() {
-        // An orphan is overseen that moves to the supervisor while the tree is walked; not twice.
-        return WaitUntil([] { return Workers().empty() && Workers().empty() && !IsAnyFileLeft(); });
+        const auto isIdle = [] { return Workers().empty() && !IsAnyFileLeft(); };
+        if (!WaitUntil(isIdle)) {
+            return false;
+        }
+        return WaitUntil(
+            isIdle);  // an orphan can be overseen while it moves to the supervisor, but not twice
     }
 
     // Starts service 3, then makes its next action take the two seconds of a daemon that does not end.
