@@ -197,7 +197,7 @@ TEST_F(ControlTest, ServicesStartRestartAndStop) {
 
 TEST_F(ControlTest, EnableAndDisableAtOnceAreBothDoneInTheirOrder) {
     const std::size_t failed = FailedActions();
-    Act("Enable", 3);
+    BeginSlowAction();
     Act("Disable", 3);
     EXPECT_TRUE(IsQuiet());
     EXPECT_EQ(failed, FailedActions());

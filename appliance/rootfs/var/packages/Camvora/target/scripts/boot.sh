@@ -10,6 +10,9 @@ mkdir -p "$target/@CVData/run" "$target/@CVData/log"
 cd "$target/@CVData/run"
 # Locks stay: processes of an appliance that was killed may still hold them. What nobody holds is swept by the host.
 rm -f address started ./*.pid ./*.pid.new ./*.status ./*.status.new
+for lock in /tmp/cv_*.lock; do # of an appliance whose guards are gone
+  [ -e "locks/%2Ftmp%2F${lock##*/}" ] || rm -f "$lock" "${lock%.lock}.pid" "${lock%.lock}.pid.new"
+done
 cd /
 "$target/scripts/S82camvora.sh" start
 
