@@ -41,9 +41,13 @@ struct Routes::Page {
 
 // All of them are read with GET; everything else is a method of the module, called with POST.
 const Routes::Page Routes::kPages[] = {
-    {"/api", false, &Routes::AnswerApis},     {"/health", false, &Routes::AnswerHealth},
-    {"/log", true, &Routes::AnswerLog},       {"/operations", true, &Routes::AnswerOperations},
+    // clang-format off
+    {"/api", false, &Routes::AnswerApis},
+    {"/health", false, &Routes::AnswerHealth},
+    {"/log", true, &Routes::AnswerLog},
+    {"/operations", true, &Routes::AnswerOperations},
     {"/events", true, &Routes::AnswerEvents},
+    // clang-format on
 };
 
 Routes::Routes(const Module& module, const AccessToken& token, const Options& options, RequestClient& client,

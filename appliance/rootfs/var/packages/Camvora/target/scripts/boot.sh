@@ -10,7 +10,8 @@ mkdir -p "$target/@CVData/run" "$target/@CVData/log"
 cd "$target/@CVData/run"
 # Locks stay: processes of an appliance that was killed may still hold them. What nobody holds is swept by the host.
 rm -f address started ./*.pid ./*.pid.new ./*.status ./*.status.new
-for lock in /tmp/cv_*.lock; do # of an appliance whose guards are gone
+# Lock files whose guards are gone are swept by nobody.
+for lock in /tmp/cv_*.lock; do
   [ -e "locks/%2Ftmp%2F${lock##*/}" ] || rm -f "$lock" "${lock%.lock}.pid" "${lock%.lock}.pid.new"
 done
 cd /
