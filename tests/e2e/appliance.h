@@ -30,8 +30,14 @@ public:
     // The same with the tests' own module in place of the real one.
     static std::vector<std::string> WithTestModule(std::vector<std::string> hostOptions = {});
 
+    // Starts it; returns when it serves, at an address of its own.
+    void Launch(const std::vector<std::string>& hostOptions = {});
+
     // Stops it; expects that it ends well and that no process is left.
     void Stop();
+
+    // Kills all its processes, as a power cut would.
+    void Kill();
 
     // Waits until it ends by itself. Returns the launcher's exit status.
     int WaitForEnd();
@@ -43,6 +49,9 @@ public:
 
     const std::string& Url() const { return url_; }
     const std::string& Token() const { return token_; }
+
+    // The running appliance's own /tmp, wherever that is.
+    std::filesystem::path TemporaryPath() const;
 
     // The file or folder `path` of the package, as seen from outside of the appliance.
     std::filesystem::path PackagePath(const std::string& path) const;

@@ -46,6 +46,9 @@ const FailureCase kFailureCases[] = {
     {"method_that_is_a_path", "call ../x", "", FakeReply(), 2, "\"../x\" cannot be the name of a method\n"},
     {"superfluous_word", "list extra", "", FakeReply(), 2,
      "The following argument was not expected: extra. See camvoractl --help\n"},
+    {"unknown_command", "lst", "", FakeReply(), 2, "There is no command \"lst\". See camvoractl --help\n"},
+    {"unknown_option", "--foo lst", "", FakeReply(), 2,
+     "There is no option \"--foo\". See camvoractl --help\n"},
 };
 
 class ProgramFailureTest : public testing::TestWithParam<FailureCase> {};
