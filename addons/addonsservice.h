@@ -38,8 +38,9 @@ public:
     bool IsLockFileExist() const;
 
     // Performs a control action in a process of its own and waits for its end. Returns 0 when it
-    // succeeded, else -1 with a log line. Leaves the recorded status at the action when it succeeded and at
-    // CONTROL_ACTION_IN_PROGRESS when it did not.
+    // succeeded, else -1 with a log line. Leaves the recorded status at the action when it succeeded, at
+    // CONTROL_ACTION_IN_PROGRESS when it failed on the way, and untouched when it did not begin (no process,
+    // no pid file).
     int RunActionControl(CONTROL_ACTION action);
 
     // Performs a control action under the service's lock, waiting for it at most 3000 ms. With `notify` a

@@ -92,12 +92,14 @@ int Report(const Failure& failure, bool json) {
     return static_cast<int>(failure.status);
 }
 
-// The library only says that a command is missing when the one that was typed is unknown.
+// The library only says that a command is missing when what was typed before it, or instead, is unknown.
 std::string WhatIsWrong(const CLI::App& program, const CLI::ParseError& error) {
     const std::vector<std::string> unknown = program.remaining();
-    const bool isCommandUnknown =
-        program.get_subcommands().empty() && !unknown.empty() && unknown.front().rfind('-', 0) != 0;
-    return isCommandUnknown ? "There is no command \"" + unknown.front() + "\"" : error.what();
+    if (!program.get_subcommands().empty() || unknown.empty()) {
+        return error.what();
+    }
+    const char* kind = unknown.front().rfind('-', 0) == 0 ? "option" : "command";
+    return std::string("There is no ") + kind + " \"" + unknown.front() + "\"";
 }
 
 // Help and version leave the parser as exceptions, too.

@@ -50,10 +50,12 @@ void SignalChildren(int signal) {
     }
 }
 
-// True for a process that was forked and has not become another program.
-bool IsOfOurProgram(pid_t pid) {
-    std::error_code gone;
-    return std::filesystem::equivalent("/proc/self/exe", "/proc/" + std::to_string(pid) + "/exe", gone);
+// True for a process that was forked and has not become another program, or that is just ending: its children
+// come here next.
+bool IsAtWork(pid_t pid) {
+    std::error_code ending;
+    return std::filesystem::equivalent("/proc/self/exe", "/proc/" + std::to_string(pid) + "/exe", ending) ||
+           ending;
 }
 
 // An exception must not climb into the code of the process that forked.
@@ -95,13 +97,14 @@ pid_t StartProcess(const std::function<int()>& body) {
 }
 
 void AwaitForkedChildren(std::chrono::steady_clock::time_point deadline) {
-    const auto isAtWork = [] {
+    const auto isAnyAtWork = [] {
         (void)ReapAll();
         const std::vector<pid_t> children = Children();
-        return std::any_of(children.begin(), children.end(), IsOfOurProgram);
+        return std::any_of(children.begin(), children.end(), IsAtWork);
     };
-    // An orphan can be overseen while its parent ends, but not twice.
-    while ((isAtWork() || isAtWork()) && std::chrono::steady_clock::now() < deadline) {
+    int looksWithoutWork = 0;  // the kernel's list may miss one while another ends
+    while (looksWithoutWork < 2 && std::chrono::steady_clock::now() < deadline) {
+        looksWithoutWork = isAnyAtWork() ? 0 : looksWithoutWork + 1;
         std::this_thread::sleep_for(kEndPoll);
     }
 }

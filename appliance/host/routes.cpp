@@ -49,6 +49,7 @@ struct Routes::Page {
 
 // Everything else is a method of the module, called with POST.
 const Routes::Page Routes::kPages[] = {
+    // clang-format off
     {"GET", "/api", false, &Routes::AnswerApis},
     {"GET", "/health", false, &Routes::AnswerHealth},
     {"GET", "/log", true, &Routes::AnswerLog},
@@ -61,6 +62,7 @@ const Routes::Page Routes::kPages[] = {
     {"GET", "/pairs", true, &Routes::AnswerPairs},
     {"DELETE", "/pairs", true, &Routes::AnswerForget},
     {"POST", nullptr, true, &Routes::AnswerRelay},
+    // clang-format on
 };
 
 Routes::Routes(const Module& module, const AccessToken& token, const Options& options,

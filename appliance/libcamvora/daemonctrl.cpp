@@ -83,7 +83,12 @@ int InTurn(CV_DAEMON_TYPE type, bool (*work)(const DaemonGroup&)) {
         return -1;
     }
     const Turn turn(group.front()->turnType);
-    return turn.IsMine() && work(group) ? 0 : -1;
+    if (!turn.IsMine()) {
+        CVPrintf(0, nullptr, nullptr, "daemonctrl", __LINE__, __func__, "Failed to lock daemon %s\n",
+                 group.front()->name);
+        return -1;
+    }
+    return work(group) ? 0 : -1;
 }
 
 }  // namespace

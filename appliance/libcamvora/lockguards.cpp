@@ -32,15 +32,21 @@ bool ShowLockFile(const std::string& path) {
         .IsOpen();
 }
 
+// Most guards guard nothing at the time.
+void SweepFile(const std::string& guard, const std::string& file) {
+    if (access(file.c_str(), F_OK) == 0) {
+        (void)RemoveUnlessQueued(guard, file, std::chrono::steady_clock::now());
+    }
+}
+
 // An action process writes its pid file beside the lock file under which it works.
 void Sweep(const std::string& guard, std::string file) {
-    const auto now = std::chrono::steady_clock::now();
-    (void)RemoveUnlessQueued(guard, file, now);
+    SweepFile(guard, file);
     const std::size_t stem = file.size() - std::min(file.size(), kLockSuffix.size());
     if (file.compare(stem, std::string::npos, kLockSuffix) == 0) {
         const std::string pidFile = file.replace(stem, std::string::npos, kPidSuffix);
-        (void)RemoveUnlessQueued(guard, pidFile, now);
-        (void)RemoveUnlessQueued(guard, FreshPidFile(pidFile), now);
+        SweepFile(guard, pidFile);
+        SweepFile(guard, FreshPidFile(pidFile));
     }
 }
 

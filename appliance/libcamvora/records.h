@@ -10,6 +10,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include <array>
+#include <cstddef>
 #include <string>
 #include <vector>
 

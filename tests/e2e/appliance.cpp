@@ -2,6 +2,7 @@
 
 #include "e2e/processes.h"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -40,6 +41,11 @@ pid_t FirstOf(const std::vector<pid_t>& processes) {
 
 Appliance::Appliance(const std::vector<std::string>& hostOptions) {
     LayOut();
+    Launch(hostOptions);
+}
+
+void Appliance::Launch(const std::vector<std::string>& hostOptions) {
+    fs::remove(PackagePath(kAddress));  // of a run that was killed
     std::vector<std::string> command = {folder_.PathOf("launch"), "--port", "0"};
     command.insert(command.end(), hostOptions.begin(), hostOptions.end());
     launcher_ = std::make_unique<Program>(command, Environment());
@@ -91,6 +97,16 @@ void Appliance::Stop() {
     EXPECT_FALSE(fs::exists(PackagePath(kAddress)));
 }
 
+void Appliance::Kill() {
+    std::vector<pid_t> processes = Descendants(launcher_->Pid());
+    processes.insert(processes.begin(), launcher_->Pid());
+    for (const pid_t pid : processes) {
+        kill(pid, SIGKILL);
+    }
+    (void)WaitForEnd();
+    EXPECT_TRUE(WaitUntil([&] { return std::none_of(processes.begin(), processes.end(), IsAlive); }));
+}
+
 int Appliance::WaitForEnd() {
     const Outcome outcome = launcher_->Wait();
     launcher_.reset();
@@ -100,6 +116,10 @@ int Appliance::WaitForEnd() {
 
 bool Appliance::IsRunning() const {
     return IsAlive(launcher_->Pid());
+}
+
+fs::path Appliance::TemporaryPath() const {
+    return "/proc/" + std::to_string(Supervisor()) + "/root/tmp";
 }
 
 fs::path Appliance::PackagePath(const std::string& path) const {

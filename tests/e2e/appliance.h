@@ -30,8 +30,14 @@ public:
     // The same with the tests' own module in place of the real one.
     static std::vector<std::string> WithTestModule(std::vector<std::string> hostOptions = {});
 
+    // Starts it; returns when it serves, at an address of its own.
+    void Launch(const std::vector<std::string>& hostOptions = {});
+
     // Stops it; expects that it ends well and that no process is left.
     void Stop();
+
+    // Kills all its processes, as a power cut would.
+    void Kill();
 
     // Waits until it ends by itself. Returns the launcher's exit status.
     int WaitForEnd();
@@ -46,6 +52,9 @@ public:
 
     // The file `name` in its folder.
     std::string PathOf(const std::string& name) const { return folder_.PathOf(name); }
+
+    // The running appliance's own /tmp, wherever that is.
+    std::filesystem::path TemporaryPath() const;
 
     // The file or folder `path` of the package, as seen from outside of the appliance.
     std::filesystem::path PackagePath(const std::string& path) const;

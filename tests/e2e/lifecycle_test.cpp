@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <future>
 #include <stdexcept>
 
@@ -101,6 +102,41 @@ TEST(HostEndTest, StopDoesNotWaitForEver) {
     appliance.Stop();
     EXPECT_LT(Clock::now() - begin, std::chrono::seconds(8));
     EXPECT_NE(200, running.get().status);
+}
+
+// The power goes while an action ends a daemon that does not heed it.
+TEST(HostEndTest, WhatAKilledApplianceLeftIsGoneAtTheNextStart) {
+    const auto hasStatus = [](const Appliance& appliance, int status) {
+        return WaitUntil([&] {
+            const Json::Value info = appliance.Owner().AddOns("GetInfo", Param("service", 3)).Data();
+            return info["status"] == status && info["blRunning"].asBool();
+        });
+    };
+    Appliance appliance;
+    ASSERT_TRUE(appliance.Owner().AddOns("Enable", Param("service", 3)).Succeeded());
+    ASSERT_TRUE(hasStatus(appliance, 1));
+    for (const pid_t pid : Descendants(appliance.Supervisor())) {
+        if (NameOf(pid) == "camvora-daemon") {
+            kill(pid, SIGSTOP);
+        }
+    }
+    ASSERT_TRUE(appliance.Owner().AddOns("Enable", Param("service", 3)).Succeeded());
+    ASSERT_TRUE(hasStatus(appliance, 4));
+    EXPECT_TRUE(std::filesystem::exists(appliance.TemporaryPath() / "cv_service3.lock"));
+    const std::ofstream unguarded(appliance.TemporaryPath() / "cv_service4.lock");  // one whose guard is gone
+    appliance.Kill();
+
+    appliance.Launch();
+    for (const int service : {3, 4}) {
+        EXPECT_FALSE(std::filesystem::exists(appliance.TemporaryPath() /
+                                             ("cv_service" + std::to_string(service) + ".lock")));
+        const auto begin = Clock::now();
+        const Answer answer = appliance.Owner().AddOns("CheckEnableDone", Param("service", service));
+        EXPECT_TRUE(answer.Data()["blDone"].asBool());
+        EXPECT_LT(Clock::now() - begin, std::chrono::seconds(1));
+    }
+    ASSERT_TRUE(appliance.Owner().AddOns("Enable", Param("service", 3)).Succeeded());
+    EXPECT_TRUE(hasStatus(appliance, 1));
 }
 
 TEST(HostEndTest, AModuleThatCannotBeLoadedIsAnError) {

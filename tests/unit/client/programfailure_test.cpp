@@ -53,6 +53,9 @@ const FailureCase kFailureCases[] = {
      Success("{}"), 2, "The host cannot reach http://127.0.0.1:2. Give --own-url http://HOST:PORT\n"},
     {"superfluous_word", "list extra", "", FakeReply(), 2,
      "The following argument was not expected: extra. See camvoractl --help\n"},
+    {"unknown_command", "lst", "", FakeReply(), 2, "There is no command \"lst\". See camvoractl --help\n"},
+    {"unknown_option", "--foo lst", "", FakeReply(), 2,
+     "There is no option \"--foo\". See camvoractl --help\n"},
 };
 
 class ProgramFailureTest : public testing::TestWithParam<FailureCase> {};

@@ -8,8 +8,18 @@ target=/var/packages/Camvora/target
 umask 022
 mkdir -p "$target/@CVData/run" "$target/@CVData/log"
 cd "$target/@CVData/run"
-# Locks stay: processes of an appliance that was killed may still hold them. What nobody holds is swept by the host.
-rm -f address started ./*.pid ./*.pid.new ./*.status ./*.status.new
+# As the first process of a private file system it follows no living one. On the machine's own paths, processes of
+# an appliance that was killed may still hold locks: the host sweeps what nobody holds.
+if [ $$ = 1 ]; then
+  rm -rf ./*
+else
+  rm -f address started
+fi
+# Files whose guards are gone are swept by nobody.
+for file in /tmp/cv_*.lock /tmp/cv_*.pid /tmp/cv_*.pid.new; do
+  name=${file##*/}
+  [ -e "locks/%2Ftmp%2F${name%%.*}.lock" ] || rm -f "$file" || : # a stranger's folder is left alone
+done
 cd /
 "$target/scripts/S82camvora.sh" start
 
