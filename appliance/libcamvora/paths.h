@@ -16,8 +16,8 @@ inline constexpr char kUiFolder[] = "/var/packages/Camvora/target/ui";
 inline constexpr char kDatabaseFile[] = "/var/packages/Camvora/target/@CVData/camvora.db";
 inline constexpr char kLogFile[] = "/var/packages/Camvora/target/@CVData/log/camvora.log";
 
-// What is true only while the appliance runs; all but the locks is removed at its start. The package is
-// started while kStartedFile exists. Locks are guarded in kGuardFolder.
+// What is true only while the appliance runs. The package is started while kStartedFile exists. Locks are
+// guarded in kGuardFolder.
 inline constexpr char kRunFolder[] = "/var/packages/Camvora/target/@CVData/run";
 inline constexpr char kStartedFile[] = "/var/packages/Camvora/target/@CVData/run/started";
 inline constexpr char kGuardFolder[] = "/var/packages/Camvora/target/@CVData/run/locks";
