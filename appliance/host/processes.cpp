@@ -2,13 +2,13 @@
 
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -53,9 +53,12 @@ void SignalChildren(int signal) {
 // True for a process that was forked and has not become another program, or that is just ending: its children
 // come here next.
 bool IsAtWork(pid_t pid) {
-    std::error_code ending;
-    return std::filesystem::equivalent("/proc/self/exe", "/proc/" + std::to_string(pid) + "/exe", ending) ||
-           ending;
+    struct stat own {};
+    struct stat other {};
+    if (stat(("/proc/" + std::to_string(pid) + "/exe").c_str(), &other) != 0) {
+        return errno == ENOENT;
+    }
+    return stat("/proc/self/exe", &own) == 0 && own.st_dev == other.st_dev && own.st_ino == other.st_ino;
 }
 
 // An exception must not climb into the code of the process that forked.

@@ -1,5 +1,5 @@
 // The guard file of each lock file. The lock file itself is only a sign that others look at; what excludes is
-// the queue in its guard, which is never removed.
+// the queue in its guard, which is never removed while the appliance runs.
 #pragma once
 
 #include "libcamvora/lockqueue.h"

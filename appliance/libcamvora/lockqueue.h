@@ -1,4 +1,5 @@
-// A queue of processes for one critical section, kept in a guard file that is never removed.
+// A queue of processes for one critical section, kept in a guard file that is never removed
+// while they live.
 //
 // Each comer draws the next ticket and locks the byte of that number in the guard file; whoever has the
 // lowest locked ticket holds the section. The kernel frees the byte when the process ends, however it ends,

@@ -25,8 +25,8 @@ inline constexpr char kDefaultUploadFolder[] = "/var/packages/Camvora/target/@CV
 // Limits of the programs that are run for requests.
 inline constexpr char kProgramsConf[] = "/var/packages/Camvora/target/etc/programs.conf";
 
-// What is true only while the appliance runs; emptied at its start. The package is started while kStartedFile
-// exists. Locks are guarded in kGuardFolder.
+// What is true only while the appliance runs. The package is started while kStartedFile exists. Locks are
+// guarded in kGuardFolder.
 inline constexpr char kRunFolder[] = "/var/packages/Camvora/target/@CVData/run";
 inline constexpr char kStartedFile[] = "/var/packages/Camvora/target/@CVData/run/started";
 inline constexpr char kGuardFolder[] = "/var/packages/Camvora/target/@CVData/run/locks";

@@ -82,7 +82,8 @@ void Appliance::WaitUntilServing() {
     token_ = FirstLine(folder_.Read("token"));
     if (url_.empty()) {
         kill(launcher_->Pid(), SIGTERM);
-        throw std::runtime_error("the appliance does not start:\n" + launcher_->Wait().err);
+        (void)WaitForEnd();
+        throw std::runtime_error("the appliance does not start:\n" + errors_);
     }
 }
 

@@ -124,6 +124,7 @@ TEST(HostEndTest, WhatAKilledApplianceLeftIsGoneAtTheNextStart) {
     ASSERT_TRUE(hasStatus(appliance, 4));
     EXPECT_TRUE(std::filesystem::exists(appliance.TemporaryPath() / "cv_service3.lock"));
     const std::ofstream unguarded(appliance.TemporaryPath() / "cv_service4.lock");  // one whose guard is gone
+    ASSERT_TRUE(unguarded.is_open());
     appliance.Kill();
 
     appliance.Launch();

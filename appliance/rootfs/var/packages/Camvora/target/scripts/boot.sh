@@ -9,17 +9,16 @@ umask 022
 mkdir -p "$target/@CVData/run" "$target/@CVData/log"
 cd "$target/@CVData/run"
 # As the first process of a private file system it follows no living one. On the machine's own paths, processes of
-# an appliance that was killed may still hold locks: the host sweeps what nobody holds.
+# an appliance that was killed may still hold locks: the host sweeps what nobody holds, but sees no lock file whose
+# guard is gone.
 if [ $$ = 1 ]; then
-  rm -rf ./*
+  rm -rf ./* /tmp/cv_*.lock /tmp/cv_*.pid /tmp/cv_*.pid.new
 else
   rm -f address started
+  for lock in /tmp/cv_*.lock; do
+    [ -e "locks/%2Ftmp%2F${lock##*/}" ] || rm -f "$lock" "${lock%.lock}.pid" "${lock%.lock}.pid.new" || :
+  done
 fi
-# Files whose guards are gone are swept by nobody.
-for file in /tmp/cv_*.lock /tmp/cv_*.pid /tmp/cv_*.pid.new; do
-  name=${file##*/}
-  [ -e "locks/%2Ftmp%2F${name%%.*}.lock" ] || rm -f "$file" || : # a stranger's folder is left alone
-done
 cd /
 "$target/scripts/S82camvora.sh" start
 
