@@ -1,5 +1,6 @@
 #include "client/httpclient.h"
 
+#include "client/earlyreply.h"
 #include "client/failure.h"
 #include "client/formfile.h"
 #include "client/watchdog.h"
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace client {
@@ -89,6 +91,12 @@ public:
     // Lets the time limit begin anew.
     void Restart() { watchdog_.Restart(); }
 
+    // Called while a request is sent. True when its reply has come already: the rest need not be sent.
+    bool IsAnswered() {
+        early_ = TakeEarlyReply(http_.socket(), kReplyLimitBytes);
+        return early_.has_value();
+    }
+
     HttpReply Send(httplib::Request request);
 
 private:
@@ -96,6 +104,7 @@ private:
     const std::chrono::seconds timeLimit_;
     httplib::Client http_;
     Watchdog watchdog_;
+    std::optional<HttpReply> early_;
 };
 
 HttpReply Exchange::Send(httplib::Request request) {
@@ -104,6 +113,9 @@ HttpReply Exchange::Send(httplib::Request request) {
         return Append(reply, data, size);
     };
     const httplib::Result result = http_.send(request);
+    if (early_) {
+        return *early_;
+    }
     if (IsWithoutConnection(result.error())) {
         throw NotAnswering(location_);
     }
@@ -181,12 +193,17 @@ HttpReply HttpClient::PostFile(const std::string& path, const FormFile& file,
     request.set_header("Content-Type", file.ContentType());
     request.content_length_ = file.SizeBytes();
     request.content_provider_ = [&](std::size_t offset, std::size_t leftBytes, httplib::DataSink& sink) {
+        if (exchange.IsAnswered()) {
+            return false;
+        }
         std::array<char, kPieceBytes> piece;
         const std::size_t size = file.ReadAt(offset, piece.data(), std::min(piece.size(), leftBytes));
         exchange.Restart();
-        const bool isSent = sink.write(piece.data(), size);
+        if (!sink.write(piece.data(), size)) {
+            return !exchange.IsAnswered();  // where it is not, the library knows what is wrong
+        }
         sent(offset + size);
-        return isSent;
+        return true;
     };
     return exchange.Send(std::move(request));
 }

@@ -50,8 +50,8 @@ public:
     // `body` is a JSON document.
     HttpReply Post(const std::string& path, const std::string& body) const;
 
-    // Sends a file piece by piece. The time limit holds from each piece to the next, and from the last to the
-    // end of the reply. Throws as `file` does, too.
+    // Sends a file piece by piece, until its end or until the reply is there. The time limit holds from each
+    // piece to the next, and from the last to the end of the reply. Throws as `file` does, too.
     HttpReply PostFile(const std::string& path, const FormFile& file, const SentReceiver& sent) const;
 
 private:

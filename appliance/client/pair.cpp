@@ -15,6 +15,7 @@ namespace client {
 namespace {
 
 constexpr char kPairs[] = "/pairs";
+constexpr char kWhat[] = "Pairing";
 
 void MakeCode(Session& session, const std::string& name) {
     Json::Value body(Json::objectValue);
@@ -52,27 +53,46 @@ std::string OwnUrl(const Session& session, const JoinArguments& arguments, const
     return url;
 }
 
-// What the host answers to the code. It is not told our token.
-Json::Value RedeemCode(const Session& session, const JoinArguments& arguments) {
+// The host. It is not told our token.
+Location LocateHost(const JoinArguments& arguments) {
     LocationOptions place;
     place.url = arguments.hostUrl;
-    const Location host = Locate(place, "");
-    Json::Value body(Json::objectValue);
-    body["code"] = arguments.code;
-    body["address"] = OwnUrl(session, arguments, host.url);
-    return Appliance(HttpClient(host, session.TimeLimit())).PostPage("/pairing", body, "Pairing");
+    return Locate(place, "");
 }
 
-// A code can be used only once, so our own appliance is asked first whether it answers us.
-void Join(Session& session, const JoinArguments& arguments) {
-    (void)session.Host().GetPage(kPairs, "The list of pairs");
-    const Json::Value given = RedeemCode(session, arguments);
+// What the host answers to the code.
+Json::Value RedeemCode(const Appliance& host, const JoinArguments& arguments, const std::string& ownUrl) {
+    Json::Value body(Json::objectValue);
+    body["code"] = arguments.code;
+    body["address"] = ownUrl;
+    return host.PostPage("/pairing", body, kWhat);
+}
+
+void KeepHost(const Appliance& own, const JoinArguments& arguments, const Json::Value& given) {
     Json::Value body(Json::objectValue);
     body["name"] = arguments.hostName;
     body["address"] = arguments.hostUrl.substr(0, arguments.hostUrl.find_last_not_of('/') + 1);
     body["secretIn"] = Member(given, "secretIn");
     body["secretOut"] = Member(given, "secretOut");
-    (void)session.Host().PostPage(kPairs, body, "Pairing");
+    (void)own.PostPage(kPairs, body, kWhat);
+}
+
+// The host keeps the pair only now, so that it has none that we have not.
+void Confirm(const Appliance& host, const Json::Value& given) {
+    Json::Value body(Json::objectValue);
+    body["name"] = Member(given, "name");
+    body["secretOut"] = Member(given, "secretOut");
+    (void)host.PostPage("/pairing/confirmation", body, kWhat);
+}
+
+// A code can be used only once, so our own appliance is asked first whether it answers us.
+void Join(Session& session, const JoinArguments& arguments) {
+    const Location location = LocateHost(arguments);
+    const Appliance host(HttpClient(location, session.TimeLimit()));
+    (void)session.Host().GetPage(kPairs, "The list of pairs");
+    const Json::Value given = RedeemCode(host, arguments, OwnUrl(session, arguments, location.url));
+    KeepHost(session.Host(), arguments, given);
+    Confirm(host, given);
     Json::Value data(Json::objectValue);
     data["name"] = Member(given, "name");
     data["host"] = arguments.hostName;

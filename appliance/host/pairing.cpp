@@ -2,7 +2,7 @@
 
 #include "host/jsonparams.h"
 
-#include "libcamvora/pairs.h"
+#include <openssl/crypto.h>
 
 #include <algorithm>
 #include <initializer_list>
@@ -78,7 +78,28 @@ Reply Pairing::RedeemCode(const std::string& body) {
     data["name"] = server.name;
     data["secretIn"] = server.secretOut;
     data["secretOut"] = server.secretIn;
-    return ReplyForKeeping(server, data);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    made_[server.name] = server;
+    return SuccessReply(data);
+}
+
+// The secret tells who confirms: the code has been used, and the token is not the recording server's.
+Reply Pairing::Confirm(const std::string& body) {
+    std::string name;
+    std::string secret;
+    if (auto refusal = ReadMembers(
+            body, {{"name", camvora::IsPairName, name}, {"secretOut", camvora::IsPairSecret, secret}})) {
+        return *refusal;
+    }
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto made = made_.find(name);
+    if (made == made_.end() ||
+        CRYPTO_memcmp(secret.data(), made->second.secretIn.data(), secret.size()) != 0) {
+        return ReplyFor(FrameworkError::kWrongPairingCode);
+    }
+    Reply reply = ReplyForKeeping(made->second, Json::Value());
+    made_.erase(made);
+    return reply;
 }
 
 Reply Pairing::KeepHost(const std::string& body) {

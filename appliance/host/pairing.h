@@ -4,6 +4,10 @@
 #include "host/frameworkerrors.h"
 #include "host/pairingcodes.h"
 
+#include "libcamvora/pairs.h"
+
+#include <map>
+#include <mutex>
 #include <string>
 
 namespace host {
@@ -15,9 +19,13 @@ public:
     // On the host, for its owner: a one-time code for the recording server "name".
     Reply MakeCode(const std::string& body);
 
-    // On the host, for whoever has a code: keeps the recording server at "address", and answers with the
-    // secrets as that server has to keep them.
+    // On the host, for whoever has a code: makes a pair with the recording server at "address", and answers
+    // with its name and the secrets as that server has to keep them. The host does not keep it yet.
     Reply RedeemCode(const std::string& body);
+
+    // On the host, for the recording server "name" which has kept its pair, and shows its "secretOut": keeps
+    // the pair.
+    Reply Confirm(const std::string& body);
 
     // On the recording server, for its owner: keeps its CMS host, which is to be called "name" here.
     static Reply KeepHost(const std::string& body);
@@ -30,6 +38,8 @@ public:
 
 private:
     PairingCodes codes_;
+    std::mutex mutex_;
+    std::map<std::string, camvora::Pair> made_;  // by name, until they are confirmed
 };
 
 }  // namespace host

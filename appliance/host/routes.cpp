@@ -58,6 +58,7 @@ const Routes::Page Routes::kPages[] = {
     {"GET", "/events", true, &Routes::AnswerEvents},
     {"POST", "/pairing/codes", true, &Routes::AnswerMakeCode},
     {"POST", "/pairing", false, &Routes::AnswerRedeemCode},
+    {"POST", "/pairing/confirmation", false, &Routes::AnswerConfirm},
     {"POST", "/pairs", true, &Routes::AnswerKeepHost},
     {"GET", "/pairs", true, &Routes::AnswerPairs},
     {"DELETE", "/pairs", true, &Routes::AnswerForget},
@@ -267,6 +268,10 @@ void Routes::AnswerMakeCode(const httplib::Request& request, httplib::Response& 
 
 void Routes::AnswerRedeemCode(const httplib::Request& request, httplib::Response& response) {
     Write(response, pairing_.RedeemCode(request.body));
+}
+
+void Routes::AnswerConfirm(const httplib::Request& request, httplib::Response& response) {
+    Write(response, pairing_.Confirm(request.body));
 }
 
 void Routes::AnswerKeepHost(const httplib::Request& request, httplib::Response& response) {

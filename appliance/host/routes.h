@@ -54,6 +54,7 @@ private:
     void AnswerEvents(const httplib::Request& request, httplib::Response& response);
     void AnswerMakeCode(const httplib::Request& request, httplib::Response& response);
     void AnswerRedeemCode(const httplib::Request& request, httplib::Response& response);
+    void AnswerConfirm(const httplib::Request& request, httplib::Response& response);
     void AnswerKeepHost(const httplib::Request& request, httplib::Response& response);
     void AnswerPairs(const httplib::Request& request, httplib::Response& response);
     void AnswerForget(const httplib::Request& request, httplib::Response& response);

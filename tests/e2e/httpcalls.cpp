@@ -13,6 +13,13 @@ constexpr int kPatienceS = 30;
 
 }  // namespace
 
+Json::Value ParseJson(const std::string& text) {
+    Json::Value value;
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    reader->parse(text.data(), text.data() + text.size(), &value, nullptr);
+    return value;
+}
+
 Answer ToAnswer(const httplib::Result& result) {
     Answer answer;
     if (!result) {
@@ -20,8 +27,7 @@ Answer ToAnswer(const httplib::Result& result) {
     }
     answer.status = result->status;
     answer.requestId = result->get_header_value("X-Request-Id");
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    reader->parse(result->body.data(), result->body.data() + result->body.size(), &answer.body, nullptr);
+    answer.body = ParseJson(result->body);
     return answer;
 }
 

@@ -21,6 +21,9 @@ struct Answer {
     std::string Text() const { return Data().isObject() ? Data()["text"].asString() : ""; }
 };
 
+// Null when it is none.
+Json::Value ParseJson(const std::string& text);
+
 // The library's result in this form.
 Answer ToAnswer(const httplib::Result& result);
 

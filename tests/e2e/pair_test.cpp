@@ -1,10 +1,11 @@
 // A CMS host and a recording server that are paired, and packages that move from the one to the other.
 #include "e2e/appliance.h"
+#include "e2e/ctl.h"
+#include "e2e/packages.h"
 #include "e2e/processes.h"
 #include "e2e/proof.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
-#include <json/reader.h>
 #include <json/writer.h>
 
 #include <algorithm>
@@ -17,6 +18,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace e2e {
@@ -25,83 +27,13 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kData[] = "target/@CVData";
-constexpr char kUploads[] = "target/@CVData/upload";
 constexpr char kRelay[] = "/servers/recorder/api/ORVA.Camvora.AddOns/v1/";
-constexpr int kLocalDisplay = 6;
-constexpr int kDevicePack = 1;
-constexpr std::size_t kMiB = std::size_t{1} << 20;
-
-Json::Value ParseJson(const std::string& text) {
-    Json::Value value;
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    reader->parse(text.data(), text.data() + text.size(), &value, nullptr);
-    return value;
-}
-
-std::string Content(std::size_t size, unsigned seed) {
-    std::string content(size, '\0');
-    for (char& byte : content) {
-        seed = seed * 1664525U + 1013904223U;
-        byte = static_cast<char>(seed >> 24U);
-    }
-    return content;
-}
-
-Outcome Run(std::vector<std::string> command) {
-    return Program(command, {"PATH=/usr/bin:/bin"}).Wait();
-}
-
-// What the appliance's own client writes.
-Json::Value Ctl(const Appliance& appliance, const std::vector<std::string>& line) {
-    std::vector<std::string> command = {appliance.PathOf("camvoractl"), "--json"};
-    command.insert(command.end(), line.begin(), line.end());
-    const Outcome outcome = Run(command);
-    EXPECT_EQ(0, outcome.status) << outcome.out;
-    return ParseJson(outcome.out);
-}
-
-std::string NewCode(const Appliance& host) {
-    return Ctl(host, {"pair", "code", "recorder"})["code"].asString();
-}
-
-void Pair(const Appliance& host, const Appliance& recorder) {
-    Ctl(recorder, {"pair", "join", host.Url(), NewCode(host)});
-}
 
 std::string SecretOf(const Appliance& appliance, const std::string& column) {
     return SQLite::Database(appliance.PackagePath(std::string(kData) + "/camvora.db"), SQLite::OPEN_READWRITE,
                             5000)
         .execAndGet("SELECT " + column + " FROM pairs")
         .getString();
-}
-
-std::size_t UploadCount(const Appliance& appliance) {
-    const fs::directory_iterator files(appliance.PackagePath(kUploads));
-    return static_cast<std::size_t>(std::distance(begin(files), end(files)));
-}
-
-// A package of the service whose tree holds `blob`.
-std::string MakePackage(int service, const std::string& blob) {
-    const bool isDisplay = service == kLocalDisplay;
-    const TemporaryFolder folder;
-    const std::string tree = isDisplay ? "tree/" : "tree/device_pack/";
-    folder.Write(tree + "conf", "version=\"9.0.0-0001\"\nmaintainer=\"M\"\ncv_min_ver=\"1.0.0-0001\"\n");
-    folder.Write(tree + "blob", blob);
-    folder.Write("INFO", std::string("package=\"") +
-                             (isDisplay ? "CamvoraLocalDisplay" : "CamvoraDevicePack") +
-                             "\"\narch=\"plat1 plat2\"\n");
-    Run({"/bin/tar", "-C", folder.PathOf("tree"), "-cf", folder.PathOf("package.tgz"), "."});
-    Run({"/bin/tar", "-C", folder.Path(), "-cf", folder.PathOf("x.spk"), "INFO", "package.tgz"});
-    return folder.Read("x.spk");
-}
-
-// The parameters of "GetPkgInfo" for a package that was uploaded to the host.
-Json::Value Upload(const Appliance& host, const std::string& package, int service = kLocalDisplay) {
-    const httplib::MultipartFormDataItems form = {{"addonsSpkFile", package, "x.spk", ""}};
-    Json::Value params =
-        ToAnswer(host.Owner().Client().Post("/api/ORVA.Camvora.AddOns/v1/Upload", form)).Data();
-    params["service"] = service;
-    return params;
 }
 
 Answer GetPkgInfo(const Appliance& host, const Json::Value& params) {
@@ -227,42 +159,83 @@ TEST_F(PairTest, AClockThatIsOffByAnHourMovesNothing) {
     ExpectFetch(params);
 }
 
-TEST_F(PairTest, AHostThatIsKilledInMidTransferLeavesNoPart) {
-    const std::string package = MakePackage(kLocalDisplay, Content(64 * kMiB, 1));
-    const std::function<pid_t()> victims[] = {
-        [] {
-            const std::vector<pid_t> requests = Descendants(host_->RequestServer());
-            return requests.empty() ? -1 : requests.front();
-        },
-        [] { return host_->HttpProcess(); },
-    };
-    for (const auto& victim : victims) {
-        Json::Value params = Upload(*host_, package);
-        params["isRedirectCgi"] = true;
-        auto answer =
-            std::async(std::launch::async, [&] { return recorder_->Owner().AddOns("GetPkgInfo", params); });
-        ASSERT_TRUE(WaitUntil([] { return !Descendants(host_->RequestServer()).empty(); }));
-        const pid_t pid = victim();
-        ASSERT_GT(pid, 0);
-        kill(pid, SIGKILL);
-        ExpectNoFetch(answer.get());
-        ASSERT_TRUE(WaitUntil([] { return host_->Owner().AddOns("List").Succeeded(); }));
-        fs::remove_all(host_->PackagePath(kUploads));
-        fs::create_directory(host_->PackagePath(kUploads));
-        ExpectFetch(Upload(*host_, MakePackage(kLocalDisplay, "x")));
+// Passes calls on to the host, and the first piece of the reply back; the rest is passed back after Release.
+class SlowLine {
+public:
+    explicit SlowLine(std::string hostUrl) : hostUrl_(std::move(hostUrl)) {
+        server_.Post(".*", [this](const httplib::Request& call, httplib::Response& reply) {
+            reply.set_content_provider(kReplyBytes, "application/json",
+                                       [this, call](std::size_t, std::size_t, httplib::DataSink& back) {
+                                           PassOn(call, back);
+                                           return false;
+                                       });
+        });
+        port_ = server_.bind_to_any_port("127.0.0.1");
+        thread_ = std::thread([this] { server_.listen_after_bind(); });
     }
+    ~SlowLine() {
+        server_.stop();
+        thread_.join();
+    }
+    std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_); }
+    void AwaitFirstPiece() { firstPiece_.get_future().wait(); }
+    void Release() { release_.set_value(); }
+
+private:
+    static constexpr std::size_t kReplyBytes = 1000 * kMiB;  // never comes
+
+    void PassOn(const httplib::Request& call, httplib::DataSink& back) {
+        httplib::Request request;
+        request.method = call.method;
+        request.path = call.path;
+        request.body = call.body;
+        request.headers = {{"Cookie", call.get_header_value("Cookie")}, {"Content-Type", "application/json"}};
+        bool isFirst = true;
+        request.content_receiver = [&](const char* bytes, std::size_t sizeBytes, std::uint64_t,
+                                       std::uint64_t) {
+            back.write(bytes, sizeBytes);
+            if (std::exchange(isFirst, false)) {
+                firstPiece_.set_value();
+                release_.get_future().wait();
+            }
+            return true;
+        };
+        httplib::Client(hostUrl_).send(request);
+    }
+
+    std::string hostUrl_;
+    httplib::Server server_;
+    int port_ = 0;
+    std::promise<void> firstPiece_;
+    std::promise<void> release_;
+    std::thread thread_;
+};
+
+TEST_F(PairTest, AHostThatIsKilledInMidTransferLeavesNoPart) {
+    SlowLine line(host_->Url());
+    KeepHost(*recorder_, line.Url(), SecretOf(*recorder_, "secret_out"));
+    Json::Value params = Upload(*host_, MakePackage(kLocalDisplay, Content(32 * kMiB, 1)));
+    params["isRedirectCgi"] = true;
+    auto answer =
+        std::async(std::launch::async, [&] { return recorder_->Owner().AddOns("GetPkgInfo", params); });
+    line.AwaitFirstPiece();
+    host_->Kill();
+    line.Release();
+    ExpectNoFetch(answer.get());
+    host_->Launch();
+    Pair(*host_, *recorder_);
+    ExpectFetch(Upload(*host_, MakePackage(kLocalDisplay, "x")));
 }
 
 TEST_F(PairTest, AHostThatIsStoppedIsAnErrorAndNoMore) {
-    auto host = std::make_unique<Appliance>();
-    Pair(*host, *recorder_);
-    Json::Value params = Upload(*host, MakePackage(kLocalDisplay, "x"));
+    Json::Value params = Upload(*host_, MakePackage(kLocalDisplay, "x"));
     params["isRedirectCgi"] = true;
-    host->Stop();
-    const Answer answer = recorder_->Owner().AddOns("GetPkgInfo", params);
-    ExpectNoFetch(answer);
+    host_->Stop();
+    ExpectNoFetch(recorder_->Owner().AddOns("GetPkgInfo", params));
     EXPECT_NE(std::string::npos, recorder_->Log().find("nobody answers there"));
-    EXPECT_TRUE(recorder_->Owner().AddOns("List").Succeeded());
+    host_->Launch();
+    Pair(*host_, *recorder_);
+    ExpectFetch(params);
 }
 
 // The most that a process of the host's other processes than the two listening ones has held, in KiB.
@@ -323,6 +296,13 @@ TEST_F(PairTest, ACodeIsGoodForOnePairing) {
     EXPECT_EQ(1022, again.Code());
 }
 
+// The host has answered to the code by then.
+TEST_F(PairTest, APairThatTheServerDoesNotKeepIsNotKeptByTheHost) {
+    const std::vector<std::string> join = {"pair", "join", host_->Url(), NewCode(*host_), "--as", "no/name"};
+    EXPECT_EQ(1, StartCtl(*recorder_, join).Wait().status);
+    ExpectFetch(Upload(*host_, MakePackage(kLocalDisplay, "x")));
+}
+
 struct PageCase {
     const char* name;
     const char* method;
@@ -342,6 +322,11 @@ const PageCase kPageCases[] = {
     {"pairing_with_number", "POST", "/pairing", R"({"code":1,"address":"http://r:1"})", false, 400, 1018},
     {"pairing_with_address_of_no_server", "POST", "/pairing", R"({"code":"x","address":"file:///x"})", false,
      400, 1018},
+    {"confirmation_by_stranger", "POST", "/pairing/confirmation",
+     R"({"name":"recorder","secretOut":"0000000000000000000000000000000000000000000000000000000000000000"})",
+     false, 403, 1022},
+    {"confirmation_without_secret", "POST", "/pairing/confirmation", R"({"name":"recorder"})", false, 400,
+     1018},
     {"pairing_with_get", "GET", "/pairing", "", true, 405, 1017},
     {"pairs_are_the_owners", "GET", "/pairs", "", false, 401, 1013},
     {"pair_without_secret", "POST", "/pairs", R"({"name":"h","address":"http://h:1"})", true, 400, 1018},

@@ -1,6 +1,8 @@
 // Files in forms: they go to the upload area without being held in memory, and leave nothing there that
 // nobody knows of.
 #include "e2e/appliance.h"
+#include "e2e/ctl.h"
+#include "e2e/packages.h"
 #include "e2e/processes.h"
 #include "e2e/rawconnection.h"
 
@@ -21,17 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kPath[] = "/api/TEST.Module/v1/Upload";
-constexpr std::size_t kMiB = std::size_t{1} << 20;
-
-// Bytes in which a shifted, repeated or lost piece shows.
-std::string Content(std::size_t size, unsigned seed) {
-    std::string content(size, '\0');
-    for (char& byte : content) {
-        seed = seed * 1664525U + 1013904223U;
-        byte = static_cast<char>(seed >> 24U);
-    }
-    return content;
-}
 
 class UploadTest : public testing::Test {
 protected:
@@ -187,6 +178,64 @@ TEST_F(UploadTest, WhatNobodyTookIsRemovedAfterADay) {
     EXPECT_TRUE(WaitUntil([&] { return !fs::exists(old); }));
     EXPECT_TRUE(fs::exists(young));
     EXPECT_TRUE(fs::exists(beingWritten));
+}
+
+// The appliance's client, and the module.
+class ClientTest : public ApplianceTest {
+protected:
+    static void SetUpTestSuite() { Start(); }
+
+    Program StartUpload() const {
+        return StartCtl(*appliance_, {"upload", file_.PathOf("x.spk"), "local_display"});
+    }
+
+    const TemporaryFolder file_;
+};
+
+struct ClientCase {
+    const char* name;
+    int service;
+    std::uintmax_t sizeBytes;  // of the file, 0 for that of the package
+    int status;
+    const char* words;
+};
+
+const ClientCase kClientCases[] = {
+    {"good", kLocalDisplay, 0, 0, "Version         9.0.0-0001\n"},
+    {"refused", kDevicePack, 0, 4, "does not take x.spk: it is no valid package for this service\n"},
+    // More than can be sent before the host gives the connection up.
+    {"too_large", kLocalDisplay, 100'000 * kMiB, 4,
+     "Upload failed (error 1006): The request is too large.\n"},
+};
+
+TEST_F(ClientTest, SaysWhatBecomesOfAPackage) {
+    for (const ClientCase& c : kClientCases) {
+        SCOPED_TRACE(c.name);
+        file_.Write("x.spk", MakePackage(c.service, "x"));
+        if (c.sizeBytes != 0) {
+            fs::resize_file(file_.PathOf("x.spk"), c.sizeBytes);
+        }
+        const Outcome outcome = StartUpload().Wait();
+        EXPECT_EQ(c.status, outcome.status);
+        EXPECT_NE(std::string::npos, (outcome.out + outcome.err).find(c.words)) << outcome.err;
+        EXPECT_EQ(0U, UploadCount(*appliance_));
+    }
+}
+
+TEST_F(ClientTest, AnUploadThatEndsEarlyLeavesNoFile) {
+    file_.Write("x.spk", "");
+    fs::resize_file(file_.PathOf("x.spk"), 1000 * kMiB);
+    for (const bool isInterrupted : {true, false}) {
+        SCOPED_TRACE(isInterrupted);
+        const Program upload = StartUpload();
+        EXPECT_TRUE(WaitUntil([] { return UploadCount(*appliance_) == 1; }));
+        kill(isInterrupted ? upload.Pid() : appliance_->HttpProcess(), isInterrupted ? SIGINT : SIGKILL);
+        const Outcome outcome = upload.Wait();
+        EXPECT_EQ(isInterrupted ? 130 : 1, outcome.status);
+        const char* words = isInterrupted ? "camvoractl: Interrupted\n" : "took only a part of what was sent";
+        EXPECT_NE(std::string::npos, outcome.err.find(words)) << outcome.err;
+        EXPECT_TRUE(WaitUntil([] { return UploadCount(*appliance_) == 0; }));
+    }
 }
 
 }  // namespace

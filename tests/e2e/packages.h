@@ -1,0 +1,32 @@
+// Packages, made on the spot.
+#pragma once
+
+#include "e2e/appliance.h"
+
+#include <json/value.h>
+
+#include <cstddef>
+#include <string>
+
+namespace e2e {
+
+inline constexpr int kDevicePack = 1;
+inline constexpr int kLocalDisplay = 6;
+inline constexpr std::size_t kMiB = std::size_t{1} << 20;
+
+// Where the upload area lies in the package.
+inline constexpr char kUploads[] = "target/@CVData/upload";
+
+// Bytes in which a shifted, repeated or lost piece shows.
+std::string Content(std::size_t sizeBytes, unsigned seed);
+
+// A package of the service, not compressed, whose tree holds `blob`. It is taken by every appliance.
+std::string MakePackage(int service, const std::string& blob);
+
+// Uploads the package to the appliance. Returns the parameters of "GetPkgInfo" for it.
+Json::Value Upload(const Appliance& appliance, const std::string& package, int service = kLocalDisplay);
+
+// The files in the appliance's upload area.
+std::size_t UploadCount(const Appliance& appliance);
+
+}  // namespace e2e
