@@ -54,7 +54,7 @@ public:
     int CheckAndGetFile();
 
     // Fetches the package file from the CMS host, which loses it, to the same path on this machine. Returns
-    // 0, or -1 with no file left.
+    // 0, or -1 with nothing written.
     int GetFileFromHost();
 
     // Whether the name given by the user ends as a package file's does.

@@ -2,7 +2,6 @@
 
 #include "addons/keyvalue.h"
 #include "addons/paths.h"
-#include "platform/log.h"
 
 #include <sys/stat.h>
 
@@ -41,19 +40,9 @@ bool IsTaken(const std::string& path, bool mustExist) {
 }  // namespace
 
 bool IsUploadPath(const std::string& path) {
-    const bool taken = IsTaken(path, false);
-    if (!taken) {
-        CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__,
-                 "Path [%s] is not in the upload area.\n", path.c_str());
-    }
-    return taken;
+    return IsTaken(path, false);
 }
 
 bool IsUploadedFile(const std::string& path) {
-    const bool taken = IsTaken(path, true);
-    if (!taken) {
-        CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__,
-                 "No plain file [%s] in the upload area.\n", path.c_str());
-    }
-    return taken;
+    return IsTaken(path, true);
 }

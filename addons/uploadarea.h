@@ -5,9 +5,9 @@
 
 #include <string>
 
-// True when `path` names a place directly in the upload area, whatever is there. Otherwise logs one line.
+// True when `path` names a place directly in the upload area, whatever is there.
 bool IsUploadPath(const std::string& path);
 
-// True when `path` names a plain file directly in the upload area. Otherwise logs one line. Without an upload
-// area nothing is asked about the file.
+// True when `path` names a plain file directly in the upload area. Without an upload area nothing is
+// asked about the file.
 bool IsUploadedFile(const std::string& path);

@@ -17,6 +17,7 @@ namespace {
 constexpr int kErrFailed = 400;
 constexpr char kFileField[] = "addonsSpkFile";
 constexpr char kStoredFile[] = "addonsSpkFile_tmp";
+constexpr std::size_t kFileLimitBytes = 0x5FFFFFF0;  // a JSON value takes less than 2 GiB of text
 
 struct Free {
     void operator()(void* memory) const { std::free(memory); }
@@ -27,7 +28,9 @@ struct Free {
 // The biggest parts are never held all at once: the bytes go before the text is copied.
 Json::Value TakeFile(const std::string& path, std::size_t& sizeBytes) {
     unsigned char* content = nullptr;
-    const bool isRead = IsUploadedFile(path) && ReadContentFromFileToBuf(path, true, content, sizeBytes) == 0;
+    const bool isRead = IsUploadedFile(path) &&
+                        ReadContentFromFileToBuf(path, true, content, sizeBytes) == 0 &&
+                        sizeBytes <= kFileLimitBytes;
     std::unique_ptr<unsigned char, Free> owner(content);
     if (!isRead) {
         CVPrintf(0, nullptr, nullptr, "addons", __LINE__, "HandleLoadFile", "Failed to read file[%s]!\n",

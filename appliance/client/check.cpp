@@ -56,21 +56,24 @@ std::vector<Verdict> Judge(const std::string& path, const std::string& folder) {
                         ReadApplianceFacts(folder));
 }
 
+// A program gets one document: the verdicts of a package that is refused are part of the failure.
+Failure Refusal(const std::string& path, const std::string& broken, const Json::Value& data) {
+    Failure failure(ExitStatus::kRefused, path + " does not keep the rules: " + broken);
+    failure.data = data;
+    return failure;
+}
+
 void Check(const Session& session, const std::string& path) {
     const std::vector<Verdict> verdicts = Judge(path, session.Folder());
     const Json::Value document = VerdictDocument(verdicts);
     const std::string broken = BrokenRules(verdicts);
-    if (broken.empty()) {
-        session.Print(document, VerdictTable(verdicts));
-        return;
-    }
-    Failure failure(ExitStatus::kRefused, path + " does not keep the rules: " + broken);
-    if (session.IsForPrograms()) {
-        failure.data = document;
-    } else {
+    const bool isInFailure = session.IsForPrograms() && !broken.empty();
+    if (!isInFailure) {
         session.Print(document, VerdictTable(verdicts));
     }
-    throw failure;
+    if (!broken.empty()) {
+        throw Refusal(path, broken, isInFailure ? document : Json::Value());
+    }
 }
 
 }  // namespace

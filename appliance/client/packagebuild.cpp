@@ -41,7 +41,7 @@ public:
     }
 
     std::string Value(const std::string& key) const {
-        const std::string value = ValueOf(text_, key).value_or("");
+        std::string value = ValueOf(text_, key).value_or("");
         if (value.empty()) {
             throw WrongSetting(file_, key, "is missing");
         }

@@ -108,6 +108,10 @@ const InspectionCase kInspectionCases[] = {
      kLock + Steps{"CVPrintf 0 null null addonsservice GetPkgInfo "
                    R"('Failed to lock [/tmp/cv_AddOns_Package_name1.lock].\n')"},
      kInvalidFile},
+    {"not_in_the_upload_area", Value(kMainConf, "addons_upload_dir"), "/other",
+     kLock + Steps{kFind[0]} + kUnlock, kInvalidFile},
+    {"no_plain_file_in_the_upload_area", Value(kMainConf, "addons_upload_dir"), "/up",
+     kLock + Steps{kFind[0], "lstat /up/1"} + kUnlock, kInvalidFile},
     {"no_file", "PLIBCFileExist", 0, kLock + kFind + kUnlock, kInvalidFile},
     {"no_identifier", Value(kInfo, "package"), {}, kUnpacked + kName + kUnlock, kInvalidFile},
     {"other_add_on", Value(kInfo, "package"), "CamvoraLocalDisplay", kUnpacked + kName + kUnlock,

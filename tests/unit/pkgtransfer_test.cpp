@@ -44,6 +44,10 @@ const ReplyCase kReplyCases[] = {
      R"({"success":true,"data":{"fileSize":3,"fileData":"YW\u0000j"}})",
      0,
      {R"(WriteFileByBase64String '' 'YW\x00j' 3)"}},
+    {"success_is_number",
+     R"({"success":1,"data":{"fileSize":3,"fileData":"YWJj"}})",
+     0,
+     {"WriteFileByBase64String '' YWJj 3"}},
     {"no_success", R"({"success":false,"data":{"fileSize":3,"fileData":"YWJj"}})", -1, kNoFile},
     {"success_missing", R"({"data":{"fileSize":3,"fileData":"YWJj"}})", -1, kNoFile},
     {"success_is_text", R"({"success":"true","data":{"fileSize":3,"fileData":"YWJj"}})", -1, kNoFile},
@@ -103,7 +107,7 @@ const FetchCase kFetchCases[] = {
       kLog + R"(GetFileFromHost 'Failed to write file = [/up/1],Size = [3]\n')"}},
     {"outside_the_upload_area",
      R"({"PLIBCFileGetKeyValue /var/packages/Camvora/target/etc/cv.conf addons_upload_dir":"/other"})",
-     {kFetch[0], kFetch[1], kLog + R"(IsUploadPath 'Path [/up/1] is not in the upload area.\n')"}},
+     {kFetch[0], kFetch[1]}},
 };
 
 class Fetch : public testing::TestWithParam<FetchCase> {
@@ -128,25 +132,45 @@ INSTANTIATE_TEST_SUITE_P(, Fetch, testing::ValuesIn(kFetchCases),
                          [](const auto& row) { return std::string(row.param.name); });
 
 // Everything is read from the directory of fetched packages.
-TEST(FetchedPackage, IsUnpackedIntoADirectoryOfItsOwn) {
-    const fake::Session session;
-    fake::Answer("SendWebAPIToHost reply",
-                 fake::ParseJson(R"({"success":true,"data":{"fileSize":3,"fileData":"YWJj"}})"));
-    const std::string dir = "/var/packages/Camvora/target/cv_addOns_name6_host";
-    const std::string value = "PLIBCFileGetKeyValue ";
-    fake::Answer(value + dir + "/INFO package", "CamvoraLocalDisplay");
-    fake::Answer(value + dir + "/INFO arch", "main");
-    fake::Answer(value + "/var/packages/Camvora/INFO arch", "main");
-    fake::Answer(value + "/var/packages/Camvora/INFO version", "9.2-1");
-    fake::Answer(value + "/var/packages/Camvora/target/etc/cv.conf local_display_min_ver", "1.0");
-    for (const char* key : {"cv_min_ver", "version", "maintainer"}) {
-        fake::Answer(value + dir + "/local_display/conf " + key, key);
+class FetchedPackage : public testing::Test {
+protected:
+    FetchedPackage() {
+        fake::Answer("SendWebAPIToHost reply",
+                     fake::ParseJson(R"({"success":true,"data":{"fileSize":3,"fileData":"YWJj"}})"));
+        const std::string value = "PLIBCFileGetKeyValue ";
+        fake::Answer(value + kDir + "/INFO package", "CamvoraLocalDisplay");
+        fake::Answer(value + kDir + "/INFO arch", "main");
+        fake::Answer(value + "/var/packages/Camvora/INFO arch", "main");
+        fake::Answer(value + "/var/packages/Camvora/INFO version", "9.2-1");
+        fake::Answer(value + "/var/packages/Camvora/target/etc/cv.conf local_display_min_ver", "1.0");
+        for (const char* key : {"cv_min_ver", "version", "maintainer"}) {
+            fake::Answer(value + kDir + "/local_display/conf " + key, key);
+        }
     }
-    PkgControl package(ADDON_SERVICE_LOCAL_DISPLAY);
-    Json::Value result(Json::objectValue);
-    EXPECT_EQ(
-        0, package.GetPkgInfo(fake::ParseJson(R"({"filePath":"/up/1","fileName":"a.spk"})"), result, true));
-    EXPECT_EQ(dir + "/", result["filePath"].asString());
+
+    Json::Value Inspect(int outcome) const {
+        PkgControl package(ADDON_SERVICE_LOCAL_DISPLAY);
+        Json::Value result(Json::objectValue);
+        EXPECT_EQ(outcome, package.GetPkgInfo(fake::ParseJson(R"({"filePath":"/up/1","fileName":"a.spk"})"),
+                                              result, true));
+        return result;
+    }
+
+    const std::string kDir = "/var/packages/Camvora/target/cv_addOns_name6_host";
+
+private:
+    fake::Session session_;
+};
+
+TEST_F(FetchedPackage, IsUnpackedIntoADirectoryOfItsOwn) {
+    EXPECT_EQ(kDir + "/", Inspect(0)["filePath"].asString());
+    EXPECT_NE(std::string::npos, fake::Journal().find("lstat " + kDir + "/local_display/conf\n"));
+    EXPECT_EQ(std::string::npos, fake::Journal().find("PLIBCFileExist"));  // the transfer has said it
+}
+
+TEST_F(FetchedPackage, ThatIsTooOldIsNamed) {
+    fake::Answer("AddonsUpdate::IsVersionNewer version", false);
+    EXPECT_EQ("Local Display", Inspect(-1)["errinfo"]["param1"].asString());
 }
 
 }  // namespace

@@ -30,14 +30,17 @@ public:
 
     std::string WorkDir() const { return folder_.PathOf("work"); }
 
-    // What is in the folder, sorted, each set off by a blank; "!" marks set-id bits.
+    // What is in the folder, sorted, each set off by a blank; "!" marks set-id bits, "*" a file that
+    // everybody may run.
     std::string List() const {
         std::vector<std::string> names;
         for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_.Path())) {
-            const fs::perms setId =
-                entry.symlink_status().permissions() & (fs::perms::set_uid | fs::perms::set_gid);
-            names.push_back(entry.path().lexically_relative(folder_.Path()).string() +
-                            (setId == fs::perms::none ? " " : "! "));
+            const fs::perms mode = entry.symlink_status().permissions();
+            const bool hasSetId = (mode & (fs::perms::set_uid | fs::perms::set_gid)) != fs::perms::none;
+            const bool runs = entry.symlink_status().type() == fs::file_type::regular &&
+                              (mode & fs::perms::others_exec) != fs::perms::none;
+            names.push_back(entry.path().lexically_relative(folder_.Path()).string() + (runs ? "*" : "") +
+                            (hasSetId ? "! " : " "));
         }
         std::sort(names.begin(), names.end());
         std::string list;
@@ -68,7 +71,7 @@ const CleaningCase kCleaningCases[] = {
     {"deep_down", "mkdir -p a/b/c && mkfifo a/b/c/fifo && ln -s ../../../outside a/b/link && touch a/b/file",
      "work work/a work/a/b work/a/b/c work/a/b/file "},
     {"set_id_bits", "mkdir a && touch a/f a/g a/h && chmod 6755 a a/f && chmod 2711 a/g && chmod 4700 a/h",
-     "work work/a work/a/f work/a/g work/a/h "},
+     "work work/a work/a/f* work/a/g* work/a/h "},
     {"link_in_place_of_the_folder", "cd .. && rmdir work && ln -s outside work", ""},
     {"no_folder", "cd .. && rmdir work", ""},
 };
