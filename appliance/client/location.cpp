@@ -111,7 +111,7 @@ Location Locate(const LocationOptions& options, const std::string& programDir) {
 }
 
 std::string LocateFolder(const LocationOptions& options, const std::string& programDir) {
-    const std::string dir = FindDir(options, programDir);
+    std::string dir = FindDir(options, programDir);
     if (!dir.empty()) {
         CheckFolder(dir);
     }
