@@ -16,10 +16,16 @@ constexpr std::size_t kRecordLimitBytes = std::size_t{64} << 10;
 
 using Buffer = std::array<char, kRecordLimitBytes>;
 
-enum class Kind : char { kPart, kLastPart, kEnded };
+enum class Kind : std::size_t { kPart, kLastPart, kEnded };
 
-bool SendRecord(int socket, Kind kind, const void* bytes, std::size_t sizeBytes, int flags = 0) {
-    std::array<iovec, 2> pieces{{{&kind, sizeof(kind)}, {const_cast<void*>(bytes), sizeBytes}}};
+// Stands before the bytes of a record.
+struct Head {
+    Kind kind;
+    std::size_t textSizeBytes;  // of all parts: room for them is made once, and no more than they need
+};
+
+bool SendRecord(int socket, Head head, const void* bytes, std::size_t sizeBytes, int flags = 0) {
+    std::array<iovec, 2> pieces{{{&head, sizeof(head)}, {const_cast<void*>(bytes), sizeBytes}}};
     msghdr message{};
     message.msg_iov = pieces.data();
     message.msg_iovlen = pieces.size();
@@ -31,8 +37,8 @@ bool SendRecord(int socket, Kind kind, const void* bytes, std::size_t sizeBytes,
 }
 
 // The size of the record, 0 at the end, or -1.
-ssize_t ReceiveRecord(int socket, Kind& kind, Buffer& buffer) {
-    std::array<iovec, 2> pieces{{{&kind, sizeof(kind)}, {buffer.data(), buffer.size()}}};
+ssize_t ReceiveRecord(int socket, Head& head, Buffer& buffer) {
+    std::array<iovec, 2> pieces{{{&head, sizeof(head)}, {buffer.data(), buffer.size()}}};
     msghdr message{};
     message.msg_iov = pieces.data();
     message.msg_iovlen = pieces.size();
@@ -48,34 +54,35 @@ ssize_t ReceiveRecord(int socket, Kind& kind, Buffer& buffer) {
 bool SendText(int socket, const std::string& text) {
     std::size_t offset = 0;
     while (text.size() - offset > kRecordLimitBytes) {
-        if (!SendRecord(socket, Kind::kPart, text.data() + offset, kRecordLimitBytes)) {
+        if (!SendRecord(socket, {Kind::kPart, text.size()}, text.data() + offset, kRecordLimitBytes)) {
             return false;
         }
         offset += kRecordLimitBytes;
     }
-    return SendRecord(socket, Kind::kLastPart, text.data() + offset, text.size() - offset);
+    return SendRecord(socket, {Kind::kLastPart, text.size()}, text.data() + offset, text.size() - offset);
 }
 
 void SendEnded(int socket, int waitStatus) {
     // The request server must not wait for a client; where the socket is full its end tells as much.
-    (void)SendRecord(socket, Kind::kEnded, &waitStatus, sizeof(waitStatus), MSG_DONTWAIT);
+    (void)SendRecord(socket, {Kind::kEnded, 0}, &waitStatus, sizeof(waitStatus), MSG_DONTWAIT);
 }
 
 Received ReceiveText(int socket, std::string& text, int& waitStatus) {
     Buffer buffer;  // of which a short record touches little
     text.clear();
     for (;;) {
-        Kind kind = Kind::kPart;
-        const ssize_t size = ReceiveRecord(socket, kind, buffer);
+        Head head{};
+        const ssize_t size = ReceiveRecord(socket, head, buffer);
         if (size <= 0) {
             return size < 0 && errno == EAGAIN ? Received::kTimedOut : Received::kClosed;
         }
-        if (kind == Kind::kEnded) {
+        if (head.kind == Kind::kEnded) {
             std::memcpy(&waitStatus, buffer.data(), sizeof(waitStatus));
             return Received::kEnded;
         }
-        text.append(buffer.data(), static_cast<std::size_t>(size) - sizeof(kind));
-        if (kind == Kind::kLastPart) {
+        text.reserve(head.textSizeBytes);
+        text.append(buffer.data(), static_cast<std::size_t>(size) - sizeof(head));
+        if (head.kind == Kind::kLastPart) {
             return Received::kText;
         }
     }
