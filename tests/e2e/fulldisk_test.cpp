@@ -34,7 +34,7 @@ protected:
         setenv("TMPDIR", disk_.Path().c_str(), 1);
         appliance_ = std::make_unique<Appliance>();
         unsetenv("TMPDIR");
-        Upload(*appliance_, MakePackage(kLocalDisplay, "kept"));
+        Upload(*appliance_, MakePackage(kLocalDisplayService, "kept"));
         before_ = Files();
     }
     static void TearDownTestSuite() {
@@ -112,7 +112,7 @@ TEST_F(FullDiskTest, AnUploadFailsWhenTheDiskBecomesFull) {
 }
 
 TEST_F(FullDiskTest, UnpackingFailsWhereverTheDiskIsFull) {
-    const std::string package = MakePackage(kLocalDisplay, Content(kPackageBytes, 1));
+    const std::string package = MakePackage(kLocalDisplayService, Content(kPackageBytes, 1));
     constexpr std::size_t kStep = kPackageBytes / 8;
     for (std::size_t freeBytes = kStep; freeBytes < 2 * package.size(); freeBytes += kStep) {
         SCOPED_TRACE(freeBytes);
@@ -128,7 +128,7 @@ TEST_F(FullDiskTest, UnpackingFailsWhereverTheDiskIsFull) {
 TEST_F(FullDiskTest, AFetchFailsWhereverTheDiskIsFull) {
     const Appliance host;
     Pair(host, *appliance_);
-    const std::string package = MakePackage(kLocalDisplay, Content(kPackageBytes, 1));
+    const std::string package = MakePackage(kLocalDisplayService, Content(kPackageBytes, 1));
     const auto fetch = [&] {
         Json::Value params = Upload(host, package);
         params["isRedirectCgi"] = true;

@@ -25,7 +25,7 @@ std::string Content(std::size_t sizeBytes, unsigned seed) {
 }
 
 std::string MakePackage(int service, const std::string& blob) {
-    const bool isDisplay = service == kLocalDisplay;
+    const bool isDisplay = service == kLocalDisplayService;
     const TemporaryFolder folder;
     const std::string tree = isDisplay ? "tree/" : "tree/device_pack/";
     folder.Write(tree + "conf", "version=\"9.0.0-0001\"\nmaintainer=\"M\"\ncv_min_ver=\"1.0.0-0001\"\n");

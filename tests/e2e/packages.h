@@ -10,8 +10,8 @@
 
 namespace e2e {
 
-inline constexpr int kDevicePack = 1;
-inline constexpr int kLocalDisplay = 6;
+inline constexpr int kDevicePackService = 1;
+inline constexpr int kLocalDisplayService = 6;
 inline constexpr std::size_t kMiB = std::size_t{1} << 20;
 
 // Where the upload area lies in the package.
@@ -24,7 +24,8 @@ std::string Content(std::size_t sizeBytes, unsigned seed);
 std::string MakePackage(int service, const std::string& blob);
 
 // Uploads the package to the appliance. Returns the parameters of "GetPkgInfo" for it.
-Json::Value Upload(const Appliance& appliance, const std::string& package, int service = kLocalDisplay);
+Json::Value Upload(const Appliance& appliance, const std::string& package,
+                   int service = kLocalDisplayService);
 
 // The files in the appliance's upload area.
 std::size_t UploadCount(const Appliance& appliance);

@@ -78,7 +78,7 @@ protected:
 
 TEST_F(PairTest, APackageMovesFromTheHostByteForByte) {
     const std::string blob = Content(3 * kMiB + 1, 1);
-    const Json::Value params = Upload(*host_, MakePackage(kLocalDisplay, blob));
+    const Json::Value params = Upload(*host_, MakePackage(kLocalDisplayService, blob));
     ASSERT_EQ(1U, UploadCount(*host_));
     const Answer answer = GetPkgInfo(*host_, params);
     ASSERT_TRUE(answer.Succeeded()) << answer.body << recorder_->Log();
@@ -95,8 +95,9 @@ TEST_F(PairTest, APackageMovesFromTheHostByteForByte) {
 TEST_F(PairTest, TransfersAtTheSameTimeAreNotMixedUp) {
     const std::string first = Content(8 * kMiB, 1);
     const std::string second = Content(8 * kMiB, 2);
-    const Json::Value display = Upload(*host_, MakePackage(kLocalDisplay, first), kLocalDisplay);
-    const Json::Value pack = Upload(*host_, MakePackage(kDevicePack, second), kDevicePack);
+    const Json::Value display =
+        Upload(*host_, MakePackage(kLocalDisplayService, first), kLocalDisplayService);
+    const Json::Value pack = Upload(*host_, MakePackage(kDevicePackService, second), kDevicePackService);
     auto other = std::async(std::launch::async, [&] { return GetPkgInfo(*host_, display); });
     EXPECT_TRUE(GetPkgInfo(*host_, pack).Succeeded());
     EXPECT_TRUE(other.get().Succeeded());
@@ -138,7 +139,7 @@ TEST_F(PairTest, ABrokenPairMovesNothing) {
     for (const BrokenPair& c : kBrokenPairs) {
         SCOPED_TRACE(c.name);
         Pair(*host_, *recorder_);
-        Json::Value params = Upload(*host_, MakePackage(kLocalDisplay, "x"));
+        Json::Value params = Upload(*host_, MakePackage(kLocalDisplayService, "x"));
         c.breakIt(*recorder_);
         params["isRedirectCgi"] = true;
         ExpectNoFetch(recorder_->Owner().AddOns("GetPkgInfo", params));
@@ -149,7 +150,7 @@ TEST_F(PairTest, ABrokenPairMovesNothing) {
 }
 
 TEST_F(PairTest, AClockThatIsOffByAnHourMovesNothing) {
-    const Json::Value params = Upload(*host_, MakePackage(kLocalDisplay, "x"));
+    const Json::Value params = Upload(*host_, MakePackage(kLocalDisplayService, "x"));
     const std::string made = std::to_string(std::time(nullptr) - 3600);
     Json::Value request = Param("filePath", params["pkgInfo"]["filePath"]);
     request["client"] = "REC_SERVER";
@@ -214,7 +215,7 @@ private:
 TEST_F(PairTest, AHostThatIsKilledInMidTransferLeavesNoPart) {
     SlowLine line(host_->Url());
     KeepHost(*recorder_, line.Url(), SecretOf(*recorder_, "secret_out"));
-    Json::Value params = Upload(*host_, MakePackage(kLocalDisplay, Content(32 * kMiB, 1)));
+    Json::Value params = Upload(*host_, MakePackage(kLocalDisplayService, Content(32 * kMiB, 1)));
     params["isRedirectCgi"] = true;
     auto answer =
         std::async(std::launch::async, [&] { return recorder_->Owner().AddOns("GetPkgInfo", params); });
@@ -224,11 +225,11 @@ TEST_F(PairTest, AHostThatIsKilledInMidTransferLeavesNoPart) {
     ExpectNoFetch(answer.get());
     host_->Launch();
     Pair(*host_, *recorder_);
-    ExpectFetch(Upload(*host_, MakePackage(kLocalDisplay, "x")));
+    ExpectFetch(Upload(*host_, MakePackage(kLocalDisplayService, "x")));
 }
 
 TEST_F(PairTest, AHostThatIsStoppedIsAnErrorAndNoMore) {
-    Json::Value params = Upload(*host_, MakePackage(kLocalDisplay, "x"));
+    Json::Value params = Upload(*host_, MakePackage(kLocalDisplayService, "x"));
     params["isRedirectCgi"] = true;
     host_->Stop();
     ExpectNoFetch(recorder_->Owner().AddOns("GetPkgInfo", params));
@@ -272,7 +273,7 @@ private:
 TEST_F(PairTest, ATransferIsHeldInMemoryLessThanThreeTimes) {
     constexpr std::size_t kSizeMiB = 64;
     const Json::Value params =
-        Upload(*host_, MakePackage(kLocalDisplay, Content(kSizeMiB * kMiB - 100'000, 1)));
+        Upload(*host_, MakePackage(kLocalDisplayService, Content(kSizeMiB * kMiB - 100'000, 1)));
     PeakWatch sender({host_->RequestServer()});
     PeakWatch receiver({recorder_->RequestServer()});
     EXPECT_TRUE(GetPkgInfo(*host_, params).Succeeded());
@@ -300,7 +301,7 @@ TEST_F(PairTest, ACodeIsGoodForOnePairing) {
 TEST_F(PairTest, APairThatTheServerDoesNotKeepIsNotKeptByTheHost) {
     const std::vector<std::string> join = {"pair", "join", host_->Url(), NewCode(*host_), "--as", "no/name"};
     EXPECT_EQ(1, StartCtl(*recorder_, join).Wait().status);
-    ExpectFetch(Upload(*host_, MakePackage(kLocalDisplay, "x")));
+    ExpectFetch(Upload(*host_, MakePackage(kLocalDisplayService, "x")));
 }
 
 struct PageCase {
@@ -372,7 +373,7 @@ TEST_F(PairTest, CallsAreRelayedToTheServerOfThatName) {
 
 TEST_F(PairTest, SecretsAreInTheDatabaseOnly) {
     const std::string code = NewCode(*host_);
-    ExpectFetch(Upload(*host_, MakePackage(kLocalDisplay, "x")));
+    ExpectFetch(Upload(*host_, MakePackage(kLocalDisplayService, "x")));
     const std::string secrets[] = {code, SecretOf(*host_, "secret_in"), SecretOf(*host_, "secret_out")};
     EXPECT_EQ(secrets[1], SecretOf(*recorder_, "secret_out"));
     for (const Appliance* appliance : {host_.get(), recorder_.get()}) {

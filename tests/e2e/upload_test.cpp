@@ -201,10 +201,10 @@ struct ClientCase {
 };
 
 const ClientCase kClientCases[] = {
-    {"good", kLocalDisplay, 0, 0, "Version         9.0.0-0001\n"},
-    {"refused", kDevicePack, 0, 4, "does not take x.spk: it is no valid package for this service\n"},
+    {"good", kLocalDisplayService, 0, 0, "Version         9.0.0-0001\n"},
+    {"refused", kDevicePackService, 0, 4, "does not take x.spk: it is no valid package for this service\n"},
     // More than can be sent before the host gives the connection up.
-    {"too_large", kLocalDisplay, 100'000 * kMiB, 4,
+    {"too_large", kLocalDisplayService, 100'000 * kMiB, 4,
      "Upload failed (error 1006): The request is too large.\n"},
 };
 

@@ -37,3 +37,8 @@ bool MountSmallDisk(const std::string& folder, std::size_t sizeBytes) {
     return EnterNamespace() && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
            mount("none", folder.c_str(), "tmpfs", 0, options.c_str()) == 0;
 }
+
+bool ResizeSmallDisk(const std::string& folder, std::size_t sizeBytes) {
+    const std::string options = "size=" + std::to_string(sizeBytes);
+    return mount("none", folder.c_str(), nullptr, MS_REMOUNT, options.c_str()) == 0;
+}

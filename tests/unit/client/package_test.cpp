@@ -1,6 +1,7 @@
 // "pkg build" and "check": whole packages and whole programs.
+#include "support/packages.h"
+
 #include "fakeappliance.h"
-#include "packages.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

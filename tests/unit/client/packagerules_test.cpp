@@ -2,7 +2,7 @@
 #include "client/packagerules.h"
 
 #include "client/plainfile.h"
-#include "packages.h"
+#include "support/packages.h"
 #include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>

@@ -1,12 +1,13 @@
 // tar as the appliance has it.
 #include "libcamvora/unpack.h"
 #include "platform/files.h"
+#include "support/listing.h"
 #include "support/smalldisk.h"
+#include "support/tararchive.h"
 #include "support/temporaryfolder.h"
 
 #include "capturedlog.h"
 #include "children.h"
-#include "tararchive.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -16,8 +17,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -26,29 +25,8 @@ namespace {
 namespace fs = std::filesystem;
 
 using std::chrono::seconds;
-using Listing = std::map<std::string, std::string>;  // what each path is and holds
 
 constexpr camvora::UnpackLimits kLimits{1'000'000, 50};
-
-std::string Describe(const fs::path& path) {
-    struct stat status {};
-    (void)lstat(path.c_str(), &status);
-    const std::string mode = std::to_string(status.st_mode);
-    if (S_ISLNK(status.st_mode)) {
-        return mode + " to " + fs::read_symlink(path).string();
-    }
-    std::ifstream file(path, std::ios::binary);
-    return S_ISREG(status.st_mode) ? mode + " " + std::string(std::istreambuf_iterator<char>(file), {})
-                                   : mode;
-}
-
-Listing ListingOf(const std::string& folder) {
-    Listing listing;
-    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        listing[entry.path().lexically_relative(folder)] = Describe(entry.path());
-    }
-    return listing;
-}
 
 class UnpackTest : public testing::Test {
 protected:

@@ -1,4 +1,4 @@
-#include "tararchive.h"
+#include "support/tararchive.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "packages.h"
+#include "support/packages.h"
 
 #include <archive.h>
 #include <archive_entry.h>
@@ -24,7 +24,7 @@ void Add(archive* writer, const TestEntry& from) {
     archive_entry* entry = archive_entry_new();
     archive_entry_copy_pathname(entry, from.name.c_str());
     archive_entry_set_filetype(entry, TypeOf(from.kind));
-    archive_entry_set_perm(entry, 0644);
+    archive_entry_set_perm(entry, from.kind == 'd' ? 0755 : 0644);
     archive_entry_set_size(entry, from.kind == 'f' ? static_cast<la_int64_t>(from.content.size()) : 0);
     if (from.kind == 'l') {
         archive_entry_copy_symlink(entry, from.content.c_str());
@@ -79,6 +79,7 @@ std::string Gzip(const std::string& bytes) {
     archive* writer = archive_write_new();
     archive_write_set_format_raw(writer);
     archive_write_add_filter_gzip(writer);
+    archive_write_set_bytes_in_last_block(writer, 1);
     archive_write_open(writer, &text, nullptr, Append, nullptr);
     Add(writer, {"raw", bytes});
     archive_write_free(writer);
