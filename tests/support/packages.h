@@ -6,7 +6,7 @@
 
 struct TestEntry {
     std::string name;
-    std::string content = "";  // of a link: where it leads
+    std::string content = {};  // of a link: where it leads
     char kind = 'f';           // file, 'd' folder, 'l' link, 'h' hard link, 'p' pipe
 };
 
