@@ -17,7 +17,7 @@ namespace {
 constexpr int kErrFailed = 400;
 constexpr char kFileField[] = "addonsSpkFile";
 constexpr char kStoredFile[] = "addonsSpkFile_tmp";
-constexpr std::size_t kFileLimitBytes = 0x5FFFFFF0;  // a JSON value takes less than 2 GiB of text
+constexpr std::size_t kFileLimitBytes = 0x5FFFFF00;  // a JSON value takes less than 2 GiB of text
 
 struct Free {
     void operator()(void* memory) const { std::free(memory); }

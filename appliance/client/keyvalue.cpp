@@ -21,13 +21,13 @@ std::string_view Unquoted(std::string_view value) {
 
 }  // namespace
 
-std::optional<std::string> ValueOf(std::string_view text, std::string_view key) {
+std::optional<std::string> ValueOf(std::string_view text, std::string_view key, std::size_t limitBytes) {
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
         const std::size_t equals = line.find('=');
         if (equals != std::string_view::npos && Trimmed(line.substr(0, equals)) == key) {
             const std::string_view value = Unquoted(Trimmed(line.substr(equals + 1)));
-            return std::string(value.substr(0, std::min(value.find('\0'), kValueLimitBytes)));
+            return std::string(value.substr(0, std::min(value.find('\0'), limitBytes)));
         }
         text.remove_prefix(std::min(line.size() + 1, text.size()));
     }

@@ -14,7 +14,8 @@ inline constexpr std::size_t kValueLimitBytes = 255;              // the applian
 inline constexpr std::size_t kKeyFileLimitBytes = 1024UL * 1024;  // the appliance reads no larger file
 
 // The value of `key` in `text` as the appliance reads it; nothing when there is no such line.
-std::optional<std::string> ValueOf(std::string_view text, std::string_view key);
+std::optional<std::string> ValueOf(std::string_view text, std::string_view key,
+                                   std::size_t limitBytes = kValueLimitBytes);
 
 // The line, with its end, that gives `key` that value. The value has no quote, line end or NUL.
 std::string KeyValueLine(const std::string& key, const std::string& value);

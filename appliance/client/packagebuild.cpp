@@ -41,11 +41,11 @@ public:
     }
 
     std::string Value(const std::string& key) const {
-        std::string value = ValueOf(text_, key).value_or("");
+        std::string value = ValueOf(text_, key, std::string::npos).value_or("");
         if (value.empty()) {
             throw WrongSetting(file_, key, "is missing");
         }
-        if (value.size() == kValueLimitBytes ||
+        if (value.size() > kValueLimitBytes ||
             value.find_first_of(kForbiddenInValues) != std::string::npos) {
             throw WrongSetting(file_, key, "is too long or has a quote in it");
         }

@@ -79,7 +79,7 @@ Reply Pairing::RedeemCode(const std::string& body) {
     data["secretIn"] = server.secretOut;
     data["secretOut"] = server.secretIn;
     const std::lock_guard<std::mutex> lock(mutex_);
-    made_[server.name] = server;
+    made_[server.name] = {server, std::chrono::steady_clock::now() + PairingCodes::kValidity};
     return SuccessReply(data);
 }
 
@@ -93,13 +93,11 @@ Reply Pairing::Confirm(const std::string& body) {
     }
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto made = made_.find(name);
-    if (made == made_.end() ||
-        CRYPTO_memcmp(secret.data(), made->second.secretIn.data(), secret.size()) != 0) {
+    if (made == made_.end() || std::chrono::steady_clock::now() > made->second.until ||
+        CRYPTO_memcmp(secret.data(), made->second.server.secretIn.data(), secret.size()) != 0) {
         return ReplyFor(FrameworkError::kWrongPairingCode);
     }
-    Reply reply = ReplyForKeeping(made->second, Json::Value());
-    made_.erase(made);
-    return reply;
+    return ReplyForKeeping(made->second.server, Json::Value());
 }
 
 Reply Pairing::KeepHost(const std::string& body) {

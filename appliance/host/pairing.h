@@ -6,6 +6,7 @@
 
 #include "libcamvora/pairs.h"
 
+#include <chrono>
 #include <map>
 #include <mutex>
 #include <string>
@@ -37,9 +38,14 @@ public:
     static Reply Forget(const std::string& name);
 
 private:
+    struct Made {
+        camvora::Pair server;
+        std::chrono::steady_clock::time_point until;  // it can be confirmed
+    };
+
     PairingCodes codes_;
     std::mutex mutex_;
-    std::map<std::string, camvora::Pair> made_;  // by name, until they are confirmed
+    std::map<std::string, Made> made_;  // by name; the last one can be confirmed more than once
 };
 
 }  // namespace host

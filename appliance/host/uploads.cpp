@@ -42,7 +42,7 @@ std::optional<FrameworkError> Uploads::Begin(const std::string& field, const std
     if (const auto failure = EndFile()) {
         return failure;
     }
-    if (!area_.HasRoomFor(announcedSize_)) {
+    if (files_.empty() && !area_.HasRoomFor(announcedSize_)) {
         return FrameworkError::kNoSpace;
     }
     File& file = files_[field];

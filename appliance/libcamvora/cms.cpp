@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstddef>
 #include <ctime>
+#include <exception>
 #include <new>
 #include <optional>
 #include <string>
@@ -25,8 +26,8 @@ constexpr char kApi[] = "api";
 constexpr char kMethod[] = "method";
 constexpr char kVersion[] = "version";
 
-// As text: enough for the largest file that an upload may have, and less than a JSON text may be long.
-constexpr std::size_t kReplyLimitBytes = std::size_t{3} << 29;
+// Enough for the largest file that the host gives away: it has lost it by then.
+constexpr std::size_t kReplyLimitBytes = 0x7FFFFFFF;
 
 bool isCallerPaired = false;
 
@@ -77,6 +78,8 @@ std::string CallHost(const camvora::Pair& host, camvora::PeerCall call, Json::Va
         return TakeReply(camvora::CallPeer(host, std::move(call)), reply);
     } catch (const std::bad_alloc&) {
         return "there is not enough memory for its reply";
+    } catch (const std::exception& failure) {
+        return failure.what();
     }
 }
 

@@ -3,6 +3,7 @@
 // process, not a group.
 #include "libcamvora/program.h"
 
+#include "libcamvora/cappedoutput.h"
 #include "libcamvora/descriptor.h"
 
 #include <fcntl.h>
@@ -50,9 +51,12 @@ void ResetSignals() {
     (void)sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-void RedirectStreams(const std::string& outputFile) {
+// `output` is the end of a pipe to print to, or negative: then it prints into its file itself.
+void RedirectStreams(const std::string& outputFile, int output) {
     const int input = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    int output = open(outputFile.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (output < 0) {
+        output = open(outputFile.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    }
     if (output < 0) {
         output = open("/dev/null", O_WRONLY | O_CLOEXEC);
     }
@@ -62,19 +66,24 @@ void RedirectStreams(const std::string& outputFile) {
     (void)close_range(STDERR_FILENO + 1, ~0U, 0);
 }
 
+void Limit(__rlimit_resource resource, const std::optional<rlim_t>& bytes) {
+    if (bytes) {
+        const rlimit limit{*bytes, *bytes};
+        (void)setrlimit(resource, &limit);
+    }
+}
+
 // A program that cannot be started ends as one that was killed.
-[[noreturn]] void BecomeProgram(const Program& program, pid_t keeper) noexcept {
+[[noreturn]] void BecomeProgram(const Program& program, pid_t keeper, int output) noexcept {
     std::vector<std::string> words = {program.path};
     words.insert(words.end(), program.arguments.begin(), program.arguments.end());
     (void)setpgid(0, 0);
     (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
     ResetSignals();
     (void)umask(kUmask);
-    RedirectStreams(program.outputFile);
-    if (program.fileSizeLimitBytes) {
-        const rlimit limit{*program.fileSizeLimitBytes, *program.fileSizeLimitBytes};
-        (void)setrlimit(RLIMIT_FSIZE, &limit);
-    }
+    RedirectStreams(program.outputFile, output);
+    Limit(RLIMIT_FSIZE, program.fileSizeLimitBytes);
+    Limit(RLIMIT_AS, program.memoryLimitBytes);
     if (getppid() == keeper) {
         (void)execve(program.path.c_str(), Pointers(words).data(), Pointers(program.environment).data());
     }
@@ -83,17 +92,28 @@ void RedirectStreams(const std::string& outputFile) {
 }
 
 // Waits until the program ends by itself. Returns false when it has to be ended.
-bool AwaitEnd(const Program& program, int running, int caller, steady_clock::time_point deadline) {
+bool AwaitEnd(const Program& program, int running, int caller, std::optional<CappedOutput>& output,
+              steady_clock::time_point deadline) {
+    auto nextLook = steady_clock::now() + kLookEvery;
     for (;;) {
-        const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
-        std::array<pollfd, 2> ends{{{running, POLLIN, 0}, {caller, POLLIN, 0}}};
-        (void)poll(ends.data(), ends.size(),
-                   static_cast<int>(std::clamp(left, milliseconds(0), kLookEvery).count()));
+        const auto left = std::chrono::ceil<milliseconds>(std::min(deadline, nextLook) - steady_clock::now());
+        std::array<pollfd, 3> ends{
+            {{running, POLLIN, 0}, {caller, POLLIN, 0}, {output ? output->ReadEnd() : -1, POLLIN, 0}}};
+        (void)poll(ends.data(), ends.size(), static_cast<int>(std::max(left, milliseconds(0)).count()));
+        if (ends[2].revents != 0) {
+            output->Take();
+        }
         if (ends[0].revents != 0) {
             return true;
         }
-        if (ends[1].revents != 0 || steady_clock::now() >= deadline || !program.mayGoOn()) {
+        if (ends[1].revents != 0 || steady_clock::now() >= deadline) {
             return false;
+        }
+        if (steady_clock::now() >= nextLook) {
+            if (!program.mayGoOn()) {
+                return false;
+            }
+            nextLook = steady_clock::now() + kLookEvery;
         }
     }
 }
@@ -116,17 +136,27 @@ int EndGroup(pid_t program, rusage& usage) {
     (void)prctl(PR_SET_CHILD_SUBREAPER, 1);
     const pid_t self = getpid();
     const auto begin = steady_clock::now();
+    std::optional<CappedOutput> output;
+    if (program.outputLimitBytes) {
+        output.emplace(program.outputFile, *program.outputLimitBytes);
+    }
     const pid_t pid = fork();
     if (pid == 0) {
-        BecomeProgram(program, self);
+        BecomeProgram(program, self, output ? output->WriteEnd() : -1);
     }
     if (pid > 0) {
         (void)setpgid(pid, pid);  // whichever of the two comes first
+        if (output) {
+            output->CloseWriteEnd();
+        }
         const Descriptor running(pidfd_open(pid, 0));
-        const bool endsByItself =
-            running.IsOpen() && AwaitEnd(program, running.Number(), caller, begin + program.timeLimit);
+        const bool endsByItself = running.IsOpen() && AwaitEnd(program, running.Number(), caller, output,
+                                                               begin + program.timeLimit);
         rusage usage{};
         const int waitStatus = EndGroup(pid, usage);
+        if (output) {
+            output->Take();
+        }
         const ProgramEnd end{endsByItself && WIFEXITED(waitStatus) ? WEXITSTATUS(waitStatus) : -1,
                              std::chrono::duration_cast<milliseconds>(steady_clock::now() - begin),
                              usage.ru_maxrss};

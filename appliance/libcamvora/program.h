@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -18,6 +19,10 @@ struct Program {
     std::string outputFile;                // standard output and error are added to it
     std::chrono::milliseconds timeLimit;
     std::optional<rlim_t> fileSizeLimitBytes = std::nullopt;  // of each file that it writes
+    std::optional<rlim_t> memoryLimitBytes = std::nullopt;    // of addresses, for each process
+
+    // Of what it prints; a process that prints after its end is ended by SIGPIPE then.
+    std::optional<std::size_t> outputLimitBytes = std::nullopt;
 
     // Asked a few times a second while the program runs, in another process; false ends the program.
     std::function<bool()> mayGoOn = [] { return true; };

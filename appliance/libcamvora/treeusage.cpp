@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
@@ -12,7 +13,7 @@ namespace {
 void Add(const char* path, TreeUsage& usage) {
     struct stat status {};
     if (lstat(path, &status) != 0) {
-        usage.isComplete = false;
+        usage.isComplete = usage.isComplete && errno == ENOENT;
         return;
     }
     ++usage.entries;
@@ -33,7 +34,7 @@ TreeUsage UsageOf(const std::string& folder) {
         Add(entry->path().c_str(), usage);
         entry.increment(failure);  // makes it the end where it fails
     }
-    usage.isComplete = usage.isComplete && !failure;
+    usage.isComplete = usage.isComplete && (!failure || failure == std::errc::no_such_file_or_directory);
     return usage;
 }
 

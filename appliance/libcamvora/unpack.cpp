@@ -2,6 +2,7 @@
 
 #include "libcamvora/descriptor.h"
 #include "libcamvora/plainfile.h"
+#include "libcamvora/tarend.h"
 #include "libcamvora/treeusage.h"
 #include "platform/files.h"
 #include "platform/log.h"
@@ -9,13 +10,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -28,13 +26,13 @@ namespace fs = std::filesystem;
 
 constexpr char kTarOptions[] = "TAR_OPTIONS=--no-same-owner --no-same-permissions --force-local";
 
-// Of an archive that is not compressed.
-constexpr std::string_view kMagic = "ustar";
-constexpr off_t kMagicOffset = 257;
-constexpr std::size_t kEndBytes = 1024;  // of zeros
+// Of tar itself, which holds a name as long as the archive has it, and prints it.
+constexpr rlim_t kMemoryLimitBytes = rlim_t{512} << 20;
+constexpr std::size_t kOutputLimitBytes = std::size_t{256} << 10;
 
+// What cannot be looked at may be of any size.
 bool IsWithin(const TreeUsage& usage, const UnpackLimits& limits) {
-    return usage.sizeBytes <= limits.sizeBytes && usage.entries <= limits.entries;
+    return usage.isComplete && usage.sizeBytes <= limits.sizeBytes && usage.entries <= limits.entries;
 }
 
 bool IsFolder(const fs::path& path) {
@@ -93,23 +91,14 @@ bool TakeOver(const std::string& stage, const std::string& folder) {
 
 bool IsAcceptable(const std::string& stage, const UnpackLimits& limits) {
     const TreeUsage usage = UsageOf(stage);
-    return usage.isComplete && !usage.hasSpecialFiles && IsWithin(usage, limits);
+    return !usage.hasSpecialFiles && IsWithin(usage, limits);
 }
 
-// False for what is no plain file, which tar could wait for for ever, and for an archive without its end:
-// where it is not compressed, tar takes one that is cut between two members for whole.
+// False for what is no plain file, which tar could wait for for ever, and for an archive without its end.
 bool HasEnd(const std::string& archive) {
     std::size_t size = 0;
     const Descriptor file = OpenPlainFile(archive.c_str(), size);
-    std::array<char, kMagic.size()> magic{};
-    std::array<char, kEndBytes> end{};
-    if (!file.IsOpen() || pread(file.Number(), magic.data(), magic.size(), kMagicOffset) < 0) {
-        return false;
-    }
-    return std::string_view(magic.data(), magic.size()) != kMagic ||
-           (pread(file.Number(), end.data(), end.size(), static_cast<off_t>(size - kEndBytes)) ==
-                static_cast<ssize_t>(kEndBytes) &&
-            std::all_of(end.begin(), end.end(), [](char byte) { return byte == 0; }));
+    return file.IsOpen() && HasTarEnd(file.Number(), static_cast<off_t>(size));
 }
 
 ProgramEnd UnpackInto(const std::string& stage, Program tar, const std::string& archive,
@@ -117,6 +106,8 @@ ProgramEnd UnpackInto(const std::string& stage, Program tar, const std::string& 
     tar.arguments = {"-C", stage, "-xvf", archive};
     tar.environment.emplace_back(kTarOptions);
     tar.fileSizeLimitBytes = static_cast<rlim_t>(limits.sizeBytes);
+    tar.memoryLimitBytes = kMemoryLimitBytes;
+    tar.outputLimitBytes = kOutputLimitBytes;
     tar.mayGoOn = [&] { return IsWithin(UsageOf(stage), limits); };
     const ProgramEnd end = RunProgram(tar);
     (void)chmod(stage.c_str(), S_IRWXU);  // an archive may set the mode of "."

@@ -56,6 +56,8 @@ void APIUpload::GetUploadParam(Json::Value& form) {
 void APIUpload::GetUploadFile(Json::Value& form) {
     for (const auto& [field, file] : content_.files) {
         form[field] = file.clientName;
+    }
+    for (const auto& [field, file] : content_.files) {  // in place of a name that a client has put there
         form[field + "_tmp"] = file.path;
     }
 }

@@ -15,6 +15,7 @@ namespace e2e {
 namespace {
 
 constexpr unsigned kSeed = 1;
+constexpr int kNoDisk = 2;  // status of a child
 
 class DamagedPackage : public ApplianceTest {
 protected:
@@ -67,7 +68,9 @@ void RunOnSmallDisk() {
     appliance.Stop();
     const std::string folder = WorkDirectory(appliance, kDevicePack);
     std::filesystem::create_directory(folder);
-    ASSERT_TRUE(MountSmallDisk(folder, 65'536)) << "no disk to be had here";
+    if (!MountSmallDisk(folder, 65'536)) {
+        _exit(kNoDisk);
+    }
     appliance.Launch();
     InspectWhileTheDiskGrows(appliance, folder);
 }
@@ -80,6 +83,9 @@ TEST(FullDisk, LetsNoPackagePassBeforeItFits) {
     }
     int status = 0;
     ASSERT_EQ(pid, waitpid(pid, &status, 0));
+    if (WIFEXITED(status) && WEXITSTATUS(status) == kNoDisk) {
+        GTEST_SKIP() << "no small disk can be had here";
+    }
     EXPECT_EQ(0, status);
 }
 

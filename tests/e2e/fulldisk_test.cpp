@@ -114,7 +114,7 @@ TEST_F(FullDiskTest, AnUploadFailsWhenTheDiskBecomesFull) {
 TEST_F(FullDiskTest, UnpackingFailsWhereverTheDiskIsFull) {
     const std::string package = MakePackage(kLocalDisplayService, Content(kPackageBytes, 1));
     constexpr std::size_t kStep = kPackageBytes / 8;
-    for (std::size_t freeBytes = kStep; freeBytes < 2 * package.size(); freeBytes += kStep) {
+    for (std::size_t freeBytes = kStep; freeBytes < 2 * kPackageBytes; freeBytes += kStep) {
         SCOPED_TRACE(freeBytes);
         fs::remove_all(appliance_->PackagePath(kWorkFolder));
         const Json::Value params = Upload(*appliance_, package);

@@ -136,17 +136,31 @@ TEST_F(UnpackTest, BombsAreRefused) {
     EXPECT_TRUE(UnpackBytes(TarOf(many)));
 }
 
-// While it runs, not only afterwards: it would fill the disk first.
+// While it runs, not only afterwards: it would fill the disk first. Within a folder that cannot be looked
+// into, too.
 TEST_F(UnpackTest, ABombIsStoppedOnItsWay) {
     constexpr int kFiles = 60'000;
-    std::string many;
-    for (int i = 0; i < kFiles; ++i) {
-        many += TarOf({{std::to_string(i)}}).substr(0, 512);
+    const std::string last = folder_.PathOf("last");
+    for (const std::string folder : {"", "closed/"}) {
+        std::string many = TarOf({{"closed/", "", '5', "", 0}}).substr(0, 512);
+        for (int i = 0; i < kFiles; ++i) {
+            many += TarOf({{folder + std::to_string(i)}}).substr(0, 512);
+        }
+        EXPECT_TRUE(SucceedsInChild([&] {
+            return GiveUpPrivileges() && !UnpackBytes(many + std::string(1024, '\0')) &&
+                   folder_.Read("output").find(std::to_string(kFiles - 1)) == std::string::npos;
+        }));
+        EXPECT_EQ(1U, ListingOf(folder_.PathOf("work")).size());
     }
-    EXPECT_FALSE(UnpackBytes(many + std::string(1024, '\0')));
-    const std::string output = folder_.Read("output");
-    EXPECT_LT(std::count(output.begin(), output.end(), '\n'), kFiles);
-    EXPECT_EQ(1U, ListingOf(folder_.PathOf("work")).size());
+}
+
+// tar holds it in memory and prints it, again with each complaint.
+TEST_F(UnpackTest, AVeryLongNameIsNotPrintedWhole) {
+    for (const std::size_t sizeMiB : {std::size_t{8}, std::size_t{300}}) {
+        const std::string name(sizeMiB << 20, 'n');
+        EXPECT_FALSE(UnpackBytes(TarOf({{"././@LongLink", name, 'L'}, {"x", "x"}})));
+        EXPECT_LE(folder_.Read("output").size(), std::size_t{1} << 20);
+    }
 }
 
 TEST_F(UnpackTest, WhatIsNoPlainFileIsNotWaitedFor) {
@@ -173,12 +187,14 @@ TEST_F(UnpackTest, ACutArchiveLeavesWhatWasThere) {
 
 // tar itself takes it for whole.
 TEST_F(UnpackTest, AnArchiveThatIsNotCompressedNeedsItsEnd) {
-    const std::string whole = TarOf({{"a", "x"}, {"b", "x"}});
-    for (const std::size_t size : {whole.size() - 1024, std::size_t{1024}}) {
+    const std::string whole = TarOf({{"a", "x"}, {"b", std::string(1024, '\0')}, {"c", "x"}});
+    for (const std::size_t size :
+         {whole.size() - 1024, whole.size() - 512, std::size_t{1024}, std::size_t{2560}}) {
         EXPECT_FALSE(UnpackBytes(whole.substr(0, size))) << size;
         EXPECT_EQ(1U, ListingOf(folder_.PathOf("work")).size()) << size;
     }
     EXPECT_TRUE(UnpackBytes(whole));
+    EXPECT_TRUE(UnpackBytes(whole + std::string(9000, '\0')));
 }
 
 TEST_F(UnpackTest, AFullDiskLeavesWhatWasThere) {
