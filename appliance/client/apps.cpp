@@ -1,12 +1,11 @@
 // camvoractl apps [--lang LANGUAGE]
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/failure.h"
 #include "client/jsontext.h"
 #include "client/plainwords.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 #include <memory>
 
@@ -36,11 +35,11 @@ void Apps(Session& session, const std::string& language) {
 
 }  // namespace
 
-void AddApps(CLI::App& program, Session& session) {
-    CLI::App* command = program.add_subcommand("apps", "Show the web applications");
+void AddApps(Command program, Session& session) {
+    Command command = program.Add("apps", "Show the web applications");
     const auto language = std::make_shared<std::string>();
-    command->add_option("--lang", *language, "Language of the titles, as in \"de\"");
-    command->callback([&session, language] { Apps(session, *language); });
+    command.Option("--lang", *language, "TEXT", "Language of the titles, as in \"de\"");
+    command.Run([&session, language] { Apps(session, *language); });
 }
 
 }  // namespace client

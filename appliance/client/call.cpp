@@ -1,12 +1,11 @@
 // camvoractl call METHOD [name=value ...]
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/failure.h"
 #include "client/jsontext.h"
 #include "client/parameters.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 #include <algorithm>
 #include <memory>
@@ -51,12 +50,13 @@ void Call(Session& session, const CallArguments& arguments) {
 
 }  // namespace
 
-void AddCall(CLI::App& program, Session& session) {
-    CLI::App* command = program.add_subcommand("call", "Call a method of the appliance");
+void AddCall(Command program, Session& session) {
+    Command command = program.Add("call", "Call a method of the appliance");
     const auto arguments = std::make_shared<CallArguments>();
-    command->add_option("METHOD", arguments->method, "Name of the method")->required();
-    command->add_option("PARAMETER", arguments->params, "name=value: JSON where it is JSON, otherwise text");
-    command->callback([&session, arguments] { Call(session, *arguments); });
+    command.Argument("METHOD", arguments->method, "Name of the method");
+    command.OptionalArguments("PARAMETER", arguments->params,
+                              "name=value: JSON where it is JSON, otherwise text");
+    command.Run([&session, arguments] { Call(session, *arguments); });
 }
 
 }  // namespace client

@@ -1,5 +1,6 @@
 // camvoractl check FILE
 #include "client/appliancefacts.h"
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/failure.h"
 #include "client/packagerules.h"
@@ -7,8 +8,6 @@
 #include "client/plainfile.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 #include <filesystem>
 #include <memory>
@@ -78,12 +77,11 @@ void Check(const Session& session, const std::string& path) {
 
 }  // namespace
 
-void AddCheck(CLI::App& program, Session& session) {
-    CLI::App* command =
-        program.add_subcommand("check", "Tell whether the appliance would take a package file");
+void AddCheck(Command program, Session& session) {
+    Command command = program.Add("check", "Tell whether the appliance would take a package file");
     const auto path = std::make_shared<std::string>();
-    command->add_option("FILE", *path, "Package file")->required();
-    command->callback([&session, path] { Check(session, *path); });
+    command.Argument("FILE", *path, "Package file");
+    command.Run([&session, path] { Check(session, *path); });
 }
 
 }  // namespace client

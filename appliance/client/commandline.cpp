@@ -1,5 +1,6 @@
 #include "client/commandline.h"
 
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/exitstatus.h"
 #include "client/failure.h"
@@ -20,7 +21,7 @@ namespace client {
 namespace {
 
 // In the order of the help.
-constexpr void (*kCommands[])(CLI::App&, Session&) = {
+constexpr void (*kCommands[])(Command, Session&) = {
     AddList,   AddStatus, AddControl, AddUpload,  AddCheck, AddPkg,
     AddEvents, AddLog,    AddApps,    AddMethods, AddCall,  AddPair,
 };
@@ -79,7 +80,7 @@ void AddOptions(CLI::App& program, GlobalOptions& options) {
 void AddCommands(CLI::App& program, Session& session) {
     program.footer(kCommandFooter);  // handed down to the commands
     for (const auto add : kCommands) {
-        add(program, session);
+        add(Command(program), session);
     }
     program.footer(kExamples + ExitStatusHelp());
 }

@@ -3,25 +3,22 @@
 // and session must live until then.
 #pragma once
 
-namespace CLI {
-class App;
-}
-
 namespace client {
 
+class Command;
 class Session;
 
-void AddList(CLI::App& program, Session& session);
-void AddStatus(CLI::App& program, Session& session);
-void AddControl(CLI::App& program, Session& session);  // start, stop and restart
-void AddEvents(CLI::App& program, Session& session);
-void AddLog(CLI::App& program, Session& session);
-void AddApps(CLI::App& program, Session& session);
-void AddMethods(CLI::App& program, Session& session);
-void AddCall(CLI::App& program, Session& session);
-void AddUpload(CLI::App& program, Session& session);
-void AddCheck(CLI::App& program, Session& session);
-void AddPkg(CLI::App& program, Session& session);
-void AddPair(CLI::App& program, Session& session);  // code, join, list and remove
+void AddList(Command program, Session& session);
+void AddStatus(Command program, Session& session);
+void AddControl(Command program, Session& session);  // start, stop and restart
+void AddEvents(Command program, Session& session);
+void AddLog(Command program, Session& session);
+void AddApps(Command program, Session& session);
+void AddMethods(Command program, Session& session);
+void AddCall(Command program, Session& session);
+void AddUpload(Command program, Session& session);
+void AddCheck(Command program, Session& session);
+void AddPkg(Command program, Session& session);
+void AddPair(Command program, Session& session);  // code, join, list and remove
 
 }  // namespace client

@@ -1,4 +1,5 @@
 // camvoractl start|stop|restart SERVICE [--no-wait]
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/jsontext.h"
 #include "client/localtime.h"
@@ -7,8 +8,6 @@
 #include "client/servicewait.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 #include <memory>
 
@@ -89,20 +88,20 @@ void Run(Session& session, const Control& control, const ControlArguments& argum
     session.Print(info, Sentence(WhatWasSeen(service, info)));
 }
 
-void AddOne(CLI::App& program, Session& session, const Control& control) {
-    CLI::App* command = program.add_subcommand(control.command, control.help);
+void AddOne(Command program, Session& session, const Control& control) {
+    Command command = program.Add(control.command, control.help);
     if (*control.alias != '\0') {
-        command->alias(control.alias);
+        command.Alias(control.alias);
     }
     const auto arguments = std::make_shared<ControlArguments>();
-    command->add_option("SERVICE", arguments->service, "Number or short name of the service")->required();
-    command->add_flag("!--no-wait", arguments->isWaiting, "Do not look at what became of the service");
-    command->callback([&session, &control, arguments] { Run(session, control, *arguments); });
+    command.Argument("SERVICE", arguments->service, "Number or short name of the service");
+    command.Flag("!--no-wait", arguments->isWaiting, "Do not look at what became of the service");
+    command.Run([&session, &control, arguments] { Run(session, control, *arguments); });
 }
 
 }  // namespace
 
-void AddControl(CLI::App& program, Session& session) {
+void AddControl(Command program, Session& session) {
     for (const Control& control : kControls) {
         AddOne(program, session, control);
     }

@@ -1,4 +1,5 @@
 // camvoractl events
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/eventparser.h"
 #include "client/jsontext.h"
@@ -9,8 +10,6 @@
 #include "client/table.h"
 
 #include <unistd.h>
-#include <CLI/App.hpp>
-
 #include <map>
 
 namespace client {
@@ -112,9 +111,10 @@ Table Follower::Line(const Json::Value& notification) const {
 
 }  // namespace
 
-void AddEvents(CLI::App& program, Session& session) {
-    program.add_subcommand("events", "Show what happens to the services, as it happens, until Ctrl-C")
-        ->callback([&session] { Follower(session).Follow(); });
+void AddEvents(Command program, Session& session) {
+    program.Add("events", "Show what happens to the services, as it happens, until Ctrl-C").Run([&session] {
+        Follower(session).Follow();
+    });
 }
 
 }  // namespace client

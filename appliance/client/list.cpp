@@ -1,12 +1,11 @@
 // camvoractl list
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/jsontext.h"
 #include "client/servicefields.h"
 #include "client/services.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 namespace client {
 namespace {
@@ -26,8 +25,8 @@ void List(Session& session) {
 
 }  // namespace
 
-void AddList(CLI::App& program, Session& session) {
-    program.add_subcommand("list", "Show all services")->callback([&session] { List(session); });
+void AddList(Command program, Session& session) {
+    program.Add("list", "Show all services").Run([&session] { List(session); });
 }
 
 }  // namespace client

@@ -1,12 +1,11 @@
 // camvoractl log [REQUEST] [--follow]
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/failure.h"
 #include "client/loglines.h"
 #include "client/operationlog.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 #include <memory>
 
@@ -40,15 +39,14 @@ void Log(Session& session, const LogArguments& arguments) {
 
 }  // namespace
 
-void AddLog(CLI::App& program, Session& session) {
-    CLI::App* command =
-        program.add_subcommand("log", "Show the operation log, or what was logged for a request");
+void AddLog(Command program, Session& session) {
+    Command command = program.Add("log", "Show the operation log, or what was logged for a request");
     const auto arguments = std::make_shared<LogArguments>();
-    CLI::Option* request = command->add_option("REQUEST", arguments->requestId,
-                                               "Id of a request, as failures, --no-wait and the log name it");
-    command->add_flag("--follow", arguments->follow, "Go on showing entries as they come, until Ctrl-C")
-        ->excludes(request);
-    command->callback([&session, arguments] { Log(session, *arguments); });
+    command.OptionalArgument("REQUEST", arguments->requestId,
+                             "Id of a request, as failures, --no-wait and the log name it");
+    command.Flag("--follow", arguments->follow, "Go on showing entries as they come, until Ctrl-C");
+    command.Exclude("--follow", "REQUEST");
+    command.Run([&session, arguments] { Log(session, *arguments); });
 }
 
 }  // namespace client

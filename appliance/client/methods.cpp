@@ -1,11 +1,10 @@
 // camvoractl methods
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/failure.h"
 #include "client/jsontext.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 namespace client {
 namespace {
@@ -31,8 +30,8 @@ void Methods(Session& session) {
 
 }  // namespace
 
-void AddMethods(CLI::App& program, Session& session) {
-    program.add_subcommand("methods", "Show the methods that the appliance serves")->callback([&session] {
+void AddMethods(Command program, Session& session) {
+    program.Add("methods", "Show the methods that the appliance serves").Run([&session] {
         Methods(session);
     });
 }

@@ -45,8 +45,7 @@ public:
         if (value.empty()) {
             throw WrongSetting(file_, key, "is missing");
         }
-        if (value.size() > kValueLimitBytes ||
-            value.find_first_of(kForbiddenInValues) != std::string::npos) {
+        if (value.size() > kValueLimitBytes || value.find_first_of(kForbiddenInValues) != std::string::npos) {
             throw WrongSetting(file_, key, "is too long or has a quote in it");
         }
         return value;

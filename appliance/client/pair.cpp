@@ -1,11 +1,10 @@
 // camvoractl pair code NAME, pair join HOST_URL CODE, pair list, pair remove NAME
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/failure.h"
 #include "client/jsontext.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 #include <algorithm>
 #include <initializer_list>
@@ -118,37 +117,35 @@ void RemovePair(Session& session, const std::string& name) {
     session.Say(name + " is no longer paired with this appliance. The other side still keeps the pair.");
 }
 
-void AddJoin(CLI::App& pair, Session& session) {
-    CLI::App* command = pair.add_subcommand("join", "Pair this recording server with its CMS host");
+void AddJoin(Command pair, Session& session) {
+    Command command = pair.Add("join", "Pair this recording server with its CMS host");
     const auto arguments = std::make_shared<JoinArguments>();
-    command->add_option("HOST_URL", arguments->hostUrl, "Address of the host, http://HOST:PORT")->required();
-    command->add_option("CODE", arguments->code, "The code that \"pair code\" printed there")->required();
-    command->add_option("--as", arguments->hostName, "What to call the host")->option_text("NAME [host]");
-    command
-        ->add_option("--own-url", arguments->ownUrl,
-                     "Address at which the host reaches this appliance. Default: the one it serves on")
-        ->option_text("http://HOST:PORT");
-    command->callback([&session, arguments] { Join(session, *arguments); });
+    command.Argument("HOST_URL", arguments->hostUrl, "Address of the host, http://HOST:PORT");
+    command.Argument("CODE", arguments->code, "The code that \"pair code\" printed there");
+    command.Option("--as", arguments->hostName, "NAME [host]", "What to call the host");
+    command.Option("--own-url", arguments->ownUrl, "http://HOST:PORT",
+                   "Address at which the host reaches this appliance. Default: the one it serves on");
+    command.Run([&session, arguments] { Join(session, *arguments); });
 }
 
 // A command with the one argument NAME.
-void AddNamed(CLI::App& pair, Session& session, const char* name, const char* help,
+void AddNamed(Command pair, Session& session, const char* name, const char* help,
               void (*run)(Session&, const std::string&)) {
-    CLI::App* command = pair.add_subcommand(name, help);
+    Command command = pair.Add(name, help);
     const auto server = std::make_shared<std::string>();
-    command->add_option("NAME", *server, "Name of the server")->required();
-    command->callback([&session, server, run] { run(session, *server); });
+    command.Argument("NAME", *server, "Name of the server");
+    command.Run([&session, server, run] { run(session, *server); });
 }
 
 }  // namespace
 
-void AddPair(CLI::App& program, Session& session) {
-    CLI::App* pair = program.add_subcommand("pair", "Pair a recording server with a CMS host");
-    pair->require_subcommand(1);
-    AddNamed(*pair, session, "code", "On the host: make a one-time code for a recording server", MakeCode);
-    AddJoin(*pair, session);
-    pair->add_subcommand("list", "Show the paired servers")->callback([&session] { ListPairs(session); });
-    AddNamed(*pair, session, "remove", "Forget a paired server", RemovePair);
+void AddPair(Command program, Session& session) {
+    Command pair = program.Add("pair", "Pair a recording server with a CMS host");
+    pair.NeedsCommand();
+    AddNamed(pair, session, "code", "On the host: make a one-time code for a recording server", MakeCode);
+    AddJoin(pair, session);
+    pair.Add("list", "Show the paired servers").Run([&session] { ListPairs(session); });
+    AddNamed(pair, session, "remove", "Forget a paired server", RemovePair);
 }
 
 }  // namespace client

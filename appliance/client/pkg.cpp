@@ -1,10 +1,9 @@
 // camvoractl pkg build DIR -o FILE
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/packagebuild.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 #include <memory>
 
@@ -37,19 +36,15 @@ void Build(const Session& session, const BuildArguments& arguments) {
 
 }  // namespace
 
-void AddPkg(CLI::App& program, Session& session) {
-    CLI::App* pkg = program.add_subcommand("pkg", "Make package files")->require_subcommand(1);
-    CLI::App* command = pkg->add_subcommand("build", "Make a package file from an add-on's tree");
+void AddPkg(Command program, Session& session) {
+    Command pkg = program.Add("pkg", "Make package files");
+    pkg.NeedsCommand();
+    Command command = pkg.Add("build", "Make a package file from an add-on's tree");
     const auto arguments = std::make_shared<BuildArguments>();
-    command
-        ->add_option("DIR", arguments->dir, "Folder with the folder \"tree\" and the file \"package.conf\"")
-        ->required();
-    command->add_option("-o,--output", arguments->packageFile, "Package file to write")
-        ->required()
-        ->option_text("FILE");
-    command->add_option("--settings", arguments->settingsFile, "Settings instead of DIR/package.conf")
-        ->option_text("FILE");
-    command->callback([&session, arguments] { Build(session, *arguments); });
+    command.Argument("DIR", arguments->dir, "Folder with the folder \"tree\" and the file \"package.conf\"");
+    command.RequiredOption("-o,--output", arguments->packageFile, "FILE", "Package file to write");
+    command.Option("--settings", arguments->settingsFile, "FILE", "Settings instead of DIR/package.conf");
+    command.Run([&session, arguments] { Build(session, *arguments); });
 }
 
 }  // namespace client

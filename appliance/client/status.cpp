@@ -1,4 +1,5 @@
 // camvoractl status SERVICE
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/failure.h"
 #include "client/jsontext.h"
@@ -6,8 +7,6 @@
 #include "client/services.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 #include <memory>
 
@@ -53,11 +52,11 @@ void Status(Session& session, const std::string& service) {
 
 }  // namespace
 
-void AddStatus(CLI::App& program, Session& session) {
-    CLI::App* command = program.add_subcommand("status", "Show one service");
+void AddStatus(Command program, Session& session) {
+    Command command = program.Add("status", "Show one service");
     const auto service = std::make_shared<std::string>();
-    command->add_option("SERVICE", *service, "Number or short name of the service")->required();
-    command->callback([&session, service] { Status(session, *service); });
+    command.Argument("SERVICE", *service, "Number or short name of the service");
+    command.Run([&session, service] { Status(session, *service); });
 }
 
 }  // namespace client

@@ -1,4 +1,5 @@
 // camvoractl upload FILE SERVICE
+#include "client/command.h"
 #include "client/commands.h"
 #include "client/failure.h"
 #include "client/formfile.h"
@@ -8,8 +9,6 @@
 #include "client/services.h"
 #include "client/session.h"
 #include "client/table.h"
-
-#include <CLI/App.hpp>
 
 #include <filesystem>
 #include <memory>
@@ -73,13 +72,13 @@ void Upload(Session& session, const UploadArguments& arguments) {
 
 }  // namespace
 
-void AddUpload(CLI::App& program, Session& session) {
-    CLI::App* command =
-        program.add_subcommand("upload", "Send a package file to the appliance, which unpacks and checks it");
+void AddUpload(Command program, Session& session) {
+    Command command =
+        program.Add("upload", "Send a package file to the appliance, which unpacks and checks it");
     const auto arguments = std::make_shared<UploadArguments>();
-    command->add_option("FILE", arguments->path, "Package file")->required();
-    command->add_option("SERVICE", arguments->service, "Number or short name of the service")->required();
-    command->callback([&session, arguments] { Upload(session, *arguments); });
+    command.Argument("FILE", arguments->path, "Package file");
+    command.Argument("SERVICE", arguments->service, "Number or short name of the service");
+    command.Run([&session, arguments] { Upload(session, *arguments); });
 }
 
 }  // namespace client
