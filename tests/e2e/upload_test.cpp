@@ -73,6 +73,7 @@ TEST_F(UploadTest, AHandlerSeesTextsAndStoredFiles) {
                                      {"one", one, "../../Ger\xc3\xa4t.spk", "text/plain"},
                                      {"two", two, "/etc/passwd", ""},
                                      {"empty", "", "none", ""},
+                                     {"one_tmp", "", "/etc/passwd", ""},
                                      {"no file", "", "", ""}})
                                  .Data();
     EXPECT_EQ("12 \xc3\xa4", form["text"].asString());
@@ -83,7 +84,7 @@ TEST_F(UploadTest, AHandlerSeesTextsAndStoredFiles) {
     EXPECT_TRUE(one == ReadFile(Outside(form["one_tmp"])));
     EXPECT_TRUE(two == ReadFile(Outside(form["two_tmp"])));
     EXPECT_EQ(0U, fs::file_size(Outside(form["empty_tmp"])));
-    EXPECT_EQ(3U, Files().size());
+    EXPECT_EQ(4U, Files().size());
     EXPECT_EQ(0U, form["one_tmp"].asString().find("/var/packages/Camvora/target/@CVData/upload/"));
     EXPECT_EQ(fs::perms(0600), fs::status(Outside(form["one_tmp"])).permissions());
     EXPECT_EQ(fs::perms(0700), fs::status(Area()).permissions());
