@@ -5,10 +5,10 @@
 namespace {
 
 constexpr AddOnPackage kAddOnPackages[] = {
-    {ADDON_SERVICE_DEVICE_PACK, "Device Pack", "CamvoraDevicePack", kDevicePackTree,
+    {ADDON_SERVICE_DEVICE_PACK, "Device Pack", "CamvoraDevicePack", kDevicePackTree, kDevicePackPlace,
      kMinDevicePackVersionKey},
     {ADDON_SERVICE_LOCAL_DISPLAY, "Local Display", "CamvoraLocalDisplay", kLocalDisplayTree,
-     kMinLocalDisplayVersionKey},
+     kLocalDisplayPlace, kMinLocalDisplayVersionKey},
 };
 
 template <typename Predicate>

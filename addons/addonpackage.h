@@ -10,6 +10,7 @@ struct AddOnPackage {
     const char* displayName;
     const char* package;        // the identifier in INFO
     const char* tree;           // the folder of the add-on's tree in the work directory
+    const char* place;          // where the installed tree lies
     const char* minVersionKey;  // the main package's setting for the lowest version it accepts
 };
 

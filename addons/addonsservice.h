@@ -6,6 +6,8 @@
 
 #include <string>
 
+struct AddOnPackage;
+
 // A file of a service, see AddOns::GetServiceFile.
 enum PROCESS_FILE : int {
     PROCESS_FILE_PID = 0,          // exists while an action process runs
@@ -47,7 +49,20 @@ public:
     // success is followed by a notification to the clients and an operation-log entry. Returns 0, or -1.
     int ExecServiceControl(CONTROL_ACTION action, bool notify);
 
+    // Installs a package in place of the installed add-on, under the service's update lock, for which it
+    // waits at most 3000 ms. Called in the request process; the programs of the installation run one after
+    // the other.
+    //   path      the work directory of the service with the unpacked package, with its final "/"; empty for
+    //             the package that the online download has left, which is unpacked first
+    //   returns   0 when the new tree is in place and the clients have been notified. Else -1: the installed
+    //             tree stays, unless all that failed is to forget the download
+    int ExecuteUpdate(std::string path);
+
 private:
+    // Under the update lock. Return 0, or -1 with a log line.
+    int InstallPkg(std::string path);
+    int DoInstallPkg(const AddOnPackage& package, const std::string& path) const;
+
     [[noreturn]] void RunActionProcess(const std::string& pidFile, CONTROL_ACTION action) noexcept;
     void AnnounceAction(CONTROL_ACTION action) const;
 

@@ -43,5 +43,15 @@ inline constexpr char kMinLocalDisplayVersionKey[] = "local_display_min_ver";
 inline constexpr char kUploadDirKey[] = "addons_upload_dir";
 inline constexpr char kUniqueKey[] = "unique";
 
+// The installed trees, and the programs of an update that lie there and in the main package.
+inline constexpr char kDevicePackPlace[] = "/var/packages/Camvora/target/device_pack";
+inline constexpr char kLocalDisplayPlace[] = "/var/packages/Camvora/target/local_display";
+inline constexpr char kStartScript[] = "/var/packages/Camvora/target/scripts/S82camvora.sh";
+inline constexpr char kPreUpgradeScript[] = "/var/packages/Camvora/target/device_pack/script/preupgrade";
+inline constexpr char kPreInstallScript[] = "/var/packages/Camvora/target/device_pack/script/preinst";
+inline constexpr char kPostInstallScript[] = "/var/packages/Camvora/target/device_pack/script/postinst";
+inline constexpr char kPostUpgradeScript[] = "/var/packages/Camvora/target/device_pack/script/postupgrade";
+
 inline constexpr char kTarProgram[] = "/bin/tar";
 inline constexpr char kRemoveProgram[] = "/bin/rm";
+inline constexpr char kMoveProgram[] = "/bin/mv";

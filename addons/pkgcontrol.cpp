@@ -3,12 +3,11 @@
 #include "addons/addonpackage.h"
 #include "addons/keyvalue.h"
 #include "addons/paths.h"
+#include "addons/pkgrecovery.h"
 #include "addons/scopedlockfile.h"
 #include "platform/log.h"
 
 namespace {
-
-constexpr int kPackageLockWaitMs = 3000;
 
 std::string TextMember(const Json::Value& object, const char* name) {
     if (!object.isObject()) {
@@ -62,8 +61,9 @@ int PkgControl::GetPkgInfo(Json::Value pkgInfo, Json::Value& result, bool fromHo
         if (!lock.IsHeld()) {
             CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__, "Failed to lock [%s].\n",
                      lock.Path().c_str());
-        } else if (IsPkgValid()) {
-            outcome = DescribePkg(GetFilePath(PKG_PATH_CONF), result);
+        } else {
+            (void)RecoverAddOn(m_service);
+            outcome = IsPkgValid() ? DescribePkg(GetFilePath(PKG_PATH_CONF), result) : -1;
         }
     }
     if (outcome == 0) {

@@ -17,8 +17,9 @@ enum PATH_TYPE : int {
 // of this machine brings, one for those fetched from the CMS host.
 std::string GetWorkDir(ADDON_SERVICE service, bool fromHost);
 
-// The lock file that guards both work directories of `service`.
+// The lock file that guards both work directories of `service`, and how long to wait for it, in milliseconds.
 std::string GetPkgLockFile(ADDON_SERVICE service);
+inline constexpr int kPackageLockWaitMs = 3000;
 
 // Unpacks the package file at `filePath` into the work directory, emptied before, and removes the file.
 // `filePath` names the work directory afterwards, with its final "/". Failures show in what can be read from

@@ -23,10 +23,6 @@ void AddOnsHandler::HandleCheckUpdateInfo() {
     AnswerNotServed(*m_pResponse);
 }
 
-void AddOnsHandler::HandlePkgUpdate() {
-    AnswerNotServed(*m_pResponse);
-}
-
 void AddOnsHandler::HandleRestore() {
     AnswerNotServed(*m_pResponse);
 }

@@ -4,26 +4,10 @@
 #include "fake/json.h"
 #include "fake/script.h"
 
-#include <ftw.h>
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-
-namespace {
-
-// A scripted answer is the error to fail with; without one the call does what it always does.
-bool FailsAsScripted(const char* function) {
-    const Json::Value error = fake::NextAnswer(function, Json::Value());
-    if (error.isInt()) {
-        errno = error.asInt();
-    }
-    return error.isInt();
-}
-
-}  // namespace
+#include <filesystem>
 
 bool IsFileExist(const std::string& path) {
     fake::Record("IsFileExist", path);
@@ -40,8 +24,12 @@ int CreateFullDirPath(const std::string& path) {
     return fake::NextAnswer("CreateFullDirPath", 0).asInt();
 }
 
+// A path of the appliance is only recorded; a test's own folder is really cleared.
 int CVRm(const std::string& path) {
     fake::Record("CVRm", path);
+    if (path.rfind("/var/packages/", 0) != 0) {
+        std::filesystem::remove_all(path);
+    }
     return fake::NextAnswer("CVRm", 0).asInt();
 }
 
@@ -89,27 +77,4 @@ std::string JsonWrite(const Json::Value& value, bool compact) {
 
 std::string itos(long long number) {
     return std::to_string(number);
-}
-
-// The linker's --wrap chooses these names.
-extern "C" {
-
-int __real_lstat64(const char* path, struct stat* info);
-int __real_nftw64(const char* folder, __nftw_func_t visit, int openFolders, int flags);
-
-// Nothing is removed: the paths are the appliance's.
-int __wrap_remove(const char* path) {
-    fake::Record("remove", path);
-    return fake::NextAnswer("remove", 0).asInt();
-}
-
-int __wrap_lstat64(const char* path, struct stat* info) {
-    fake::Record("lstat", path);
-    return FailsAsScripted("lstat") ? -1 : __real_lstat64(path, info);
-}
-
-int __wrap_nftw64(const char* folder, __nftw_func_t visit, int openFolders, int flags) {
-    fake::Record("nftw", folder);
-    return FailsAsScripted("nftw") ? -1 : __real_nftw64(folder, visit, openFolders, flags);
-}
 }

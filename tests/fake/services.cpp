@@ -10,6 +10,11 @@ Json::Value GetServiceInfo(ADDON_SERVICE service) {
     return fake::NextAnswer("GetServiceInfo", Json::Value(Json::objectValue));
 }
 
+bool IsServiceRunning(ADDON_SERVICE service) {
+    fake::Record("IsServiceRunning", service);
+    return fake::NextAnswer("IsServiceRunning", false).asBool();
+}
+
 bool IsCVRunning() {
     fake::Record("IsCVRunning");
     return fake::NextAnswer("IsCVRunning", true).asBool();

@@ -62,8 +62,15 @@ TEST(UploadOrder, ReadsFieldsThenFiles) {
               fake::Journal());
 }
 
-const Steps kReadPkgInfo = {R"(GetParam pkgInfo "")", "GetParam service 0", "GetParam isRedirectCgi false",
-                            "GetServiceStr 6", "BeginCriticalSection /tmp/cv_AddOns_Package_name6.lock 3000"};
+const Steps kReadPkgInfo = {R"(GetParam pkgInfo "")",
+                            "GetParam service 0",
+                            "GetParam isRedirectCgi false",
+                            "GetServiceStr 6",
+                            "BeginCriticalSection /tmp/cv_AddOns_Package_name6.lock 3000",
+                            "GetServiceStr 6",
+                            "GetServiceStr 6",
+                            "lstat /var/packages/Camvora/target/local_display.aside",
+                            "lstat /var/packages/Camvora/target/local_display.dropped"};
 const Steps kInvalidFile = {
     "EndCriticalSection 0", "RemoveFileIfExist /tmp/cv_AddOns_Package_name6.lock",
     R"(SetError 400 {"errinfo":{"key":"invalid_file","param1":"","param2":"","param3":"",)"

@@ -45,7 +45,10 @@ std::string Calls() {
     return std::regex_replace(fake::Journal(), std::regex("GetServiceStr .*\n"), "");
 }
 
-const Steps kLock = {"BeginCriticalSection /tmp/cv_AddOns_Package_name1.lock 3000"};
+const Steps kWait = {"BeginCriticalSection /tmp/cv_AddOns_Package_name1.lock 3000"};
+const Steps kRecover = {"lstat /var/packages/Camvora/target/device_pack.aside",
+                        "lstat /var/packages/Camvora/target/device_pack.dropped"};
+const Steps kLock = kWait + kRecover;
 const Steps kFind = {Read(kMainConf, "addons_upload_dir"), "PLIBCFileExist /up/1"};
 const Steps kExtract = {
     "CVRm " + kDir + "/",
@@ -105,7 +108,7 @@ struct InspectionCase {
 const InspectionCase kInspectionCases[] = {
     {"valid", "", {}, kMainSuits + kVersionCheck + kDescribe + kUnlock, kSuccess},
     {"locked_by_another", "BeginCriticalSection", -1,
-     kLock + Steps{"CVPrintf 0 null null addonsservice GetPkgInfo "
+     kWait + Steps{"CVPrintf 0 null null addonsservice GetPkgInfo "
                    R"('Failed to lock [/tmp/cv_AddOns_Package_name1.lock].\n')"},
      kInvalidFile},
     {"not_in_the_upload_area", Value(kMainConf, "addons_upload_dir"), "/other",
