@@ -43,9 +43,11 @@ inline constexpr char kMinLocalDisplayVersionKey[] = "local_display_min_ver";
 inline constexpr char kUploadDirKey[] = "addons_upload_dir";
 inline constexpr char kUniqueKey[] = "unique";
 
-// The installed trees, and the programs of an update that lie there and in the main package.
+// The installed trees, beside each the factory copy with its suffix, and the programs of an update that lie
+// there and in the main package.
 inline constexpr char kDevicePackPlace[] = "/var/packages/Camvora/target/device_pack";
 inline constexpr char kLocalDisplayPlace[] = "/var/packages/Camvora/target/local_display";
+inline constexpr char kFactorySuffix[] = ".default";
 inline constexpr char kStartScript[] = "/var/packages/Camvora/target/scripts/S82camvora.sh";
 inline constexpr char kPreUpgradeScript[] = "/var/packages/Camvora/target/device_pack/script/preupgrade";
 inline constexpr char kPreInstallScript[] = "/var/packages/Camvora/target/device_pack/script/preinst";
@@ -55,3 +57,4 @@ inline constexpr char kPostUpgradeScript[] = "/var/packages/Camvora/target/devic
 inline constexpr char kTarProgram[] = "/bin/tar";
 inline constexpr char kRemoveProgram[] = "/bin/rm";
 inline constexpr char kMoveProgram[] = "/bin/mv";
+inline constexpr char kCopyProgram[] = "/bin/cp";

@@ -1,23 +1,18 @@
 #include "addons/treeswap.h"
 
+#include "addons/disktree.h"
 #include "platform/files.h"
 #include "platform/log.h"
 
-#include <fcntl.h>
-#include <ftw.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <cstdio>
 #include <utility>
 
 namespace {
 
-constexpr int kOpenFolders = 16;  // deeper ones cost time, not descriptors
-constexpr int kNotOnDisk = 1;
 constexpr mode_t kFolderMode = 0755;
-
-long entriesSeen = 0;  // by the present walk, which hands nothing through
 
 std::string Aside(const std::string& place) {
     return place + ".aside";
@@ -29,52 +24,6 @@ std::string Dropped(const std::string& place) {
 
 std::string ParentOf(const std::string& path) {
     return path.substr(0, path.rfind('/'));
-}
-
-bool IsAbsent(const std::string& path) {
-    struct stat info {};
-    return lstat(path.c_str(), &info) != 0 && errno == ENOENT;
-}
-
-bool IsFolder(const std::string& path) {
-    struct stat info {};
-    return lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-bool Sync(const char* path) {
-    const int file = open(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0) {
-        return false;
-    }
-    const bool isOnDisk = fsync(file) == 0;
-    (void)close(file);
-    return isOnDisk;
-}
-
-int SyncEntry(const char* path, const struct stat* info, int type, struct FTW* /*position*/) {
-    ++entriesSeen;
-    if (type == FTW_DNR || type == FTW_NS) {
-        return kNotOnDisk;
-    }
-    const bool hasContent = S_ISREG(info->st_mode) || S_ISDIR(info->st_mode);
-    return !hasContent || Sync(path) ? 0 : kNotOnDisk;
-}
-
-// Files before the folders that name them.
-bool SyncTree(const std::string& tree) {
-    entriesSeen = 0;
-    return nftw(tree.c_str(), SyncEntry, kOpenFolders, FTW_PHYS | FTW_DEPTH) == 0;
-}
-
-int CountEntry(const char* /*path*/, const struct stat* /*info*/, int /*type*/, struct FTW* /*position*/) {
-    ++entriesSeen;
-    return 0;
-}
-
-long CountEntries(const std::string& tree) {
-    entriesSeen = 0;
-    (void)nftw(tree.c_str(), CountEntry, kOpenFolders, FTW_PHYS);
-    return entriesSeen;
 }
 
 bool Rename(const std::string& from, const std::string& to) {
@@ -91,7 +40,7 @@ bool PutAsideBack(const std::string& place) {
         return false;
     }
     (void)rmdir(place.c_str());  // succeeds where no tree was installed
-    (void)Sync(ParentOf(place).c_str());
+    (void)SyncFolder(ParentOf(place));
     CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, "PutBack", "Put back [%s].\n", place.c_str());
     (void)CVRm(dropped);
     return true;
@@ -103,15 +52,17 @@ TreeSwap::TreeSwap(std::string place, std::string fresh)
     : place_(std::move(place)), fresh_(std::move(fresh)) {}
 
 bool TreeSwap::Prepare() {
-    const bool isOnDisk = IsFolder(fresh_) && SyncTree(fresh_);
-    freshEntries_ = entriesSeen;
-    return isOnDisk;
+    if (!IsFolder(fresh_) || !SyncTree(fresh_)) {
+        return false;
+    }
+    freshEntries_ = CountEntries(fresh_);
+    return true;
 }
 
 bool TreeSwap::SetAside() const {
     const std::string aside = Aside(place_);
     const bool isAside = IsAbsent(place_) ? mkdir(aside.c_str(), kFolderMode) == 0 : Rename(place_, aside);
-    return isAside && Sync(ParentOf(place_).c_str());
+    return isAside && SyncFolder(ParentOf(place_));
 }
 
 bool TreeSwap::IsPlaceFree() const {
@@ -120,11 +71,11 @@ bool TreeSwap::IsPlaceFree() const {
 
 // A move to another file system copies, and has nothing on the disk by itself.
 bool TreeSwap::Seal() const {
-    if (!IsFolder(place_) || !IsAbsent(fresh_) || !SyncTree(place_) || !Sync(ParentOf(place_).c_str()) ||
+    if (!IsFolder(place_) || !IsAbsent(fresh_) || !SyncTree(place_) || !SyncFolder(ParentOf(place_)) ||
         !Rename(Aside(place_), Dropped(place_))) {
         return false;
     }
-    (void)Sync(ParentOf(place_).c_str());  // before anything of it is removed
+    (void)SyncFolder(ParentOf(place_));  // before anything of it is removed
     return true;
 }
 

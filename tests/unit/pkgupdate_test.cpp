@@ -63,7 +63,7 @@ struct AddOn {
         return {"BeginCriticalSection " + Lock("Update") + " 3000",
                 "BeginCriticalSection " + Lock("Package") + " 3000"};
     }
-    Steps Prepare() const { return {"nftw " + fresh}; }
+    Steps Prepare() const { return {"nftw " + fresh, "nftw " + fresh}; }
     Steps SetAside() const { return {"rename " + place + " " + place + ".aside", "open " + kTarget}; }
     Steps Move() const {
         return {"PLIBCExec /bin/rm -rf " + place, "PLIBCExec /bin/mv -f " + fresh + " " + place};
@@ -207,7 +207,7 @@ const FailureCase kFailureCases[] = {
      false,
      "nftw",
      {EIO},
-     kDevicePack.Prepare() + NothingToInstall(kDevicePack)},
+     Steps{kDevicePack.Prepare()[0]} + NothingToInstall(kDevicePack)},
     {"not_set_aside",
      kDevicePack,
      false,

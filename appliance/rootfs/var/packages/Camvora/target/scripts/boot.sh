@@ -20,6 +20,7 @@ else
   done
 fi
 cd /
+"$target/bin/recover-addons" || echo "boot: an add-on could not be recovered, see the diagnostic log" >&2
 "$target/scripts/S82camvora.sh" start
 
 # Symbols are looked up once, here, and not anew in the process of each request.

@@ -1,0 +1,21 @@
+// recover-addons: run when the appliance starts, before anything is served. Afterwards the place of each
+// add-on holds a whole tree: what an update that was cut has left, or, where there is none, the factory's.
+#include "addons/factorycopy.h"
+#include "addons/pkgcontrol.h"
+#include "addons/pkgrecovery.h"
+#include "addons/scopedlockfile.h"
+
+namespace {
+
+bool Recover(ADDON_SERVICE service) {
+    const ScopedLockFile lock(GetPkgLockFile(service), kPackageLockWaitMs);
+    return lock.IsHeld() && RecoverAddOn(service) && FillEmptyPlace(service);
+}
+
+}  // namespace
+
+int main() {
+    const bool hasDevicePack = Recover(ADDON_SERVICE_DEVICE_PACK);
+    const bool hasLocalDisplay = Recover(ADDON_SERVICE_LOCAL_DISPLAY);
+    return hasDevicePack && hasLocalDisplay ? 0 : 1;
+}
