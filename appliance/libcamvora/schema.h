@@ -11,6 +11,7 @@
 //   operation_log  what the appliance's owner is told
 //   notifications  what connected clients are told
 //   programs       what was run for requests, and how it ended
+//   downloads      the last download of each service: how far it has come (APP_DOWNLOAD_STATUS) and its file
 #pragma once
 
 #include <SQLiteCpp/Database.h>

@@ -1,6 +1,7 @@
 // The file of the database, and the records in it.
 #include "libcamvora/database.h"
 
+#include "libcamvora/downloads.h"
 #include "libcamvora/records.h"
 #include "libcamvora/requestid.h"
 #include "libcamvora/schema.h"
@@ -43,13 +44,15 @@ TEST_F(DatabaseFile, OfANewerVersionIsRefusedAndLeftAlone) {
 
 TEST_F(DatabaseFile, OfAnOlderVersionIsBroughtUpToDate) {
     Open().exec(
-        "DROP TABLE programs; ALTER TABLE pairs DROP COLUMN address; PRAGMA user_version = 1; INSERT INTO "
+        "DROP TABLE downloads; DROP TABLE programs; ALTER TABLE pairs DROP COLUMN address; PRAGMA "
+        "user_version = 1; INSERT INTO "
         "settings VALUES('kept', 'yes')");
     SQLite::Database database = Open();
     EXPECT_EQ(camvora::CurrentSchemaVersion(), camvora::SchemaVersion(database));
     EXPECT_EQ("yes", database.execAndGet("SELECT value FROM settings WHERE key = 'kept'").getString());
     EXPECT_TRUE(camvora::ProgramRunsOf(database, "", 1).empty());
     EXPECT_TRUE(camvora::ReadState(database).pairs.empty());
+    EXPECT_FALSE(camvora::FindDownload(database, ADDON_SERVICE_DEVICE_PACK));
 }
 
 TEST_F(DatabaseFile, ThatIsCutIsRefusedAndLeftAlone) {
@@ -138,6 +141,25 @@ TEST_F(Records, OperationsComeBackWholeAndOldOnesGo) {
     camvora::AddOperation(database_, 1, 0, {"", cut + "\xc3\xa4" + std::string(2'000'000, 'y'), ""});
     EXPECT_EQ(cut, camvora::OperationsAfter(database_, last, "", 1)[0].texts[1]);
     EXPECT_TRUE(camvora::OperationsAfter(database_, last + 1, "", 10).empty());
+}
+
+TEST_F(Records, OfDownloadsTheLastOfEachServiceIsKept) {
+    const auto fileOf = [this](ADDON_SERVICE service) {
+        const auto download = camvora::FindDownload(database_, service);
+        return download ? download->info.filePath : "none";
+    };
+    camvora::KeepDownload(database_, ADDON_SERVICE_DEVICE_PACK, {APP_DOWNLOAD_STATUS{1}, {"1-1", "/a", "d"}});
+    camvora::KeepDownload(database_, ADDON_SERVICE_DEVICE_PACK,
+                          {camvora::kDownloadReady, {"1-2", "/b", "e"}});
+    const auto found = camvora::FindDownload(database_, ADDON_SERVICE_DEVICE_PACK);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(2, found->status);
+    EXPECT_EQ("1-2 e", found->info.version + " " + found->info.date);
+    EXPECT_EQ("none", fileOf(ADDON_SERVICE_LOCAL_DISPLAY));
+    camvora::KeepDownload(database_, ADDON_SERVICE_LOCAL_DISPLAY, *found);
+    camvora::ForgetDownload(database_, ADDON_SERVICE_DEVICE_PACK);
+    EXPECT_EQ("none", fileOf(ADDON_SERVICE_DEVICE_PACK));
+    EXPECT_EQ("/b", fileOf(ADDON_SERVICE_LOCAL_DISPLAY));
 }
 
 }  // namespace

@@ -1,0 +1,34 @@
+#include "libcamvora/downloads.h"
+#include "libcamvora/store.h"
+#include "platform/log.h"
+#include "platform/releases.h"
+
+#include <exception>
+
+AddonsUpdate::AddonsUpdate(ADDON_SERVICE service) : service_(service) {}
+
+// NOLINTNEXTLINE(performance-trivially-destructible): what a module calls of it is declared in platform/
+AddonsUpdate::~AddonsUpdate() = default;
+
+int AddonsUpdate::ReadDownloadInfoFile(bool& ready, APP_DOWNLOAD_INFO& info) {
+    std::optional<camvora::Download> download;
+    try {
+        camvora::TheStore().Query(
+            [&](SQLite::Database& database) { download = camvora::FindDownload(database, service_); });
+    } catch (const std::exception& failure) {
+        CVPrintf(0, nullptr, nullptr, "addonsupdate", __LINE__, __func__,
+                 "Failed to read the last download [%s]\n", failure.what());
+        return -1;
+    }
+    ready = download && download->status == camvora::kDownloadReady;
+    if (ready) {
+        info = download->info;
+    }
+    return 0;
+}
+
+int AddonsUpdate::CleanDownloadResult() {
+    const bool isForgotten = camvora::TheStore().Write(
+        [this](SQLite::Database& database) { camvora::ForgetDownload(database, service_); });
+    return isForgotten ? 0 : -1;
+}
