@@ -10,27 +10,8 @@
 namespace {
 
 constexpr int kOpenFolders = 16;  // deeper ones cost time, not descriptors
-constexpr int kNotOnDisk = 1;
 
 long entriesCounted = 0;  // the walk hands nothing through
-
-bool Sync(const char* path) {
-    const int file = open(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0) {
-        return false;
-    }
-    const bool isOnDisk = fsync(file) == 0;
-    (void)close(file);
-    return isOnDisk;
-}
-
-int SyncEntry(const char* path, const struct stat* info, int type, struct FTW* /*position*/) {
-    if (type == FTW_DNR || type == FTW_NS) {
-        return kNotOnDisk;
-    }
-    const bool hasContent = S_ISREG(info->st_mode) || S_ISDIR(info->st_mode);
-    return !hasContent || Sync(path) ? 0 : kNotOnDisk;
-}
 
 int CountEntry(const char* /*path*/, const struct stat* /*info*/, int /*type*/, struct FTW* /*position*/) {
     ++entriesCounted;
@@ -49,13 +30,28 @@ bool IsFolder(const std::string& path) {
     return lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-bool SyncFolder(const std::string& path) {
-    return Sync(path.c_str());
+FolderIdentity IdentityOf(const std::string& path) {
+    struct stat info {};
+    const bool isFolder = lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+    return isFolder ? FolderIdentity{info.st_dev, info.st_ino} : FolderIdentity{};
 }
 
-// Files before the folders that name them.
-bool SyncTree(const std::string& path) {
-    return nftw(path.c_str(), SyncEntry, kOpenFolders, FTW_PHYS | FTW_DEPTH) == 0;
+bool operator==(const FolderIdentity& one, const FolderIdentity& other) {
+    return one.device == other.device && one.number == other.number;
+}
+
+bool SyncFolder(const std::string& path) {
+    const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) {
+        return false;
+    }
+    const bool isOnDisk = fsync(folder) == 0;
+    (void)close(folder);
+    return isOnDisk;
+}
+
+void SyncAll() {
+    sync();
 }
 
 long CountEntries(const std::string& path) {

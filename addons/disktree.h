@@ -1,6 +1,8 @@
 // Trees on the disk. Nothing here follows a link.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 
 // True when nothing of that name is there, not even a link to nothing.
@@ -9,11 +11,20 @@ bool IsAbsent(const std::string& path);
 // True for a folder itself.
 bool IsFolder(const std::string& path);
 
-// Writes out what the system still holds of the folder's list of names. Returns false on failure.
+// Writes out the folder's list of names. Returns false on failure.
 bool SyncFolder(const std::string& path);
 
-// The same for all files and folders of the tree, the folder `path` itself included.
-bool SyncTree(const std::string& path);
+// Writes out all that the system still holds, and waits for that: a tree has too many files to order, and
+// wait for, the disk's own cache once for each.
+void SyncAll();
+
+// What a folder is, whatever its name; {0, 0} where there is none.
+struct FolderIdentity {
+    dev_t device;
+    ino_t number;
+};
+FolderIdentity IdentityOf(const std::string& path);
+bool operator==(const FolderIdentity& one, const FolderIdentity& other);
 
 // How many files, links and folders the tree has, itself included; 0 when it is absent.
 long CountEntries(const std::string& path);

@@ -20,9 +20,9 @@ bool FillEmptyPlace(ADDON_SERVICE service) {
         return true;
     }
     const std::string fresh = place + ".fresh";
-    const bool isCopied = CVRm(fresh) == 0 &&
-                          PLIBCExec(kCopyProgram, "-a", factory.c_str(), fresh.c_str()) == 0 &&
-                          SyncTree(fresh) && rename(fresh.c_str(), place.c_str()) == 0;
+    bool isCopied = CVRm(fresh) == 0 && PLIBCExec(kCopyProgram, "-a", factory.c_str(), fresh.c_str()) == 0;
+    SyncAll();
+    isCopied = isCopied && rename(fresh.c_str(), place.c_str()) == 0;
     CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__, "%s the factory copy of [%s].\n",
              isCopied ? "Installed" : "Failed to install", package->place);
     return isCopied;

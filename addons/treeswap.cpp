@@ -52,10 +52,12 @@ TreeSwap::TreeSwap(std::string place, std::string fresh)
     : place_(std::move(place)), fresh_(std::move(fresh)) {}
 
 bool TreeSwap::Prepare() {
-    if (!IsFolder(fresh_) || !SyncTree(fresh_)) {
+    if (!IsFolder(fresh_)) {
         return false;
     }
     freshEntries_ = CountEntries(fresh_);
+    freshIdentity_ = IdentityOf(fresh_);
+    SyncAll();
     return true;
 }
 
@@ -71,11 +73,18 @@ bool TreeSwap::IsPlaceFree() const {
 
 // A move to another file system copies, and has nothing on the disk by itself.
 bool TreeSwap::Seal() const {
-    if (!IsFolder(place_) || !IsAbsent(fresh_) || !SyncTree(place_) || !SyncFolder(ParentOf(place_)) ||
-        !Rename(Aside(place_), Dropped(place_))) {
+    if (!IsFolder(place_) || !IsAbsent(fresh_)) {
         return false;
     }
-    (void)SyncFolder(ParentOf(place_));  // before anything of it is removed
+    if (IdentityOf(place_) == freshIdentity_) {
+        (void)SyncFolder(ParentOf(place_));
+    } else {
+        SyncAll();
+    }
+    if (!Rename(Aside(place_), Dropped(place_))) {
+        return false;
+    }
+    (void)SyncFolder(ParentOf(place_));  // before anything of what is dropped is removed
     return true;
 }
 

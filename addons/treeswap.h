@@ -11,6 +11,8 @@
 // package lock held, and when the appliance starts.
 #pragma once
 
+#include "addons/disktree.h"
+
 #include <string>
 
 // One replacement, its steps in the order in which they are called.
@@ -19,7 +21,7 @@ public:
     // `place` is the installed tree, `fresh` the new one.
     TreeSwap(std::string place, std::string fresh);
 
-    // Brings the new tree to the disk. Returns false when it is no folder or cannot be written out.
+    // Brings the new tree to the disk. Returns false when it is no folder.
     bool Prepare();
 
     // Sets the installed tree aside, right before it would be removed. Returns false when it could not be.
@@ -42,6 +44,7 @@ private:
     const std::string place_;
     const std::string fresh_;
     long freshEntries_ = 0;
+    FolderIdentity freshIdentity_{};
 };
 
 // What a replacement left that did not come to its end: what was set aside is in its place again afterwards.
