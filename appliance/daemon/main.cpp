@@ -71,7 +71,6 @@ int main(int argc, char** argv) {
         (void)std::fputs("usage: camvora-daemon TYPE\n", stderr);
         return 2;
     }
-    const char* requestId = std::getenv(camvora::kRequestIdVariable);
-    camvora::SetRequestId(requestId != nullptr ? requestId : "");
+    camvora::SetRequestIdFromEnvironment();
     return RunDaemon(*entry);
 }

@@ -18,7 +18,7 @@ struct Options {
     std::size_t strangerBodyLimitBytes = std::size_t{64} << 10;
     std::size_t uploadLimitBytes = std::size_t{1} << 30;
     int requestLimit = 64;
-    int requestTimeS = 1800;
+    int requestTimeS = 7200;
     int connectionLimit = 256;
     int streamLimit = 16;
     int idleTimeS = 5;

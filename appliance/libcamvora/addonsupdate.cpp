@@ -7,7 +7,6 @@
 
 AddonsUpdate::AddonsUpdate(ADDON_SERVICE service) : service_(service) {}
 
-// NOLINTNEXTLINE(performance-trivially-destructible): what a module calls of it is declared in platform/
 AddonsUpdate::~AddonsUpdate() = default;
 
 int AddonsUpdate::ReadDownloadInfoFile(bool& ready, APP_DOWNLOAD_INFO& info) {

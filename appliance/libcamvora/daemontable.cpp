@@ -24,12 +24,26 @@ const DaemonEntry* FindDaemon(int type) {
     return entry == std::end(kDaemons) ? nullptr : entry;
 }
 
+std::vector<int> GroupLeaders() {
+    std::vector<int> types;
+    for (const DaemonEntry& daemon : kDaemons) {
+        if (daemon.turnType == daemon.type) {
+            types.push_back(daemon.type);
+        }
+    }
+    return types;
+}
+
 std::string DaemonLockFile(const std::string& folder, int type) {
     return folder + "/daemon-" + std::to_string(type) + ".lock";
 }
 
 std::string DaemonGuardFile(const std::string& folder, int type) {
     return folder + "/daemon-" + std::to_string(type) + ".guard";
+}
+
+std::string DaemonStoppedFile(const std::string& folder, int type) {
+    return folder + "/daemon-" + std::to_string(type) + ".stopped";
 }
 
 std::string DaemonPidFile(const std::string& folder, const DaemonEntry& entry) {

@@ -4,6 +4,7 @@
 #include "platform/services.h"
 
 #include <string>
+#include <vector>
 
 namespace camvora {
 
@@ -17,9 +18,13 @@ struct DaemonEntry {
 // The entry of `type`; null when there is no such daemon.
 const DaemonEntry* FindDaemon(int type);
 
+// The types of all daemons that are no other's helper.
+std::vector<int> GroupLeaders();
+
 // Files of a daemon, in `folder`, the appliance's run folder.
 std::string DaemonLockFile(const std::string& folder, int type);
 std::string DaemonGuardFile(const std::string& folder, int type);
+std::string DaemonStoppedFile(const std::string& folder, int type);
 std::string DaemonPidFile(const std::string& folder, const DaemonEntry& entry);
 std::string DaemonStatusFile(const std::string& folder, const DaemonEntry& entry);
 

@@ -26,7 +26,7 @@ camvora::UnpackLimits ReadUnpackLimits() {
 }
 
 Program MakeProgram(const char* path, const std::vector<std::string>& arguments) {
-    const std::chrono::seconds timeLimit(NumberOfKey(camvora::kProgramsConf, "time_limit_s", 900));
+    const std::chrono::seconds timeLimit(NumberOfKey(camvora::kProgramsConf, "time_limit_s", 600));
     return {path,
             arguments,
             {"PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LANG=C.UTF-8",

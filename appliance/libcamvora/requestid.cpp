@@ -1,5 +1,7 @@
 #include "libcamvora/requestid.h"
 
+#include <cstdlib>
+
 namespace camvora {
 
 namespace {
@@ -13,6 +15,11 @@ std::string& StoredId() {
 
 void SetRequestId(const std::string& id) {
     StoredId() = id;
+}
+
+void SetRequestIdFromEnvironment() {
+    const char* id = std::getenv(kRequestIdVariable);
+    SetRequestId(id != nullptr ? id : "");
 }
 
 const std::string& RequestId() {

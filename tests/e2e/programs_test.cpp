@@ -1,4 +1,4 @@
-// Programs that handlers run: how each ended can be looked up, and none outlives its request.
+// Programs and scripts that handlers run: how each ended can be looked up, and none outlives its request.
 #include "e2e/appliance.h"
 #include "e2e/processes.h"
 
@@ -17,6 +17,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
+Answer Exec(HttpCalls calls, const std::string& path, const std::vector<std::string>& arguments) {
+    Json::Value params = Param("path", path);
+    for (const std::string& argument : arguments) {
+        params["arguments"].append(argument);
+    }
+    return calls.Test("Exec", params);
+}
+
+bool IsAnyAsleep(const Appliance& appliance) {
+    return !Descendants(appliance.Supervisor(), [](pid_t pid) { return NameOf(pid) == "sleep"; }).empty();
+}
+
 class ProgramsTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -24,12 +36,8 @@ protected:
     }
     static void TearDownTestSuite() { appliance_.reset(); }
 
-    Answer Exec(const std::string& path, const std::vector<std::string>& arguments) {
-        Json::Value params = Param("path", path);
-        for (const std::string& argument : arguments) {
-            params["arguments"].append(argument);
-        }
-        return owner_.Test("Exec", params);
+    static Answer Exec(const std::string& path, const std::vector<std::string>& arguments) {
+        return e2e::Exec(appliance_->Owner(), path, arguments);
     }
     Json::Value ProgramsOf(const Answer& answer) {
         return owner_.Get("/programs?request=" + answer.requestId).Data()["programs"];
@@ -63,16 +71,12 @@ TEST_F(ProgramsTest, AreRecordedWithTheirRequest) {
 }
 
 TEST_F(ProgramsTest, EndWithTheirRequest) {
-    const auto isThere = [] {
-        const std::vector<pid_t> all = Descendants(appliance_->Supervisor());
-        return std::any_of(all.begin(), all.end(), [](pid_t pid) { return NameOf(pid) == "sleep"; });
-    };
-    const auto call = std::async(std::launch::async, [this] {
+    const auto call = std::async(std::launch::async, [] {
         return Exec("/bin/sh", {"-c", "trap '' TERM; sleep 1000 & sleep 1000"}).Code();
     });
-    EXPECT_TRUE(WaitUntil(isThere));
+    EXPECT_TRUE(WaitUntil([] { return IsAnyAsleep(*appliance_); }));
     call.wait();
-    EXPECT_TRUE(WaitUntil([&] { return !isThere(); }));
+    EXPECT_TRUE(WaitUntil([] { return !IsAnyAsleep(*appliance_); }));
 }
 
 TEST_F(ProgramsTest, TarIsAllOrNothing) {
@@ -94,6 +98,98 @@ TEST_F(ProgramsTest, TarIsAllOrNothing) {
     EXPECT_TRUE(fs::exists(folder / "var/packages/Camvora/target/device_pack/conf"));
     EXPECT_EQ(2, std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
     EXPECT_EQ(unpack[1], ProgramsOf(whole)[0]["arguments"][1].asString()) << "as the caller gave it";
+}
+
+constexpr char kTarget[] = "/var/packages/Camvora/target/";
+
+class ScriptsTest : public ApplianceTest {
+protected:
+    static void SetUpTestSuite() { Start(Appliance::WithTestModule()); }
+
+    static int Run(const std::string& script, const std::vector<std::string>& arguments = {}) {
+        return Exec(appliance_->Owner(), kTarget + script, arguments).Data()["exitStatus"].asInt();
+    }
+    void SetDaemon(int type, bool start) {
+        Json::Value params = Param("type", type);
+        params["blStart"] = start;
+        EXPECT_TRUE(owner_.Test("Daemon", params).Data().asBool()) << type;
+    }
+    static std::vector<pid_t> Daemons() {
+        return Descendants(appliance_->Supervisor(),
+                           [](pid_t pid) { return IsAlive(pid) && NameOf(pid) == "camvora-daemon"; });
+    }
+    static bool IsPackageStarted() {
+        return fs::exists(appliance_->PackagePath("target/@CVData/run/started"));
+    }
+    static void MakeScript(const std::string& name, const std::string& commands) {
+        const fs::path path = appliance_->PackagePath("target/" + name);
+        std::ofstream(path) << "#!/bin/sh\n" << commands << "\n";
+        fs::permissions(path, fs::perms::owner_exec, fs::perm_options::add);
+    }
+
+    // What the Device Pack's scripts have left, without the times.
+    static std::vector<std::string> Trace() {
+        std::ifstream log(appliance_->PackagePath("target/@CVData/log/device_pack_scripts.log"));
+        std::vector<std::string> lines;
+        for (std::string number, time, script, version; log >> number >> time >> script >> version;) {
+            lines.push_back(number + " " + script + " " + version);
+        }
+        return lines;
+    }
+};
+
+TEST_F(ScriptsTest, ThePackageComesBackAsItWasStopped) {
+    const std::string script = "scripts/S82camvora.sh";
+    for (const int type : {1, 6, 11}) {
+        SetDaemon(type, true);
+    }
+    const std::vector<pid_t> stopped = Daemons();
+    EXPECT_EQ(4U, stopped.size()) << "one has a helper";
+    for (int times = 0; times < 2; ++times) {  // the second one forgets nothing
+        EXPECT_EQ(0, Run(script, {"stop"}));
+        EXPECT_TRUE(Daemons().empty());
+        EXPECT_FALSE(IsPackageStarted());
+        EXPECT_EQ(200, owner_.Get("/health").status);
+    }
+    SetDaemon(11, false);
+    EXPECT_EQ(0, Run(script, {"start"}));
+    EXPECT_TRUE(IsPackageStarted());
+    const std::vector<pid_t> started = Daemons();
+    EXPECT_EQ(2U, started.size());
+    EXPECT_EQ(stopped.end(),
+              std::find_first_of(stopped.begin(), stopped.end(), started.begin(), started.end()));
+    SetDaemon(1, false);
+    EXPECT_EQ(0, Run(script, {"start"}));
+    EXPECT_EQ(1U, Daemons().size()) << "only what a stop has ended comes back";
+    EXPECT_EQ(2, Run(script));
+}
+
+TEST_F(ScriptsTest, ThoseOfTheInstalledAddOnLeaveATrace) {
+    for (const char* script : {"preupgrade", "preinst", "postinst", "postupgrade"}) {
+        EXPECT_EQ(0, Run(std::string("device_pack/script/") + script));
+    }
+    EXPECT_EQ((std::vector<std::string>{"1 preupgrade 2.1.0-0130", "2 preinst 2.1.0-0130",
+                                        "3 postinst 2.1.0-0130", "4 postupgrade 2.1.0-0130"}),
+              Trace());
+}
+
+TEST_F(ScriptsTest, AreEndedAtTheLimitOfTheAppliance) {
+    const fs::path limits = appliance_->PackagePath("target/etc/programs.conf");
+    const std::string before = ReadFile(limits);
+    std::ofstream(limits) << "time_limit_s=\"1\"\n";
+    MakeScript("scripts/hang", "trap '' TERM; sleep infinity & sleep infinity");
+    EXPECT_EQ(-1, Run("scripts/hang"));
+    EXPECT_FALSE(IsAnyAsleep(*appliance_));
+    std::ofstream(limits) << before;
+}
+
+TEST_F(ScriptsTest, OneThatIsUnderWayEndsBeforeTheAppliance) {
+    MakeScript("scripts/linger", "sleep 2");
+    auto run = std::async(std::launch::async, [] { return Run("scripts/linger"); });
+    EXPECT_TRUE(WaitUntil([] { return IsAnyAsleep(*appliance_); }));
+    appliance_->Stop();
+    EXPECT_EQ(0, run.get());
+    appliance_->Launch(Appliance::WithTestModule());
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "platform/log.h"
 #include "platform/notify.h"
 #include "platform/plibc.h"
+#include "platform/services.h"
 #include "platform/webapi.h"
 
 #include <fcntl.h>
@@ -169,6 +170,13 @@ void Exec(APIRequest* request, APIResponse* response) {
     response->SetSuccess(data);
 }
 
+// Starts or ends a daemon.
+void Daemon(APIRequest* request, APIResponse* response) {
+    const auto type = static_cast<CV_DAEMON_TYPE>(IntParam(request, "type"));
+    const bool start = request->GetParam("blStart", false).asBool();
+    response->SetSuccess((start ? DaemonCtrl::Run(type) : DaemonCtrl::Kill(type)) == 0);
+}
+
 struct Row {
     const char* api;
     std::int32_t version;
@@ -197,6 +205,7 @@ const Row kTable[] = {
     {kApi, 1, "Log", Log},
     {kApi, 1, "Upload", Upload},
     {kApi, 1, "Exec", Exec},
+    {kApi, 1, "Daemon", Daemon},
     {kApi, 2, "Echo", Echo},
     {"TEST.Other", 1, "Echo", Echo},
     {},

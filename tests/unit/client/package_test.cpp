@@ -166,6 +166,8 @@ struct SampleCase {
 TEST(SamplesTest, AreTakenOrRefusedAsTheirNamesSay) {
     for (const SampleCase& row : {SampleCase{"2.0.4-0118", ""},
                                   {"2.2.0-0140", ""},
+                                  {"2.2.1-0141-failing", ""},
+                                  {"2.2.2-0142-hanging", ""},
                                   {"2.3.0-0152", ""},
                                   {"too-old", "version of the add-on"},
                                   {"other-platform", "platform"},

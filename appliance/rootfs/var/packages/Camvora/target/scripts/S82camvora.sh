@@ -1,8 +1,10 @@
 #!/bin/sh
-# Starts and stops the main package.
+# Starts and stops the main package: its daemons, and the mark that it is started. A start brings those daemons
+# back that the last stop has ended.
 set -eu
 
-started=/var/packages/Camvora/target/@CVData/run/started
+target=/var/packages/Camvora/target
+started=$target/@CVData/run/started
 
 case "${1:-}" in
   start) : >"$started" ;;
@@ -12,3 +14,4 @@ case "${1:-}" in
     exit 2
     ;;
 esac
+exec "$target/bin/camvora-package" "$1"
