@@ -25,8 +25,7 @@ constexpr int kFailed = 400;
 constexpr char kTarget[] = "/var/packages/Camvora/target/";
 
 struct Trees {
-    explicit Trees(const AddOn& whose)
-        : addOn(whose), old(whose, "1.0.0-0001"), fresh(whose, "2.0.0-0002") {}
+    explicit Trees(const AddOn& whose) : addOn(whose), old(whose, "1.0.0-0001"), fresh(whose, "2.0.0-0002") {}
 
     void ArrangeIn(const Appliance& appliance) const { Arrange(appliance, addOn, old, fresh); }
 
@@ -44,8 +43,8 @@ protected:
     // The programs of a request, the arguments with them.
     std::vector<std::string> ProgramsOf(const Answer& answer) {
         std::vector<std::string> programs;
-        for (const Json::Value& program :
-             owner_.Get("/programs?request=" + answer.requestId).Data()["programs"]) {
+        const Answer record = owner_.Get("/programs?request=" + answer.requestId);
+        for (const Json::Value& program : record.Data()["programs"]) {
             programs.push_back(program["path"].asString());
             for (const Json::Value& argument : program["arguments"]) {
                 programs.back() += " " + argument.asString();

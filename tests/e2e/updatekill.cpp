@@ -20,6 +20,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t kNoKill = 1'000'000;
 constexpr int kFailed = 400;
 constexpr int kPowerCutEvery = 20;
+constexpr int kInstallAgainEvery = 3;
 constexpr double kLockLimitsS = 6.5;
 constexpr std::size_t kWorkDiskBytes = 32U << 20U;
 
@@ -27,15 +28,20 @@ std::string NameOf(const FileCall& call) {
     return call.program + " " + call.name;
 }
 
-// The number of the first and of the last call of each kind.
-std::set<std::size_t> FirstAndLast(const std::vector<FileCall>& calls) {
-    std::map<std::string, std::pair<std::size_t, std::size_t>> ends;
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        ends.try_emplace(NameOf(calls[i]), i + 1, i + 1).first->second.second = i + 1;
+enum class Which { kFirst, kLast };
+
+// The number of the first, or of the last, call of each kind.
+std::set<std::size_t> OneOfAKind(const std::vector<FileCall>& calls, Which which) {
+    std::map<std::string, std::size_t> byName;
+    for (std::size_t number = 1; number <= calls.size(); ++number) {
+        const auto [entry, isFirst] = byName.try_emplace(NameOf(calls[number - 1]), number);
+        if (!isFirst && which == Which::kLast) {
+            entry->second = number;
+        }
     }
     std::set<std::size_t> numbers;
-    for (const auto& [name, firstAndLast] : ends) {
-        numbers.insert({firstAndLast.first, firstAndLast.second});
+    for (const auto& [name, number] : byName) {
+        numbers.insert(number);
     }
     return numbers;
 }
@@ -58,6 +64,7 @@ public:
             Count(calls.back());
         }
         JudgePlace();
+        InstallAgain();
         return calls;
     }
 
@@ -68,14 +75,14 @@ private:
         (void)appliance_.WaitForRequests(0);
     }
 
-    // Where the add-on has a daemon, the update is to end it and to start it.
+    // The update of either add-on is to end a daemon and to start it.
     void StartService() {
-        const Json::Value service = Param("service", addOn_.service);
+        const Json::Value service = Param("service", kLocalDisplay.service);
         const auto runs = [&] {
             const Json::Value info = appliance_.Owner().AddOns("GetInfo", service).Data();
             return info["blRunning"].asBool() && info["status"] == 1;
         };
-        if (addOn_.service == kLocalDisplay.service && !runs()) {
+        if (!runs()) {
             (void)appliance_.Owner().AddOns("Enable", service);
             (void)WaitUntil(runs);
         }
@@ -123,6 +130,14 @@ private:
         }
     }
 
+    // What is left of the new tree is whole, too, or not installed any more.
+    void InstallAgain() {
+        if (trials_ % kInstallAgainEvery == 0) {
+            (void)Update(appliance_, addOn_, FilePath(addOn_));
+            JudgePlace();
+        }
+    }
+
     Listing InPlace() const {
         const fs::path place = PlaceOf(appliance_, addOn_);
         return fs::is_directory(place) ? ListingOf(place) : Listing();
@@ -144,13 +159,13 @@ private:
     int trials_ = 0;
 };
 
-void Sweep(KillTrials&& trials, Extent extent) {
-    if (extent == Extent::kSample) {
-        for (const std::size_t number : FirstAndLast(trials.Run(kNoKill))) {
-            (void)trials.Run(number);
-        }
-        return;
+void SweepSample(KillTrials& trials, Which which) {
+    for (const std::size_t number : OneOfAKind(trials.Run(kNoKill), which)) {
+        (void)trials.Run(number);
     }
+}
+
+void SweepAll(KillTrials& trials) {
     for (std::size_t number = 1; trials.Run(number).size() == number; ++number) {
     }
 }
@@ -162,8 +177,14 @@ bool SweepKills(Appliance& appliance, Extent extent, KillFigures& figures) {
         return false;
     }
     for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
-        for (const Victim victim : {Victim::kCaller, Victim::kAll}) {
-            Sweep({appliance, addOn, victim, figures}, extent);
+        for (const auto& [victim, which] :
+             {std::pair(Victim::kCaller, Which::kFirst), std::pair(Victim::kAll, Which::kLast)}) {
+            KillTrials trials(appliance, addOn, victim, figures);
+            if (extent == Extent::kSample) {
+                SweepSample(trials, which);
+            } else {
+                SweepAll(trials);
+            }
         }
     }
     return true;

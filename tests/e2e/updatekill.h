@@ -27,7 +27,7 @@ struct KillFigures {
     std::vector<std::string> faults;  // a line for each
 };
 
-// Of each program, one of a kind of call: its first and its last. Otherwise all calls.
+// One call of each program and kind, or all.
 enum class Extent { kSample, kAll };
 
 // Has both add-ons of a running appliance updated again and again, killed at the next call each time. Adds

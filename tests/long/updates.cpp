@@ -1,8 +1,9 @@
-// Updates killed at each system call that changes the file system:
+// Updates killed at each system call that changes the file system, and inspections during updates:
 //
-//   long_updates [--sample]
+//   long_updates [--sample] [--inspections N]
 //
 // Prints for each program and call what was in the place of the add-on afterwards, and each fault.
+#include "e2e/updates.h"
 #include "e2e/updatekill.h"
 
 #include <CLI/CLI.hpp>
@@ -12,6 +13,8 @@
 #include <exception>
 
 namespace {
+
+constexpr unsigned kSeed = 1;
 
 void Print(const std::string& program, const std::string& call, const e2e::TrialCounts& counts) {
     std::printf("%-20s %-16s %6u %6u %6u %6u %8u\n", program.c_str(), call.c_str(), counts.trials, counts.old,
@@ -31,39 +34,57 @@ void Print(const e2e::KillFigures& figures) {
     }
 }
 
-int SweepAll(int argc, char** argv) {
+// Returns whether all is well.
+bool Sweep(const char* disk, e2e::Appliance& appliance, e2e::Extent extent) {
+    e2e::KillFigures figures;
+    if (!SweepKills(appliance, extent, figures)) {
+        std::printf("updates cannot be followed on this machine\n");
+        return false;
+    }
+    std::printf("work directories on %s:\n", disk);
+    Print(figures);
+    return figures.faults.empty();
+}
+
+bool InspectMeanwhile(const e2e::Appliance& appliance, unsigned count) {
+    std::size_t faults = 0;
+    for (const e2e::AddOn& addOn : {e2e::kDevicePack, e2e::kLocalDisplay}) {
+        for (const std::string& fault : InspectDuringUpdates(appliance, addOn, kSeed, count)) {
+            std::printf("%s %s\n", addOn.name, fault.c_str());
+            ++faults;
+        }
+    }
+    std::printf("inspections during updates %u, faults %zu\n", 2 * count, faults);
+    return faults == 0;
+}
+
+int RunAll(int argc, char** argv) {
     CLI::App options("Updates killed at each system call");
     bool isSample = false;
-    options.add_flag("--sample", isSample, "the first and the last call of a kind only");
+    unsigned inspections = 250;
+    options.add_flag("--sample", isSample, "one call of a kind only");
+    options.add_option("--inspections", inspections, "during updates of each add-on");
     CLI11_PARSE(options, argc, argv);
     const e2e::Extent extent = isSample ? e2e::Extent::kSample : e2e::Extent::kAll;
 
-    e2e::KillFigures figures;
     e2e::Appliance appliance;
-    if (!SweepKills(appliance, extent, figures)) {
-        std::printf("updates cannot be followed on this machine\n");
-        return EXIT_FAILURE;
-    }
-    std::printf("work directories on the same disk:\n");
-    Print(figures);
+    bool isWell = InspectMeanwhile(appliance, inspections);
+    isWell = Sweep("the same disk", appliance, extent) && isWell;
     appliance.Stop();
     if (!MountWorkDirectories(appliance)) {
         std::printf("no other disk can be had on this machine\n");
         return EXIT_FAILURE;
     }
     appliance.Launch();
-    e2e::KillFigures across;
-    SweepKills(appliance, extent, across);
-    std::printf("work directories on another disk:\n");
-    Print(across);
-    return figures.faults.empty() && across.faults.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
+    isWell = Sweep("another disk", appliance, extent) && isWell;
+    return isWell ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     try {
-        return SweepAll(argc, argv);
+        return RunAll(argc, argv);
     } catch (const std::exception& failure) {
         (void)std::fprintf(stderr, "long_updates: %s\n", failure.what());
         return EXIT_FAILURE;

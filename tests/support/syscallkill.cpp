@@ -73,6 +73,8 @@ constexpr Row kRows[] = {
     {SYS_copy_file_range, "copy_file_range", If::kFile, 2},
     {SYS_fsync, "fsync", If::kFile, 0},
     {SYS_fdatasync, "fdatasync", If::kFile, 0},
+    {SYS_sync, "sync"},
+    {SYS_syncfs, "syncfs"},
 };
 
 std::string ProcOf(pid_t pid) {
