@@ -8,7 +8,7 @@
 #include <chrono>
 #include <set>
 #include <sstream>
-#include <thread>
+#include <tuple>
 
 namespace e2e {
 
@@ -159,14 +159,25 @@ private:
     int trials_ = 0;
 };
 
-void SweepSample(KillTrials& trials, Which which) {
-    for (const std::size_t number : OneOfAKind(trials.Run(kNoKill), which)) {
-        (void)trials.Run(number);
+// One kind of kill for each add-on; all of them take much longer.
+void SweepSample(Appliance& appliance, KillFigures& figures) {
+    const std::tuple<AddOn, Victim, Which> sweeps[] = {{kDevicePack, Victim::kAll, Which::kLast},
+                                                       {kLocalDisplay, Victim::kCaller, Which::kFirst}};
+    for (const auto& [addOn, victim, which] : sweeps) {
+        KillTrials trials(appliance, addOn, victim, figures);
+        for (const std::size_t number : OneOfAKind(trials.Run(kNoKill), which)) {
+            (void)trials.Run(number);
+        }
     }
 }
 
-void SweepAll(KillTrials& trials) {
-    for (std::size_t number = 1; trials.Run(number).size() == number; ++number) {
+void SweepAll(Appliance& appliance, KillFigures& figures) {
+    for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
+        for (const Victim victim : {Victim::kCaller, Victim::kAll}) {
+            KillTrials trials(appliance, addOn, victim, figures);
+            for (std::size_t number = 1; trials.Run(number).size() == number; ++number) {
+            }
+        }
     }
 }
 
@@ -176,16 +187,10 @@ bool SweepKills(Appliance& appliance, Extent extent, KillFigures& figures) {
     if (!SyscallKill(appliance.RequestServer(), kNoKill, Victim::kCaller).IsFollowing()) {
         return false;
     }
-    for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
-        for (const auto& [victim, which] :
-             {std::pair(Victim::kCaller, Which::kFirst), std::pair(Victim::kAll, Which::kLast)}) {
-            KillTrials trials(appliance, addOn, victim, figures);
-            if (extent == Extent::kSample) {
-                SweepSample(trials, which);
-            } else {
-                SweepAll(trials);
-            }
-        }
+    if (extent == Extent::kSample) {
+        SweepSample(appliance, figures);
+    } else {
+        SweepAll(appliance, figures);
     }
     return true;
 }
