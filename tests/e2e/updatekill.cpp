@@ -8,7 +8,7 @@
 #include <chrono>
 #include <set>
 #include <sstream>
-#include <tuple>
+#include <utility>
 
 namespace e2e {
 
@@ -20,7 +20,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t kNoKill = 1'000'000;
 constexpr int kFailed = 400;
 constexpr int kPowerCutEvery = 20;
-constexpr int kInstallAgainEvery = 3;
 constexpr double kLockLimitsS = 6.5;
 constexpr std::size_t kWorkDiskBytes = 32U << 20U;
 
@@ -28,16 +27,11 @@ std::string NameOf(const FileCall& call) {
     return call.program + " " + call.name;
 }
 
-enum class Which { kFirst, kLast };
-
-// The number of the first, or of the last, call of each kind.
-std::set<std::size_t> OneOfAKind(const std::vector<FileCall>& calls, Which which) {
+// The number of the last call of each kind.
+std::set<std::size_t> LastOfEachKind(const std::vector<FileCall>& calls) {
     std::map<std::string, std::size_t> byName;
-    for (std::size_t number = 1; number <= calls.size(); ++number) {
-        const auto [entry, isFirst] = byName.try_emplace(NameOf(calls[number - 1]), number);
-        if (!isFirst && which == Which::kLast) {
-            entry->second = number;
-        }
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        byName[NameOf(calls[i])] = i + 1;
     }
     std::set<std::size_t> numbers;
     for (const auto& [name, number] : byName) {
@@ -64,7 +58,6 @@ public:
             Count(calls.back());
         }
         JudgePlace();
-        InstallAgain();
         return calls;
     }
 
@@ -122,20 +115,15 @@ private:
     }
 
     void JudgePlace() {
-        const Listing listing = InPlace();
-        Expect(listing == old_.Content() || listing == fresh_.Content(), "no whole tree is in the place");
+        const Listing installed = InPlace();
+        Expect(installed == old_.Content() || installed == fresh_.Content(), "no whole tree is in the place");
         for (const char* suffix : {".aside", ".dropped"}) {
             Expect(!fs::exists(PlaceOf(appliance_, addOn_).string() + suffix),
                    std::string(suffix) + " is left");
         }
-    }
-
-    // What is left of the new tree is whole, too, or not installed any more.
-    void InstallAgain() {
-        if (trials_ % kInstallAgainEvery == 0) {
-            (void)Update(appliance_, addOn_, FilePath(addOn_));
-            JudgePlace();
-        }
+        const fs::path rest = WorkDirectory(appliance_, addOn_) / addOn_.name;
+        Expect(!fs::exists(rest) || ListingOf(rest) == fresh_.Content(),
+               "a part of the new tree waits to be installed");
     }
 
     Listing InPlace() const {
@@ -161,11 +149,10 @@ private:
 
 // One kind of kill for each add-on; all of them take much longer.
 void SweepSample(Appliance& appliance, KillFigures& figures) {
-    const std::tuple<AddOn, Victim, Which> sweeps[] = {{kDevicePack, Victim::kAll, Which::kLast},
-                                                       {kLocalDisplay, Victim::kCaller, Which::kFirst}};
-    for (const auto& [addOn, victim, which] : sweeps) {
+    for (const auto& [addOn, victim] :
+         {std::pair(kDevicePack, Victim::kAll), std::pair(kLocalDisplay, Victim::kCaller)}) {
         KillTrials trials(appliance, addOn, victim, figures);
-        for (const std::size_t number : OneOfAKind(trials.Run(kNoKill), which)) {
+        for (const std::size_t number : LastOfEachKind(trials.Run(kNoKill))) {
             (void)trials.Run(number);
         }
     }
