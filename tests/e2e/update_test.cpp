@@ -57,7 +57,6 @@ protected:
     const Trees localDisplay_{kLocalDisplay};
 };
 
-// What a script may do, and how each of them does it.
 TEST_F(UpdateTest, GoesOnWhateverItsScriptsDo) {
     std::ofstream(appliance_->PackagePath("target/etc/programs.conf")) << "time_limit_s=\"1\"\n";
     const std::string target = kTarget;

@@ -3,11 +3,9 @@
 #include "e2e/processes.h"
 #include "e2e/updates.h"
 #include "support/smalldisk.h"
-#include "support/syscallkill.h"
 
+#include <algorithm>
 #include <chrono>
-#include <set>
-#include <sstream>
 #include <utility>
 
 namespace e2e {
@@ -17,51 +15,48 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t kNoKill = 1'000'000;
 constexpr int kFailed = 400;
 constexpr int kPowerCutEvery = 20;
 constexpr double kLockLimitsS = 6.5;
 constexpr std::size_t kWorkDiskBytes = 32U << 20U;
-
-std::string NameOf(const FileCall& call) {
-    return call.program + " " + call.name;
-}
-
-// The number of the last call of each kind.
-std::set<std::size_t> LastOfEachKind(const std::vector<FileCall>& calls) {
-    std::map<std::string, std::size_t> byName;
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        byName[NameOf(calls[i])] = i + 1;
-    }
-    std::set<std::size_t> numbers;
-    for (const auto& [name, number] : byName) {
-        numbers.insert(number);
-    }
-    return numbers;
-}
 
 class KillTrials {
 public:
     KillTrials(Appliance& appliance, const AddOn& addOn, Victim victim, KillFigures& figures)
         : appliance_(appliance), addOn_(addOn), victim_(victim), figures_(figures) {}
 
-    // Returns the calls until somebody was killed, all where `number` is beyond them.
-    std::vector<FileCall> Run(std::size_t number) {
+    // Runs the update until the end, and counts its calls.
+    std::map<FileCall, std::size_t> CountCalls() {
+        std::map<FileCall, std::size_t> counts;
+        for (const FileCall& call : RunUpdate({}, 1)) {
+            ++counts[call];
+        }
+        return counts;
+    }
+
+    // Kills at the `number`th call of the kind. Returns false when there was none.
+    bool Kill(const FileCall& kind, std::size_t number) {
+        const std::vector<FileCall> calls = RunUpdate(kind, number);
+        const auto count = static_cast<std::size_t>(std::count(calls.begin(), calls.end(), kind));
+        if (count == number) {
+            Count(kind);
+        }
+        return count == number;
+    }
+
+private:
+    std::vector<FileCall> RunUpdate(const FileCall& kind, std::size_t number) {
+        trial_ = kind.program + " " + kind.name + " " + std::to_string(number);
         Prepare();
-        SyscallKill killer(appliance_.RequestServer(), number, victim_);
+        SyscallKill killer(appliance_.RequestServer(), kind, number, victim_);
         const Answer answer = Update(appliance_, addOn_, FilePath(addOn_));
         std::vector<FileCall> calls = killer.Wait();
-        trial_ = std::to_string(number) + ": " + (calls.size() == number ? NameOf(calls.back()) : "no kill");
         JudgeAnswer(answer);
         Recover();
-        if (calls.size() == number) {
-            Count(calls.back());
-        }
         JudgePlace();
         return calls;
     }
 
-private:
     void Prepare() {
         Arrange(appliance_, addOn_, old_, fresh_);
         StartService();
@@ -105,7 +100,7 @@ private:
 
     void Count(const FileCall& call) {
         const Listing listing = InPlace();
-        for (TrialCounts* counts : {&figures_.byCall[{call.program, call.name}], &figures_.all}) {
+        for (TrialCounts* counts : {&figures_.byCall[call], &figures_.all}) {
             ++counts->trials;
             ++(listing == old_.Content()     ? counts->old
                : listing == fresh_.Content() ? counts->fresh
@@ -152,8 +147,8 @@ void SweepSample(Appliance& appliance, KillFigures& figures) {
     for (const auto& [addOn, victim] :
          {std::pair(kDevicePack, Victim::kAll), std::pair(kLocalDisplay, Victim::kCaller)}) {
         KillTrials trials(appliance, addOn, victim, figures);
-        for (const std::size_t number : LastOfEachKind(trials.Run(kNoKill))) {
-            (void)trials.Run(number);
+        for (const auto& [kind, count] : trials.CountCalls()) {
+            (void)trials.Kill(kind, count);
         }
     }
 }
@@ -162,7 +157,9 @@ void SweepAll(Appliance& appliance, KillFigures& figures) {
     for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
         for (const Victim victim : {Victim::kCaller, Victim::kAll}) {
             KillTrials trials(appliance, addOn, victim, figures);
-            for (std::size_t number = 1; trials.Run(number).size() == number; ++number) {
+            for (const auto& entry : trials.CountCalls()) {
+                for (std::size_t number = 1; trials.Kill(entry.first, number); ++number) {
+                }
             }
         }
     }
@@ -171,7 +168,7 @@ void SweepAll(Appliance& appliance, KillFigures& figures) {
 }  // namespace
 
 bool SweepKills(Appliance& appliance, Extent extent, KillFigures& figures) {
-    if (!SyscallKill(appliance.RequestServer(), kNoKill, Victim::kCaller).IsFollowing()) {
+    if (!SyscallKill(appliance.RequestServer(), {}, 1, Victim::kCaller).IsFollowing()) {
         return false;
     }
     if (extent == Extent::kSample) {

@@ -3,10 +3,10 @@
 #pragma once
 
 #include "e2e/appliance.h"
+#include "support/syscallkill.h"
 
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace e2e {
@@ -21,13 +21,13 @@ struct TrialCounts {
 };
 
 struct KillFigures {
-    std::map<std::pair<std::string, std::string>, TrialCounts> byCall;  // by program and system call
+    std::map<FileCall, TrialCounts> byCall;
     TrialCounts all;
     double longestS = 0;              // of the next "Update"
     std::vector<std::string> faults;  // a line for each
 };
 
-// One call of each program and kind, or all.
+// The last call of each kind, or all.
 enum class Extent { kSample, kAll };
 
 // Has both add-ons of a running appliance updated again and again, killed at the next call each time. Adds

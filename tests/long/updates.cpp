@@ -16,18 +16,18 @@ namespace {
 
 constexpr unsigned kSeed = 1;
 
-void Print(const std::string& program, const std::string& call, const e2e::TrialCounts& counts) {
-    std::printf("%-20s %-16s %6u %6u %6u %6u %8u\n", program.c_str(), call.c_str(), counts.trials, counts.old,
-                counts.fresh, counts.none, counts.mixture);
+void Print(const FileCall& call, const e2e::TrialCounts& counts) {
+    std::printf("%-20s %-16s %6u %6u %6u %6u %8u\n", call.program.c_str(), call.name.c_str(), counts.trials,
+                counts.old, counts.fresh, counts.none, counts.mixture);
 }
 
 void Print(const e2e::KillFigures& figures) {
     std::printf("%-20s %-16s %6s %6s %6s %6s %8s\n", "program", "system call", "trials", "old", "new", "none",
                 "mixture");
-    for (const auto& [programAndCall, counts] : figures.byCall) {
-        Print(programAndCall.first, programAndCall.second, counts);
+    for (const auto& [call, counts] : figures.byCall) {
+        Print(call, counts);
     }
-    Print("all", "", figures.all);
+    Print({"all", ""}, figures.all);
     std::printf("longest next update %.2f s, faults %zu\n", figures.longestS, figures.faults.size());
     for (const std::string& fault : figures.faults) {
         std::printf("%s\n", fault.c_str());
@@ -62,7 +62,7 @@ int RunAll(int argc, char** argv) {
     CLI::App options("Updates killed at each system call");
     bool isSample = false;
     unsigned inspections = 250;
-    options.add_flag("--sample", isSample, "one call of a kind only");
+    options.add_flag("--sample", isSample, "the last call of each kind only");
     options.add_option("--inspections", inspections, "during updates of each add-on");
     CLI11_PARSE(options, argc, argv);
     const e2e::Extent extent = isSample ? e2e::Extent::kSample : e2e::Extent::kAll;

@@ -15,6 +15,8 @@
 #include <iterator>
 #include <set>
 #include <sstream>
+#include <tuple>
+#include <utility>
 
 namespace {
 
@@ -118,8 +120,8 @@ const char* FileCallOf(pid_t pid) {
 // The process that follows. Whoever it follows goes on freely when it ends.
 class Follower {
 public:
-    Follower(pid_t server, std::size_t number, Victim victim, int report)
-        : server_(server), number_(number), victim_(victim), report_(report) {}
+    Follower(pid_t server, FileCall kind, std::size_t number, Victim victim, int report)
+        : server_(server), kind_(std::move(kind)), number_(number), victim_(victim), report_(report) {}
 
     [[noreturn]] void Run() noexcept {
         constexpr auto kOptions =
@@ -173,8 +175,9 @@ private:
         if (name == nullptr) {
             return true;
         }
-        Say(NameOf(pid) + " " + name + "\n");
-        if (++calls_ != number_) {
+        const FileCall call{NameOf(pid), name};
+        Say(call.program + " " + call.name + "\n");
+        if (!(call == kind_) || ++calls_ != number_) {
             return true;
         }
         for (const pid_t victim : victim_ == Victim::kAll ? followed_ : std::set<pid_t>{pid}) {
@@ -184,22 +187,31 @@ private:
     }
 
     const pid_t server_;
+    const FileCall kind_;
     const std::size_t number_;
     const Victim victim_;
     const int report_;
     pid_t fork_ = -1;
     std::set<pid_t> followed_;  // without the server
-    std::size_t calls_ = 0;
+    std::size_t calls_ = 0;     // of the kind
 };
 
 }  // namespace
 
-SyscallKill::SyscallKill(pid_t server, std::size_t number, Victim victim) {
+bool operator<(const FileCall& one, const FileCall& other) {
+    return std::tie(one.program, one.name) < std::tie(other.program, other.name);
+}
+
+bool operator==(const FileCall& one, const FileCall& other) {
+    return std::tie(one.program, one.name) == std::tie(other.program, other.name);
+}
+
+SyscallKill::SyscallKill(pid_t server, const FileCall& kind, std::size_t number, Victim victim) {
     std::array<int, 2> ends{-1, -1};
     (void)pipe2(ends.data(), O_CLOEXEC);
     pid_ = fork();
     if (pid_ == 0) {
-        Follower(server, number, victim, ends[1]).Run();
+        Follower(server, kind, number, victim, ends[1]).Run();
     }
     (void)close(ends[1]);
     report_ = ends[0];
