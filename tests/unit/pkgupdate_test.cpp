@@ -69,7 +69,7 @@ struct AddOn {
         return {"PLIBCExec /bin/rm -rf " + place, "PLIBCExec /bin/mv -f " + fresh + " " + place};
     }
     Steps Seal() const {
-        return {"sync", "rename " + place + ".aside " + place + ".dropped", "open " + kTarget};
+        return {"open " + kTarget, "rename " + place + ".aside " + place + ".dropped", "open " + kTarget};
     }
     Steps RemoveWorkDir() const { return {"PLIBCExec /bin/rm -rf " + workDir}; }
     Steps Drop() const { return {"CVRm " + place + ".dropped"}; }
