@@ -125,6 +125,10 @@ Reply Pairing::List() {
 }
 
 Reply Pairing::Forget(const std::string& name) {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        made_.erase(name);  // or it could be confirmed once more
+    }
     const std::vector<camvora::Pair> pairs = camvora::Pairs();
     if (std::none_of(pairs.begin(), pairs.end(),
                      [&name](const camvora::Pair& pair) { return pair.name == name; })) {

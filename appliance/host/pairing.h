@@ -35,7 +35,7 @@ public:
     static Reply List();
 
     // Forgets the pairs called `name`.
-    static Reply Forget(const std::string& name);
+    Reply Forget(const std::string& name);
 
 private:
     struct Made {

@@ -197,6 +197,18 @@ TEST_F(UnpackTest, AnArchiveThatIsNotCompressedNeedsItsEnd) {
     EXPECT_TRUE(UnpackBytes(whole + std::string(9000, '\0')));
 }
 
+TEST_F(UnpackTest, AnArchiveThatIsNotCompressedMayHaveAllThatTarWrites) {
+    fs::create_directory(folder_.PathOf("tree"));
+    std::ofstream(folder_.PathOf("tree/file")) << "x";
+    Pack("-cV label -f", "labelled");
+    EXPECT_TRUE(Unpack("labelled"));
+    ASSERT_EQ(0, std::system(("for i in $(seq 0 8 400); do printf x | dd of='" +
+                              folder_.PathOf("tree/holes") + "' bs=1K seek=$i conv=notrunc status=none; done")
+                                 .c_str()));
+    Pack("--format=gnu -cSf", "pieces");
+    EXPECT_TRUE(Unpack("pieces"));
+}
+
 TEST_F(UnpackTest, AFullDiskLeavesWhatWasThere) {
     const std::string small = TarOf({{"a", std::string(100'000, 'x')}});
     const std::string large = TarOf({{"a", std::string(100'000, 'x')}, {"b", std::string(700'000, 'x')}});
