@@ -138,6 +138,6 @@ int AddOns::ExecServiceControl(CONTROL_ACTION action, bool notify) {
 }
 
 void AddOns::AnnounceAction(CONTROL_ACTION action) const {
-    CVClientNotify::Notify(kNotifyAddOns, itos(service), itos(action), "0");
+    CVClientNotify::Notify(kNotifyAddOns, itos(service), itos(action), itos(0));
     CVLog(kLogAddOns, 0, logServiceName, logDescription, "");
 }

@@ -21,6 +21,7 @@ constexpr char kMachineInfo[] = "/etc.defaults/orvainfo.conf";
 constexpr std::uint64_t kMiB = 1024UL * 1024;
 constexpr std::uint64_t kSizeLimitMiB = 2048;
 constexpr std::uint64_t kEntriesLimit = 50'000;
+constexpr std::size_t kUniqueLimitBytes = 127;
 
 std::optional<std::string> ReadText(const std::string& path) {
     try {
@@ -67,7 +68,7 @@ std::optional<ApplianceFacts> ReadApplianceFacts(const std::string& dir) {
     facts.version = ValueOf(*info, "version");
     facts.devicePackMinVersion = ValueOf(conf, "dp_min_ver");
     facts.localDisplayMinVersion = ValueOf(conf, "local_display_min_ver");
-    facts.platform = PlatformIn(ValueOf(machine, "unique").value_or(""));
+    facts.platform = PlatformIn(ValueOf(machine, "unique", kUniqueLimitBytes).value_or(""));
     facts.freeBytes = FreeBytes(dir + kTarget);
     return facts;
 }

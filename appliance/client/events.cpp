@@ -10,6 +10,7 @@
 #include "client/table.h"
 
 #include <unistd.h>
+
 #include <map>
 
 namespace client {

@@ -88,7 +88,10 @@ std::uint64_t StreamLimit(const ScanLimits& limits) {
 }
 
 std::string TextOf(ArchiveReader& archive, const ArchiveEntry& entry) {
-    std::string text(std::min<std::uint64_t>(entry.sizeBytes, kKeyFileLimitBytes), '\0');
+    if (entry.sizeBytes > kKeyFileLimitBytes) {
+        return "";
+    }
+    std::string text(entry.sizeBytes, '\0');
     text.resize(archive.Read(text.data(), text.size()));
     return text;
 }

@@ -1,5 +1,6 @@
-// A package daemon of the stand-in appliance: camvora-daemon TYPE. It does no work of its own. It can be seen
-// to live by the lock it holds, by its pid file and by the heartbeat in its status file, and ends on SIGTERM.
+// A package daemon of the stand-in appliance: camvora-daemon TYPE STARTER, the latter the process that starts
+// it. It does no work of its own. It can be seen to live by the lock it holds, by its pid file and by the
+// heartbeat in its status file, and ends on SIGTERM.
 #include "libcamvora/daemonlock.h"
 #include "libcamvora/daemontable.h"
 #include "libcamvora/paths.h"
@@ -7,6 +8,7 @@
 #include "platform/log.h"
 #include "platform/plibc.h"
 
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -47,12 +49,21 @@ void BeatUntilToldToEnd(const std::string& statusFile, const sigset_t& end) {
     } while (sigtimedwait(&end, nullptr, &kHeartbeat) != SIGTERM);
 }
 
-int RunDaemon(const camvora::DaemonEntry& entry) {
+// Nobody sees a daemon that has no lock yet: until then it ends with its starter. Returns false when that is
+// gone.
+bool HoldBeside(pid_t starter, camvora::DaemonLock& lock) {
+    (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const bool isHeld = getppid() == starter && lock.Hold();
+    (void)prctl(PR_SET_PDEATHSIG, 0);
+    return isHeld;
+}
+
+int RunDaemon(const camvora::DaemonEntry& entry, pid_t starter) {
     camvora::DaemonLock lock(camvora::DaemonLockFile(camvora::kRunFolder, entry.type));
     const std::string pidFile = camvora::DaemonPidFile(camvora::kRunFolder, entry);
     const std::string statusFile = camvora::DaemonStatusFile(camvora::kRunFolder, entry);
     const sigset_t end = HoldBackOrderToEnd();
-    if (!lock.Hold() || PLIBCProcPidFileCreate(pidFile.c_str()) != 0 || !lock.HoldReady()) {
+    if (!HoldBeside(starter, lock) || PLIBCProcPidFileCreate(pidFile.c_str()) != 0 || !lock.HoldReady()) {
         CVPrintf(0, nullptr, nullptr, "daemon", __LINE__, __func__,
                  "Failed to start %s, or it runs already\n", entry.name);
         return EXIT_FAILURE;
@@ -66,11 +77,11 @@ int RunDaemon(const camvora::DaemonEntry& entry) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const camvora::DaemonEntry* entry = argc == 2 ? camvora::FindDaemon(std::atoi(argv[1])) : nullptr;
+    const camvora::DaemonEntry* entry = argc == 3 ? camvora::FindDaemon(std::atoi(argv[1])) : nullptr;
     if (entry == nullptr) {
-        (void)std::fputs("usage: camvora-daemon TYPE\n", stderr);
+        (void)std::fputs("usage: camvora-daemon TYPE STARTER\n", stderr);
         return 2;
     }
     camvora::SetRequestIdFromEnvironment();
-    return RunDaemon(*entry);
+    return RunDaemon(*entry, std::atoi(argv[2]));
 }

@@ -79,6 +79,7 @@ Reply Pairing::RedeemCode(const std::string& body) {
     data["secretIn"] = server.secretOut;
     data["secretOut"] = server.secretIn;
     const std::lock_guard<std::mutex> lock(mutex_);
+    DropOutdated();
     made_[server.name] = {server, std::chrono::steady_clock::now() + PairingCodes::kValidity};
     return SuccessReply(data);
 }
@@ -92,8 +93,9 @@ Reply Pairing::Confirm(const std::string& body) {
         return *refusal;
     }
     const std::lock_guard<std::mutex> lock(mutex_);
+    DropOutdated();
     const auto made = made_.find(name);
-    if (made == made_.end() || std::chrono::steady_clock::now() > made->second.until ||
+    if (made == made_.end() ||
         CRYPTO_memcmp(secret.data(), made->second.server.secretIn.data(), secret.size()) != 0) {
         return ReplyFor(FrameworkError::kWrongPairingCode);
     }
@@ -124,7 +126,18 @@ Reply Pairing::List() {
     return SuccessReply(data);
 }
 
+void Pairing::DropOutdated() {
+    const auto now = std::chrono::steady_clock::now();
+    for (auto made = made_.begin(); made != made_.end();) {
+        made = now > made->second.until ? made_.erase(made) : std::next(made);
+    }
+}
+
 Reply Pairing::Forget(const std::string& name) {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        made_.erase(name);  // or it could be confirmed once more
+    }
     const std::vector<camvora::Pair> pairs = camvora::Pairs();
     if (std::none_of(pairs.begin(), pairs.end(),
                      [&name](const camvora::Pair& pair) { return pair.name == name; })) {

@@ -35,7 +35,7 @@ public:
     static Reply List();
 
     // Forgets the pairs called `name`.
-    static Reply Forget(const std::string& name);
+    Reply Forget(const std::string& name);
 
 private:
     struct Made {
@@ -43,9 +43,11 @@ private:
         std::chrono::steady_clock::time_point until;  // it can be confirmed
     };
 
+    void DropOutdated();  // with the mutex held
+
     PairingCodes codes_;
     std::mutex mutex_;
-    std::map<std::string, Made> made_;  // by name; the last one can be confirmed more than once
+    std::map<std::string, Made> made_;  // by name; each can be confirmed again: its answer may be lost
 };
 
 }  // namespace host

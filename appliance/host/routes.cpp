@@ -283,7 +283,7 @@ void Routes::AnswerPairs(const httplib::Request& /*request*/, httplib::Response&
 }
 
 void Routes::AnswerForget(const httplib::Request& request, httplib::Response& response) {
-    Write(response, Pairing::Forget(request.get_param_value("name")));
+    Write(response, pairing_.Forget(request.get_param_value("name")));
 }
 
 // Takes no place of a request: the server that is called may call this one for its part.

@@ -10,7 +10,7 @@ namespace camvora {
 
 namespace {
 
-constexpr std::size_t kPieceBytes = 65'536;
+constexpr std::size_t kPipeBytes = 65'536;
 
 }  // namespace
 
@@ -26,12 +26,11 @@ CappedOutput::CappedOutput(const std::string& path, std::size_t limitBytes)
 }
 
 void CappedOutput::Take() {
-    std::array<char, kPieceBytes> piece{};
-    ssize_t size = 0;
-    while ((size = read(ReadEnd(), piece.data(), piece.size())) > 0) {
-        Keep(piece.data(), static_cast<std::size_t>(size));
-    }
-    if (size == 0) {
+    std::array<char, kPipeBytes> content{};
+    const ssize_t size = read(ReadEnd(), content.data(), content.size());
+    if (size > 0) {
+        Keep(content.data(), static_cast<std::size_t>(size));
+    } else if (size == 0) {
         readEnd_.reset();  // nobody prints any more
     }
 }

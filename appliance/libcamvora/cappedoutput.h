@@ -23,7 +23,7 @@ public:
     // To be called once the program has its end: the pipe is at its end then when all others have closed it.
     void CloseWriteEnd() { writeEnd_.reset(); }
 
-    // Takes what has been printed so far. Never waits.
+    // Takes what the pipe holds. Never waits, however much is being printed.
     void Take();
 
 private:

@@ -57,9 +57,10 @@ public:
     SpawnPlan& operator=(const SpawnPlan&) = delete;
 
     // Returns the process's id, or -1.
-    pid_t Spawn(std::string program, std::string argument) const {
+    pid_t Spawn(std::string program, std::string type) const {
         std::string id = std::string(kRequestIdVariable) + "=" + RequestId();
-        const std::array<char*, 3> arguments = {program.data(), argument.data(), nullptr};
+        std::string starter = std::to_string(getpid());
+        const std::array<char*, 4> arguments = {program.data(), type.data(), starter.data(), nullptr};
         const std::array<char*, 2> environment = {id.data(), nullptr};
         pid_t pid = -1;
         const int error =

@@ -14,7 +14,7 @@ using DaemonGroup = std::vector<const DaemonEntry*>;
 
 // How a daemon is started and how long it is waited for.
 struct DaemonPlaces {
-    std::string program;    // run with the daemon's type as argument
+    std::string program;    // run with the daemon's type and its starter's id
     std::string runFolder;  // of its lock, pid and status files
     std::chrono::milliseconds startLimit;
     std::chrono::milliseconds endLimit;  // after which SIGKILL follows SIGTERM

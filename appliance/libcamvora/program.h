@@ -21,7 +21,7 @@ struct Program {
     std::optional<rlim_t> fileSizeLimitBytes = std::nullopt;  // of each file that it writes
     std::optional<rlim_t> memoryLimitBytes = std::nullopt;    // of addresses, for each process
 
-    // Of what it prints; a process that prints after its end is ended by SIGPIPE then.
+    // Of what it prints; where there is a limit, a process that outlives it can print no more.
     std::optional<std::size_t> outputLimitBytes = std::nullopt;
 
     // Asked a few times a second while the program runs, in another process; false ends the program.

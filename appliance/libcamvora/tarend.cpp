@@ -8,13 +8,15 @@
 #include <numeric>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace camvora {
 
 namespace {
 
 constexpr off_t kBlockBytes = 512;
-constexpr char kHardLink = '1';
+constexpr char kWithoutContent[] = "123456V";  // links, devices, folders, pipes, the name of a volume
+constexpr char kSparse = 'S';
 
 // Of a header.
 struct Field {
@@ -24,6 +26,10 @@ struct Field {
 constexpr Field kSize{124, 12};
 constexpr Field kChecksum{148, 8};
 constexpr std::size_t kTypeOffset = 156;
+
+// Not zero where another block with pieces of a sparse file follows: in its header, and in such a block.
+constexpr std::size_t kMoreInHeaderOffset = 482;
+constexpr std::size_t kMoreInBlockOffset = 504;
 
 using Block = std::array<char, static_cast<std::size_t>(kBlockBytes)>;
 
@@ -63,14 +69,30 @@ bool IsHeader(const Block& block) {
     return NumberIn(block, kChecksum) == sum;
 }
 
-// From the begin of a member's header to that of the next; nothing where there is no such header.
-std::optional<off_t> LengthOfMember(const Block& header) {
-    const std::optional<off_t> size = NumberIn(header, kSize);
-    if (!IsHeader(header) || !size) {
+// Of the header at `offset`, with the blocks that list the pieces of a sparse file.
+off_t LengthOfHeader(int file, off_t offset, const Block& header) {
+    off_t length = kBlockBytes;
+    bool hasMore = header[kTypeOffset] == kSparse && header[kMoreInHeaderOffset] != 0;
+    while (hasMore) {
+        Block pieces{};
+        hasMore = ReadBlock(file, offset + length, pieces) && pieces[kMoreInBlockOffset] != 0;
+        length += kBlockBytes;
+    }
+    return length;
+}
+
+// From the begin of the header at `offset` to that of the next member; nothing where there is no such header.
+std::optional<off_t> LengthOfMember(int file, off_t offset, const Block& header) {
+    if (!IsHeader(header)) {
         return std::nullopt;
     }
-    const off_t content = header[kTypeOffset] == kHardLink ? 0 : *size;
-    return kBlockBytes + (content + kBlockBytes - 1) / kBlockBytes * kBlockBytes;
+    const bool hasContent =
+        std::string_view(kWithoutContent).find(header[kTypeOffset]) == std::string_view::npos;
+    const std::optional<off_t> size = hasContent ? NumberIn(header, kSize) : 0;
+    if (!size) {
+        return std::nullopt;
+    }
+    return LengthOfHeader(file, offset, header) + (*size + kBlockBytes - 1) / kBlockBytes * kBlockBytes;
 }
 
 }  // namespace
@@ -82,7 +104,7 @@ bool HasTarEnd(int file, off_t sizeBytes) {
     }
     off_t offset = 0;
     while (offset < sizeBytes && ReadBlock(file, offset, block) && !IsZero(block)) {
-        const std::optional<off_t> length = LengthOfMember(block);
+        const std::optional<off_t> length = LengthOfMember(file, offset, block);
         if (!length) {
             return false;
         }

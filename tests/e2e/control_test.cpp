@@ -1,6 +1,7 @@
 // Starting and stopping services: real processes, real locks, the notification and the log that follow.
 #include "e2e/appliance.h"
 #include "e2e/processes.h"
+#include "support/program.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
@@ -10,6 +11,7 @@
 #include <future>
 #include <map>
 #include <thread>
+#include <utility>
 
 namespace e2e {
 namespace {
@@ -32,8 +34,8 @@ bool IsDaemon(pid_t pid) {
 
 bool IsDaemonOfType(pid_t pid, int type) {
     const std::string line = ReadFile("/proc/" + std::to_string(pid) + "/cmdline");
-    const std::string end = '\0' + std::to_string(type) + '\0';
-    return IsDaemon(pid) && line.size() > end.size() && line.substr(line.size() - end.size()) == end;
+    const std::string first = '\0' + std::to_string(type) + '\0';
+    return IsDaemon(pid) && line.compare(std::min(line.find('\0'), line.size()), first.size(), first) == 0;
 }
 
 class ControlTest : public ApplianceTest {
@@ -130,7 +132,7 @@ protected:
     static pid_t Daemon(int type) {
         const Pids daemons = Daemons(type);
         EXPECT_EQ(1U, daemons.size());
-        return daemons.empty() ? -1 : daemons.front();
+        return daemons.at(0);  // throws: some take a number for "all"
     }
 
     // Processes of requests and actions, and dead ones of any kind that nobody reaped.
@@ -337,6 +339,19 @@ TEST_F(ControlTest, AServiceThatIsNoNumberChangesNothing) {
     }
     EXPECT_TRUE(IsQuiet());
     EXPECT_EQ(before, Notifications().size());
+}
+
+// Else an action that was killed would bring a daemon up after a stop that could not see it.
+TEST(DaemonProgram, ComesUpOnlyBesideItsStarter) {
+    constexpr int kLivedOn = 124;  // says timeout
+    constexpr char kRun[] = "exec timeout 1 /var/packages/Camvora/target/bin/camvora-daemon 1 ";
+    Appliance appliance;
+    appliance.Stop();
+    for (const auto& [starter, status] : {std::pair{"$$", kLivedOn}, std::pair{"0", 1}}) {
+        const Program daemon({appliance.PathOf("launch"), "--run", "sh", "-c", std::string(kRun) + starter},
+                             {"PATH=/usr/bin:/bin"});
+        EXPECT_EQ(status, daemon.Wait().status) << starter << daemon.Errors();
+    }
 }
 
 }  // namespace

@@ -123,11 +123,15 @@ TEST(HostEndTest, WhatAKilledApplianceLeftIsGoneAtTheNextStart) {
     ASSERT_TRUE(appliance.Owner().AddOns("Enable", Param("service", 3)).Succeeded());
     ASSERT_TRUE(hasStatus(appliance, 4));
     EXPECT_TRUE(std::filesystem::exists(appliance.TemporaryPath() / "cv_service3.lock"));
-    const std::ofstream unguarded(appliance.TemporaryPath() / "cv_service4.lock");  // one whose guard is gone
-    ASSERT_TRUE(unguarded.is_open());
+    const auto releaseLock = appliance.TemporaryPath() / "cv_addons_lock";
+    for (const auto& unguarded : {appliance.TemporaryPath() / "cv_service4.lock", releaseLock}) {
+        const std::ofstream file(unguarded);  // one whose guard is gone
+        ASSERT_TRUE(file.is_open());
+    }
     appliance.Kill();
 
     appliance.Launch();
+    EXPECT_FALSE(std::filesystem::exists(releaseLock));
     for (const int service : {3, 4}) {
         EXPECT_FALSE(std::filesystem::exists(appliance.TemporaryPath() /
                                              ("cv_service" + std::to_string(service) + ".lock")));

@@ -297,6 +297,20 @@ TEST_F(PairTest, ACodeIsGoodForOnePairing) {
     EXPECT_EQ(1022, again.Code());
 }
 
+// Its answer may have been lost; but not once the owner has removed the pair.
+TEST_F(PairTest, ACodesPairCanBeConfirmedAgainUntilItIsRemoved) {
+    Json::Value request = Param("code", NewCode(*host_));
+    request["address"] = recorder_->Url();
+    HttpCalls stranger = host_->Stranger();
+    const std::string pair = stranger.Post("/pairing", request.toStyledString()).Data().toStyledString();
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_TRUE(stranger.Post("/pairing/confirmation", pair).Succeeded());
+    }
+    EXPECT_EQ(200, host_->Owner().Client().Delete("/pairs?name=recorder")->status);
+    EXPECT_EQ(1022, stranger.Post("/pairing/confirmation", pair).Code());
+    EXPECT_EQ(0U, host_->Owner().Get("/pairs").Data()["pairs"].size());
+}
+
 // The host has answered to the code by then.
 TEST_F(PairTest, APairThatTheServerDoesNotKeepIsNotKeptByTheHost) {
     const std::vector<std::string> join = {"pair", "join", host_->Url(), NewCode(*host_), "--as", "no/name"};

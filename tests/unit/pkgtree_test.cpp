@@ -103,7 +103,7 @@ struct SoundCase {
 
 const SoundCase kSoundCases[] = {
     {"sound", "true", true},
-    {"nothing_there", "rm -r ../work/*", true},
+    {"nothing_there", "rm -r ./*", true},
     {"links_inside", "ln -s conf tree/alias && ln -s ../conf tree/script/helper", true},
     {"info_is_link", "ln -sf ../outside/kept INFO", false},
     {"info_is_fifo", "rm INFO && mkfifo INFO", false},

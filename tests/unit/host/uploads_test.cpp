@@ -40,11 +40,20 @@ bool CopeWithFullDisk(const std::string& folder) {
            !Upload(area, kMiB, kMiB);
 }
 
+// What the first file takes is a part of what was announced for both.
+bool TakeTwoFiles(const std::string& folder) {
+    const UploadArea area(folder);
+    Uploads uploads(area, 3 * kMiB);
+    return !Store(uploads, 3 * kMiB / 2) && !Store(uploads, 3 * kMiB / 2);
+}
+
 TEST(Uploads, FindADiskFullAndLeaveNothing) {
     const TemporaryFolder folder;
     const pid_t pid = fork();
     if (pid == 0) {
-        _exit(!MountSmallDisk(folder.Path(), kDiskBytes) ? kNoDisk : CopeWithFullDisk(folder.Path()) ? 0 : 1);
+        _exit(!MountSmallDisk(folder.Path(), kDiskBytes)                       ? kNoDisk
+              : CopeWithFullDisk(folder.Path()) && TakeTwoFiles(folder.Path()) ? 0
+                                                                               : 1);
     }
     int status = 0;
     ASSERT_EQ(pid, waitpid(pid, &status, 0));

@@ -33,7 +33,7 @@ constexpr camvora::DaemonEntry kHelper = {"localdisplayhelperd", 12, -1, 11};
 
 class DaemonProcess : public testing::Test {
 protected:
-    // The program gets no arguments but the type, so a script adds the folder and what the daemon shall do.
+    // The program is not told the folder and what the daemon shall do, so a script adds that.
     camvora::DaemonPlaces Places(const std::string& behaviour) const {
         const std::string name = "daemon " + behaviour;
         folder_.Write(name, "#!/bin/sh\nexec '" TEST_DAEMON "' '" + folder_.PathOf("") + "' '" + behaviour +

@@ -36,15 +36,19 @@ protected:
         (void)TakeLoggedTexts();
     }
 
-    bool Unpack(const std::string& archive, const camvora::UnpackLimits& limits = kLimits) const {
+    camvora::ProgramEnd EndOf(const std::string& archive, const camvora::UnpackLimits& limits) const {
         const camvora::Program tar{
             "/bin/tar", {}, {"PATH=/usr/bin:/bin", "LANG=C.UTF-8"}, folder_.PathOf("output"), seconds(20)};
-        return camvora::Unpack(tar, folder_.PathOf("work/"), folder_.PathOf(archive), limits).exitStatus == 0;
+        return camvora::Unpack(tar, folder_.PathOf("work/"), folder_.PathOf(archive), limits);
     }
 
-    bool UnpackBytes(const std::string& archive) const {
+    bool Unpack(const std::string& archive, const camvora::UnpackLimits& limits = kLimits) const {
+        return EndOf(archive, limits).exitStatus == 0;
+    }
+
+    bool UnpackBytes(const std::string& archive, const camvora::UnpackLimits& limits = kLimits) const {
         folder_.Write("archive", archive);
-        return Unpack("archive");
+        return Unpack("archive", limits);
     }
 
     // Makes an archive of the folder "tree" as its owner would.
@@ -139,16 +143,24 @@ TEST_F(UnpackTest, BombsAreRefused) {
 // While it runs, not only afterwards: it would fill the disk first. Within a folder that cannot be looked
 // into, too.
 TEST_F(UnpackTest, ABombIsStoppedOnItsWay) {
-    constexpr int kFiles = 60'000;
-    const std::string last = folder_.PathOf("last");
-    for (const std::string folder : {"", "closed/"}) {
-        std::string many = TarOf({{"closed/", "", '5', "", 0}}).substr(0, 512);
-        for (int i = 0; i < kFiles; ++i) {
-            many += TarOf({{folder + std::to_string(i)}}).substr(0, 512);
+    constexpr std::size_t kNames = 60;              // more than the limit
+    constexpr std::size_t kPrintedBytes = 240'000;  // less than what is kept of what tar prints
+    for (const std::string folder : {"", "c/"}) {
+        const auto member = [&folder](const std::string& name) {
+            return TarOf({{folder + name}}).substr(0, 512);
+        };
+        std::string many = TarOf({{"c/", "", '5', "", 0}}).substr(0, 512);
+        for (std::size_t i = 0; i < kNames; ++i) {
+            many += member(std::to_string(i));
         }
+        const std::string same = member("x");
+        for (std::size_t printed = 0; printed < kPrintedBytes; printed += folder.size() + sizeof("x")) {
+            many += same;
+        }
+        many += member("last");
         EXPECT_TRUE(SucceedsInChild([&] {
             return GiveUpPrivileges() && !UnpackBytes(many + std::string(1024, '\0')) &&
-                   folder_.Read("output").find(std::to_string(kFiles - 1)) == std::string::npos;
+                   folder_.Read("output").find("last") == std::string::npos;
         }));
         EXPECT_EQ(1U, ListingOf(folder_.PathOf("work")).size());
     }
@@ -156,18 +168,22 @@ TEST_F(UnpackTest, ABombIsStoppedOnItsWay) {
 
 // tar holds it in memory and prints it, again with each complaint.
 TEST_F(UnpackTest, AVeryLongNameIsNotPrintedWhole) {
+    constexpr camvora::UnpackLimits kNoLimits{1LL << 40, 50};
     for (const std::size_t sizeMiB : {std::size_t{8}, std::size_t{300}}) {
         const std::string name(sizeMiB << 20, 'n');
-        EXPECT_FALSE(UnpackBytes(TarOf({{"././@LongLink", name, 'L'}, {"x", "x"}})));
+        EXPECT_FALSE(UnpackBytes(TarOf({{"././@LongLink", name, 'L'}, {"x", "x"}}), kNoLimits));
         EXPECT_LE(folder_.Read("output").size(), std::size_t{1} << 20);
     }
+    EXPECT_NE(std::string::npos, folder_.Read("output").find("memory exhausted"));
 }
 
 TEST_F(UnpackTest, WhatIsNoPlainFileIsNotWaitedFor) {
     ASSERT_EQ(0, mkfifo(folder_.PathOf("fifo").c_str(), 0600));
-    EXPECT_FALSE(Unpack("fifo"));
-    EXPECT_FALSE(Unpack("missing"));
-    EXPECT_FALSE(Unpack("work"));
+    for (const std::string archive : {"fifo", "missing", "work"}) {
+        const camvora::ProgramEnd end = EndOf(archive, kLimits);
+        EXPECT_EQ(-1, end.exitStatus) << archive;
+        EXPECT_EQ(0, end.peakMemoryKiB) << archive << ": tar was started";
+    }
 }
 
 TEST_F(UnpackTest, ACutArchiveLeavesWhatWasThere) {
@@ -195,6 +211,18 @@ TEST_F(UnpackTest, AnArchiveThatIsNotCompressedNeedsItsEnd) {
     }
     EXPECT_TRUE(UnpackBytes(whole));
     EXPECT_TRUE(UnpackBytes(whole + std::string(9000, '\0')));
+}
+
+TEST_F(UnpackTest, AnArchiveThatIsNotCompressedMayHaveAllThatTarWrites) {
+    fs::create_directory(folder_.PathOf("tree"));
+    std::ofstream(folder_.PathOf("tree/file")) << "x";
+    Pack("-cV label -f", "labelled");
+    EXPECT_TRUE(Unpack("labelled"));
+    ASSERT_EQ(0, std::system(("for i in $(seq 0 8 400); do printf x | dd of='" +
+                              folder_.PathOf("tree/holes") + "' bs=1K seek=$i conv=notrunc status=none; done")
+                                 .c_str()));
+    Pack("--format=gnu -cSf", "pieces");
+    EXPECT_TRUE(Unpack("pieces"));
 }
 
 TEST_F(UnpackTest, AFullDiskLeavesWhatWasThere) {

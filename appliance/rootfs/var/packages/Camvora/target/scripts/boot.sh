@@ -12,10 +12,10 @@ cd "$target/@CVData/run"
 # an appliance that was killed may still hold locks: the host sweeps what nobody holds, but sees no lock file whose
 # guard is gone.
 if [ $$ = 1 ]; then
-  rm -rf ./* /tmp/cv_*.lock /tmp/cv_*.pid /tmp/cv_*.pid.new
+  rm -rf ./* /tmp/cv_addons_lock /tmp/cv_*.lock /tmp/cv_*.pid /tmp/cv_*.pid.new
 else
   rm -f address started daemon-*.stopped
-  for lock in /tmp/cv_*.lock; do
+  for lock in /tmp/cv_addons_lock /tmp/cv_*.lock; do
     [ -e "locks/%2Ftmp%2F${lock##*/}" ] || rm -f "$lock" "${lock%.lock}.pid" "${lock%.lock}.pid.new" || :
   done
 fi
