@@ -79,6 +79,13 @@ Json::Value Appliance::Operations(const std::multimap<std::string, std::string>&
     return ListIn(Checked(http_.Get("/operations", query), kWhat).data, "operations", kWhat);
 }
 
+Json::Value Appliance::Programs(const std::string& requestId) const {
+    using Query = std::multimap<std::string, std::string>;
+    constexpr char kWhat[] = "The record of programs";
+    const Query query = requestId.empty() ? Query{} : Query{{"request", requestId}};
+    return ListIn(Checked(http_.Get("/programs", query), kWhat).data, "programs", kWhat);
+}
+
 void Appliance::AddRequest(Failure& failure, const std::string& requestId) const {
     if (requestId.empty()) {
         return;

@@ -51,8 +51,9 @@ public:
     // The log lines of a request, an array. Throws as Ask does.
     Json::Value Log(const std::string& requestId) const;
 
-    // False when methods are called on a paired server, whose operation log cannot be asked.
-    bool HasOperations() const { return server_.empty(); }
+    // False when methods are called on a paired server, whose records, those of operations and of programs,
+    // cannot be asked.
+    bool HasRecords() const { return server_.empty(); }
 
     // The entries of the operation log with ids above `after`, oldest first and at most a thousand; the
     // newest without `after`. Throws as Ask does.
@@ -60,6 +61,10 @@ public:
 
     // The entries of the operation log that a request caused. Throws as Ask does.
     Json::Value OperationsOf(const std::string& requestId) const;
+
+    // The newest programs that the request has run, or that all have where it is empty, in the order of their
+    // ends and at most a thousand. Throws as Ask does.
+    Json::Value Programs(const std::string& requestId) const;
 
     // Puts a request and, as far as they can be had, its log lines into `failure`.
     void AddRequest(Failure& failure, const std::string& requestId) const;

@@ -1,15 +1,10 @@
 // camvoractl check FILE
-#include "client/appliancefacts.h"
 #include "client/command.h"
 #include "client/commands.h"
-#include "client/failure.h"
-#include "client/packagerules.h"
-#include "client/packagescan.h"
-#include "client/plainfile.h"
+#include "client/packagecheck.h"
 #include "client/session.h"
 #include "client/table.h"
 
-#include <filesystem>
 #include <memory>
 
 namespace client {
@@ -34,44 +29,15 @@ Table VerdictTable(const std::vector<Verdict>& verdicts) {
     return table;
 }
 
-Json::Value VerdictDocument(const std::vector<Verdict>& verdicts) {
-    Json::Value document;
-    for (const Verdict& verdict : verdicts) {
-        Json::Value row;
-        row["rule"] = verdict.rule;
-        row["kept"] =
-            verdict.ruling == Ruling::kNotChecked ? Json::Value() : verdict.ruling == Ruling::kHolds;
-        row["seen"] = verdict.seen;
-        row["wanted"] = verdict.wanted;
-        document["rules"].append(row);
-    }
-    return document;
-}
-
-std::vector<Verdict> Judge(const std::string& path, const std::string& folder) {
-    const PlainFile file(path);
-    const PackageScan scan = ScanPackage(file, ReadScanLimits(folder));
-    return JudgePackage(std::filesystem::path(path).filename(), file.SizeBytes(), scan,
-                        ReadApplianceFacts(folder));
-}
-
 // A program gets one document: the verdicts of a package that is refused are part of the failure.
-Failure Refusal(const std::string& path, const std::string& broken, const Json::Value& data) {
-    Failure failure(ExitStatus::kRefused, path + " does not keep the rules: " + broken);
-    failure.data = data;
-    return failure;
-}
-
 void Check(const Session& session, const std::string& path) {
-    const std::vector<Verdict> verdicts = Judge(path, session.Folder());
-    const Json::Value document = VerdictDocument(verdicts);
-    const std::string broken = BrokenRules(verdicts);
-    const bool isInFailure = session.IsForPrograms() && !broken.empty();
-    if (!isInFailure) {
-        session.Print(document, VerdictTable(verdicts));
+    const std::vector<Verdict> verdicts = CheckPackage(path, session.Folder()).verdicts;
+    const bool isBroken = !BrokenRules(verdicts).empty();
+    if (!isBroken || !session.IsForPrograms()) {
+        session.Print(VerdictDocument(verdicts), VerdictTable(verdicts));
     }
-    if (!broken.empty()) {
-        throw Refusal(path, broken, isInFailure ? document : Json::Value());
+    if (isBroken) {
+        throw RuleFailure(path, verdicts, session.IsForPrograms());
     }
 }
 

@@ -22,8 +22,8 @@ namespace {
 
 // In the order of the help.
 constexpr void (*kCommands[])(Command, Session&) = {
-    AddList,   AddStatus, AddControl, AddUpload,  AddCheck, AddPkg,
-    AddEvents, AddLog,    AddApps,    AddMethods, AddCall,  AddPair,
+    AddList,   AddStatus, AddControl, AddInstall, AddUpload, AddCheck, AddPkg,
+    AddEvents, AddLog,    AddApps,    AddMethods, AddCall,   AddPair,
 };
 
 constexpr char kExamples[] =
@@ -32,7 +32,7 @@ constexpr char kExamples[] =
     "  camvoractl status device_pack\n"
     "  camvoractl start local_display\n"
     "  camvoractl check device_pack-2.2.0-0140.spk\n"
-    "  camvoractl upload device_pack-2.2.0-0140.spk device_pack\n"
+    "  camvoractl install device_pack-2.2.0-0140.spk\n"
     "  camvoractl apps --lang de --json\n"
     "  camvoractl call GetInfo service=1\n\n";
 

@@ -17,6 +17,7 @@ void AddApps(Command program, Session& session);
 void AddMethods(Command program, Session& session);
 void AddCall(Command program, Session& session);
 void AddUpload(Command program, Session& session);
+void AddInstall(Command program, Session& session);
 void AddCheck(Command program, Session& session);
 void AddPkg(Command program, Session& session);
 void AddPair(Command program, Session& session);  // code, join, list and remove

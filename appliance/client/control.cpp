@@ -81,7 +81,7 @@ void Run(Session& session, const Control& control, const ControlArguments& argum
         PrintOrdered(session, service.name + " " + control.ordered, requestId);
         return;
     }
-    const bool isOver = *control.description == '\0' || !host.HasOperations();  // its state has to do
+    const bool isOver = *control.description == '\0' || !host.HasRecords();  // its state has to do
     ServiceWait wait(host, *progress, service, requestId, isOver, session.TimeLimit());
     const Json::Value info = (wait.*control.wait)();
     progress.reset();

@@ -1,9 +1,11 @@
 #include "client/commandline.h"
 #include "client/exitstatus.h"
+#include "client/interruptnote.h"
 
 #include <unistd.h>
 
 #include <csignal>
+#include <cstring>
 
 namespace {
 
@@ -11,6 +13,8 @@ namespace {
 extern "C" void EndInterrupted(int /*signal*/) {
     constexpr char kText[] = "camvoractl: Interrupted\n";
     (void)!write(STDERR_FILENO, kText, sizeof(kText) - 1);
+    const char* note = client::InterruptNote::Present();
+    (void)!write(STDERR_FILENO, note, strlen(note));
     _exit(static_cast<int>(client::ExitStatus::kInterrupted));
 }
 

@@ -16,14 +16,15 @@ using Value = std::optional<std::string>;
 
 struct AddOn {
     const char* package;
-    const char* conf;  // its place in the tree's archive
+    const char* service;  // its short name
+    const char* conf;     // its place in the tree's archive
     bool hasTopFolder;
     Value ApplianceFacts::*minVersion;
 };
 
 constexpr AddOn kAddOns[] = {
-    {kDevicePackPackage, "device_pack/conf", true, &ApplianceFacts::devicePackMinVersion},
-    {kLocalDisplayPackage, "conf", false, &ApplianceFacts::localDisplayMinVersion},
+    {kDevicePackPackage, "device_pack", "device_pack/conf", true, &ApplianceFacts::devicePackMinVersion},
+    {kLocalDisplayPackage, "local_display", "conf", false, &ApplianceFacts::localDisplayMinVersion},
 };
 
 // What the rules look at. Values that are not there are nothing.
@@ -196,6 +197,17 @@ Value FindConf(const PackageScan& scan, const AddOn* addOn) {
 }
 
 }  // namespace
+
+std::optional<PackageIdentity> IdentityOf(const PackageScan& scan) {
+    const AddOn* addOn = FindAddOn(ValueOf(scan.info, "package"));
+    const std::string conf = FindConf(scan, addOn).value_or("");
+    const Value version = ValueOf(conf, "version");
+    const Value maintainer = ValueOf(conf, "maintainer");
+    if (addOn == nullptr || !version || !maintainer) {
+        return std::nullopt;
+    }
+    return PackageIdentity{addOn->service, *version, *maintainer};
+}
 
 std::vector<Verdict> JudgePackage(const std::string& fileName, std::uint64_t sizeBytes,
                                   const PackageScan& scan, const std::optional<ApplianceFacts>& facts) {

@@ -14,6 +14,16 @@ namespace client {
 inline constexpr char kDevicePackPackage[] = "CamvoraDevicePack";
 inline constexpr char kLocalDisplayPackage[] = "CamvoraLocalDisplay";
 
+// What a package says it is.
+struct PackageIdentity {
+    std::string service;  // short name of the add-on
+    std::string version;
+    std::string maintainer;
+};
+
+// Nothing when the package is of no add-on, or its conf does not say all of that.
+std::optional<PackageIdentity> IdentityOf(const PackageScan& scan);
+
 enum class Ruling { kHolds, kFails, kNotChecked };
 
 struct Verdict {

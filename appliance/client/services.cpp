@@ -115,6 +115,25 @@ std::vector<Service> ServicesIn(const Json::Value& listData) {
     return services;
 }
 
+std::vector<Service> RunningServicesIn(const Json::Value& listData) {
+    Json::Value running;
+    running["list"] = Json::Value(Json::arrayValue);
+    for (const Json::Value& entry : EntriesIn(listData)) {
+        if (Member(Member(entry, "info"), "blRunning") == Json::Value(true)) {
+            running["list"].append(entry);
+        }
+    }
+    return ServicesIn(running);
+}
+
+std::string NamesOf(const std::vector<Service>& services) {
+    std::string names;
+    for (const Service& service : services) {
+        names += (names.empty() ? "" : ", ") + service.name;
+    }
+    return names;
+}
+
 Service FindByName(const std::vector<Service>& services, const std::string& name) {
     for (const Service& service : services) {
         if (service.shortName == name) {

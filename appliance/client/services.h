@@ -23,6 +23,13 @@ Json::Value EntriesIn(const Json::Value& listData);
 //   throws  as EntriesIn does
 std::vector<Service> ServicesIn(const Json::Value& listData);
 
+// Those of them that run.
+//   throws  as EntriesIn does
+std::vector<Service> RunningServicesIn(const Json::Value& listData);
+
+// Their names for people, with ", " between.
+std::string NamesOf(const std::vector<Service>& services);
+
 // The service of that short name.
 //   throws  Failure (kNotFound), with the names that may have been meant
 Service FindByName(const std::vector<Service>& services, const std::string& name);

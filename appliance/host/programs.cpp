@@ -1,7 +1,5 @@
 #include "host/programs.h"
 
-#include "host/frameworkerrors.h"
-
 #include "libcamvora/programlog.h"
 
 namespace host {
@@ -30,9 +28,6 @@ Json::Value ToJson(const camvora::ProgramRun& run) {
 
 Reply ReplyWithPrograms(const httplib::Request& request) {
     const std::string requestId = request.get_param_value("request");
-    if (requestId.empty()) {
-        return ReplyFor(FrameworkError::kBadRequest, "the parameter \"request\" is missing");
-    }
     Json::Value data(Json::objectValue);
     data["programs"] = Json::Value(Json::arrayValue);
     for (const camvora::ProgramRun& run : camvora::ProgramRunsOf(requestId, kLimit)) {

@@ -7,9 +7,9 @@
 
 namespace host {
 
-// Answers with the programs that the request with the id of the parameter "request" has run, at most a
-// thousand, in the order of their ends. Any thread may call. Throws std::exception when the store cannot be
-// read.
+// Answers with the newest programs that the request with the id of the parameter "request" has run, or that
+// all have without it: at most a thousand, in the order of their ends. Any thread may call. Throws
+// std::exception when the store cannot be read.
 Reply ReplyWithPrograms(const httplib::Request& request);
 
 }  // namespace host

@@ -56,9 +56,14 @@ int PLIBCExec(const char* path, const char* arg1, const char* arg2, const char* 
         }
         arguments.emplace_back(argument);
     }
-    const ProgramEnd end = Run(MakeProgram(path, arguments));
+    const bool isThere = PLIBCFileExist(path) != 0;
+    ProgramEnd end = Run(MakeProgram(path, arguments));
+    const int exitStatus = end.exitStatus;
+    if (!isThere) {
+        end.exitStatus = camvora::kNoSuchProgram;
+    }
     (void)camvora::TheStore().WriteLater([&](SQLite::Database& database) {  // a failure is in the log
         camvora::AddProgramRun(database, path, arguments, end);
     });
-    return end.exitStatus;
+    return exitStatus;
 }

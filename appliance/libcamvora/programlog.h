@@ -9,6 +9,7 @@ namespace camvora {
 struct ProgramEnd;
 
 inline constexpr int kArgumentsLimit = 4;
+inline constexpr int kNoSuchProgram = -2;  // the exit status of one whose file is not there
 
 struct ProgramRun {
     long long id;           // grows by the order in which they ended
@@ -16,13 +17,13 @@ struct ProgramRun {
     std::string requestId;  // empty when no request caused it
     std::string path;
     std::vector<std::string> arguments;
-    int exitStatus;  // -1 when it could not be run, was ended at a limit or was killed
+    int exitStatus;  // -1 when it could not be run, was ended at a limit or was killed, or as below
     long long durationMs;
     long long peakMemoryKiB;
 };
 
-// At most `limit` programs that the request `requestId` has run, in the order of their ends, as far as they
-// are still kept. Throws std::exception when the store cannot be read.
+// The newest programs that the request `requestId` has run, or that all have where it is empty: at most
+// `limit`, in the order of their ends. Throws std::exception when the store cannot be read.
 std::vector<ProgramRun> ProgramRunsOf(const std::string& requestId, int limit);
 
 }  // namespace camvora

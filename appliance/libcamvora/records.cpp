@@ -142,9 +142,10 @@ std::vector<Notification> NotificationsAfter(SQLite::Database& database, long lo
 
 std::vector<ProgramRun> ProgramRunsOf(SQLite::Database& database, const std::string& requestId, int limit) {
     SQLite::Statement statement(database,
-                                "SELECT id, time, request, path, argument1, argument2, argument3, argument4, "
-                                "exit_status, duration_ms,"
-                                " peak_memory_kib FROM programs WHERE request = ? ORDER BY id LIMIT ?");
+                                "SELECT * FROM (SELECT id, time, request, path, argument1, argument2,"
+                                " argument3, argument4, exit_status, duration_ms, peak_memory_kib"
+                                " FROM programs WHERE ?1 = '' OR request = ?1 ORDER BY id DESC LIMIT ?2)"
+                                " ORDER BY id");
     SQLite::bind(statement, requestId, limit);
     std::vector<ProgramRun> runs;
     while (statement.executeStep()) {

@@ -84,7 +84,6 @@ const std::vector<ErrorCase> kErrorCases = {
     {"method_with_get", "GET", kEcho, "", "", 405, 1017},
     {"method_with_put", "PUT", kEcho, "{}", kJson, 405, 1017},
     {"log_of_no_request", "GET", "/log", "", "", 400, 1018},
-    {"programs_of_no_request", "GET", "/programs", "", "", 400, 1018},
 };
 
 class FrameworkErrorTest : public ApplianceTest, public testing::WithParamInterface<ErrorCase> {

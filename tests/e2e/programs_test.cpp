@@ -63,8 +63,11 @@ TEST_F(ProgramsTest, AreRecordedWithTheirRequest) {
     EXPECT_EQ(7, programs[0]["exitStatus"].asInt());
     EXPECT_EQ(failed.requestId, programs[0]["request"].asString());
     EXPECT_GT(programs[0]["peakMemoryKiB"].asInt(), 0);
-    EXPECT_EQ(-1, ProgramsOf(missing)[0]["exitStatus"].asInt());
+    EXPECT_EQ(-2, ProgramsOf(missing)[0]["exitStatus"].asInt()) << "there is none";
     EXPECT_EQ(0U, ProgramsOf(missing)[0]["arguments"].size());
+    const Json::Value all = owner_.Get("/programs").Data()["programs"];
+    EXPECT_EQ(missing.requestId, all[all.size() - 1]["request"].asString());
+    EXPECT_EQ(failed.requestId, all[all.size() - 2]["request"].asString());
     EXPECT_EQ(401, appliance_->Stranger().Get("/programs?request=" + failed.requestId).status);
     EXPECT_NE(std::string::npos,
               ReadFile(appliance_->PackagePath("target/@CVData/log/programs.log")).find("printed\n"));

@@ -113,8 +113,11 @@ TEST_F(Records, ProgramsComeBackWholeAndOldOnesGo) {
     EXPECT_EQ(-1, runs[0].exitStatus);
     EXPECT_EQ(1500, runs[0].durationMs);
     EXPECT_EQ(4096, runs[0].peakMemoryKiB);
-    EXPECT_EQ(2, camvora::ProgramRunsOf(database_, "r-1", 1).at(0).id);
-    EXPECT_TRUE(camvora::ProgramRunsOf(database_, "r-1", 1).at(0).arguments.empty());
+    EXPECT_EQ(2, camvora::ProgramRunsOf(database_, "", camvora::kProgramRunsKept + 1).at(0).id);
+    const auto newest = camvora::ProgramRunsOf(database_, "r-1", 2);
+    ASSERT_EQ(2U, newest.size());
+    EXPECT_EQ(camvora::kProgramRunsKept - 1, newest[0].id);
+    EXPECT_TRUE(newest[0].arguments.empty());
 }
 
 TEST_F(Records, OperationsComeBackWholeAndOldOnesGo) {

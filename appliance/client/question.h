@@ -1,0 +1,15 @@
+// Asking the person at the terminal.
+#pragma once
+
+#include <string>
+
+namespace client {
+
+// True when there is somebody to ask: standard input and standard error are terminals.
+bool CanAsk();
+
+// Asks on standard error and waits for a line on standard input. True for "y" and "yes".
+//   question  one sentence; any bytes
+bool IsAgreed(const std::string& question);
+
+}  // namespace client
