@@ -26,14 +26,15 @@ bool IsAbsent(const std::string& path) {
 }
 
 bool IsFolder(const std::string& path) {
-    struct stat info {};
-    return lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+    return IdentityOf(path).has_value();
 }
 
-FolderIdentity IdentityOf(const std::string& path) {
+std::optional<FolderIdentity> IdentityOf(const std::string& path) {
     struct stat info {};
-    const bool isFolder = lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-    return isFolder ? FolderIdentity{info.st_dev, info.st_ino} : FolderIdentity{};
+    if (lstat(path.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+        return std::nullopt;
+    }
+    return FolderIdentity{info.st_dev, info.st_ino};
 }
 
 bool operator==(const FolderIdentity& one, const FolderIdentity& other) {

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <optional>
 #include <string>
 
 // True when nothing of that name is there, not even a link to nothing.
@@ -18,12 +19,14 @@ bool SyncFolder(const std::string& path);
 // wait for, the disk's own cache once for each.
 void SyncAll();
 
-// What a folder is, whatever its name; {0, 0} where there is none.
+// What a folder is, whatever its name.
 struct FolderIdentity {
     dev_t device;
     ino_t number;
 };
-FolderIdentity IdentityOf(const std::string& path);
+
+// Nothing where there is no folder.
+std::optional<FolderIdentity> IdentityOf(const std::string& path);
 bool operator==(const FolderIdentity& one, const FolderIdentity& other);
 
 // How many files, links and folders the tree has, itself included; 0 when it is absent.

@@ -52,11 +52,11 @@ TreeSwap::TreeSwap(std::string place, std::string fresh)
     : place_(std::move(place)), fresh_(std::move(fresh)) {}
 
 bool TreeSwap::Prepare() {
-    if (!IsFolder(fresh_)) {
+    freshIdentity_ = IdentityOf(fresh_);
+    if (!freshIdentity_) {
         return false;
     }
     freshEntries_ = CountEntries(fresh_);
-    freshIdentity_ = IdentityOf(fresh_);
     SyncAll();
     return true;
 }
@@ -73,10 +73,11 @@ bool TreeSwap::IsPlaceFree() const {
 
 // A move to another file system copies, and has nothing on the disk by itself.
 bool TreeSwap::Seal() const {
-    if (!IsFolder(place_) || !IsAbsent(fresh_)) {
+    const std::optional<FolderIdentity> arrived = IdentityOf(place_);
+    if (!arrived || !IsAbsent(fresh_)) {
         return false;
     }
-    if (IdentityOf(place_) == freshIdentity_) {
+    if (*arrived == *freshIdentity_) {
         (void)SyncFolder(ParentOf(place_));
     } else {
         SyncAll();

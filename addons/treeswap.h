@@ -13,6 +13,7 @@
 
 #include "addons/disktree.h"
 
+#include <optional>
 #include <string>
 
 // One replacement, its steps in the order in which they are called.
@@ -44,7 +45,7 @@ private:
     const std::string place_;
     const std::string fresh_;
     long freshEntries_ = 0;
-    FolderIdentity freshIdentity_{};
+    std::optional<FolderIdentity> freshIdentity_;
 };
 
 // What a replacement left that did not come to its end: what was set aside is in its place again afterwards.

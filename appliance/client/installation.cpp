@@ -10,8 +10,12 @@
 #include "client/table.h"
 #include "client/terminaltext.h"
 
+#include <chrono>
+
 namespace client {
 namespace {
+
+constexpr std::chrono::hours kUpdateLimit(2);  // as the appliance's own of one request
 
 constexpr char kGoesOn[] =
     "The appliance goes on installing; \"camvoractl list\" shows what has come of it\n";
@@ -29,7 +33,7 @@ std::string UpdateAndLook(Session& session, const InstallPlan& plan, const std::
     const Appliance& host = session.Host();
     Progress progress(!session.IsForPrograms());
     progress.Step("The appliance installs " + plan.service.name + " " + plan.package.version);
-    std::string requestId = Update(host, plan, folder);
+    std::string requestId = Update(host.Within(session.TimeLimit(kUpdateLimit)), plan, folder);
     progress.Step("Looking at what is installed and runs");
     AwaitOutcome(host, plan, requestId, session.TimeLimit());
     return requestId;

@@ -32,8 +32,8 @@ std::string Session::Folder() const {
     return LocateFolder(options_.location, ProgramDir());
 }
 
-std::chrono::seconds Session::TimeLimit() const {
-    return std::chrono::seconds(options_.timeoutSeconds);
+std::chrono::seconds Session::TimeLimit(std::chrono::seconds unlessGiven) const {
+    return options_.timeoutSeconds ? std::chrono::seconds(*options_.timeoutSeconds) : unlessGiven;
 }
 
 void Session::Print(const Json::Value& data, const Table& table) const {

@@ -16,7 +16,7 @@ class Table;
 
 struct GlobalOptions {
     LocationOptions location;
-    int timeoutSeconds = 60;  // of one request
+    std::optional<int> timeoutSeconds;  // of one request; the command's own where nothing is given
     bool json = false;        // write for programs
     std::string server;       // paired with the appliance, on which methods are called; empty for none
 };
@@ -39,7 +39,8 @@ public:
     Location FindLocation() const;
 
     // The longest time to wait for a reply or for the outcome of an action.
-    std::chrono::seconds TimeLimit() const;
+    //   unlessGiven  where the user has given none
+    std::chrono::seconds TimeLimit(std::chrono::seconds unlessGiven = std::chrono::seconds(60)) const;
 
     // True when everything is written for programs.
     bool IsForPrograms() const { return options_.json; }

@@ -1,7 +1,7 @@
 // Stand-ins for the calls that look at the file system and change it: the linker leads the test program's
 // calls of them here first. A call is recorded; then it does what it always does, unless the path is the
 // appliance's or the test has scripted an answer: the error to fail with, 0 to do nothing and succeed, or,
-// for lstat, "folder" or "file". Without one nothing of the appliance is there, and all that is done to it
+// for lstat, "folder", "copy" (another folder) or "file". Without one nothing of the appliance is there, and all that is done to it
 // succeeds.
 #include "fake/journal.h"
 #include "fake/script.h"
@@ -51,7 +51,8 @@ int __wrap_lstat64(const char* path, struct stat* info) {
     const Json::Value answer = fake::NextAnswer("lstat " + std::string(path), Json::Value());
     if (answer.isString()) {
         *info = {};
-        info->st_mode = answer.asString() == "folder" ? S_IFDIR : S_IFREG;
+        info->st_mode = answer.asString() == "file" ? S_IFREG : S_IFDIR;
+        info->st_ino = answer.asString() == "copy" ? 2 : 1;
         return 0;
     }
     const int otherwise = fake::NextAnswer("lstat", IsAppliances(path) ? ENOENT : 0).asInt();

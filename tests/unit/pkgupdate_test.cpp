@@ -105,8 +105,8 @@ protected:
     }
 
     // The looks at the trees while all goes well.
-    static void Arrive(const AddOn& addOn) {
-        for (const Json::Value& look : {Json::Value("folder"), Json::Value(ENOENT), Json::Value("folder")}) {
+    static void Arrive(const AddOn& addOn, const char* as = "folder") {
+        for (const Json::Value& look : {Json::Value("folder"), Json::Value(ENOENT), Json::Value(as)}) {
             fake::AnswerOnce("lstat " + addOn.place, look);
         }
         fake::AnswerOnce("lstat " + addOn.fresh, "folder");
@@ -148,6 +148,17 @@ TEST_F(Update, StopsTheLocalDisplayOnlyWhereItRuns) {
     EXPECT_EQ(
         before + fake::Lines(addOn.Request() + begin + kStopDisplay + addOn.Replace() + kStartDisplay + end),
         Calls());
+}
+
+TEST_F(Update, WritesOutATreeThatWasCopied) {
+    const AddOn& addOn = kLocalDisplay;
+    fake::ClearScript();
+    Arrive(addOn, "copy");
+    ExpectUpdate(addOn, addOn.workDir,
+                 addOn.Lock() + addOn.Prepare() + Steps{"IsServiceRunning 6"} + addOn.SetAside() +
+                     addOn.Move() + Steps{"sync", addOn.Seal()[1], addOn.Seal()[2]} + addOn.RemoveWorkDir() +
+                     addOn.Drop() + addOn.UnlockPackage() + addOn.Notify() + addOn.Unlock() +
+                     Steps{"SetSuccess null"});
 }
 
 TEST_F(Update, UnpacksADownloadAndForgetsIt) {
