@@ -2,6 +2,7 @@
 #include "addons/pkgcontrol.h"
 
 #include "addons/addonpackage.h"
+#include "addons/disktree.h"
 #include "addons/paths.h"
 #include "addons/pkgtree.h"
 #include "platform/files.h"
@@ -26,6 +27,11 @@ void UnpackTree(const std::string& dir, ADDON_SERVICE service) {
     }
 }
 
+// What the outer archive has put there must not pass for the tree, or for a part of it.
+bool ClearTreePlace(const std::string& tree) {
+    return IsAbsent(tree) || CVRm(tree) == 0;
+}
+
 // What is not there cannot be read, so the checks that follow fail.
 void RefusePkg(const std::string& dir) {
     CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, "ExtractPkg",
@@ -41,11 +47,12 @@ void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service) {
     (void)CVRm(dir);
     (void)CreateFullDirPath(dir);
     RunTar(dir, filePath);
-    if (!RemoveSpecialFiles(workDir)) {
+    const AddOnPackage* package = FindAddOnPackage(service);
+    if (!RemoveSpecialFiles(workDir) ||
+        (package != nullptr && !ClearTreePlace(workDir + "/" + package->tree))) {
         RefusePkg(dir);
     }
     UnpackTree(dir, service);
-    const AddOnPackage* package = FindAddOnPackage(service);
     if (package != nullptr && !IsTreeSound(workDir, package->tree)) {
         RefusePkg(dir);
     }

@@ -49,7 +49,7 @@ std::string FaultOf(const Appliance& appliance, const Answer& answer, const AddO
                    : "is answered: " + std::to_string(answer.status) + " " + answer.body.toStyledString();
     }
     try {
-        return FaultOfTree(ListingOfPackage(meant, addOn.folder),
+        return FaultOfTree(ListingOfPackage(meant, addOn.name, addOn.folder),
                            ListingOf(WorkDirectory(appliance, addOn), {"package.tgz"}));
     } catch (const std::exception& failure) {
         return std::string("is taken, but damaged: ") + failure.what();

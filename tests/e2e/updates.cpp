@@ -30,7 +30,7 @@ void MakeEmpty(const fs::path& folder) {
 Listing TreeOf(const AddOn& addOn, const std::string& package) {
     const std::string top = std::string(addOn.name) + "/";
     Listing tree;
-    for (const auto& [path, entry] : ListingOfPackage(package, addOn.folder)) {
+    for (const auto& [path, entry] : ListingOfPackage(package, addOn.name, addOn.folder)) {
         if (path.rfind(top, 0) == 0) {
             tree[path.substr(top.size())] = entry;
         }

@@ -80,17 +80,17 @@ void Add(const Entry& entry, const fs::path& folder, Listing& listing) {
 
 }  // namespace
 
-Listing ListingOfPackage(const std::string& package, const std::string& folder) {
+Listing ListingOfPackage(const std::string& package, const std::string& tree, const std::string& folder) {
     Listing listing;
-    std::string tree;
+    std::string inner;
     for (const Entry& entry : ReadArchive(package)) {
         if (entry.path == kTree) {
-            tree = entry.content;
-        } else if (S_ISREG(entry.mode) || S_ISDIR(entry.mode)) {
+            inner = entry.content;
+        } else if (*entry.path.begin() != tree && (S_ISREG(entry.mode) || S_ISDIR(entry.mode))) {
             Add(entry, "", listing);
         }
     }
-    for (const Entry& entry : ReadArchive(tree)) {
+    for (const Entry& entry : ReadArchive(inner)) {
         Add(entry, folder, listing);
     }
     return listing;

@@ -5,6 +5,7 @@
 
 #include <string>
 
-// The files and folders of the outer archive, and all of the inner one in `folder` beside them ("" for among
-// them); not "package.tgz" itself. Throws std::runtime_error when one of the archives cannot be read.
-Listing ListingOfPackage(const std::string& package, const std::string& folder);
+// The files and folders of the outer archive, without those in the place of the folder `tree`, and all of the
+// inner one in `folder` beside them ("" for among them); not "package.tgz" itself. Throws std::runtime_error
+// when one of the archives cannot be read.
+Listing ListingOfPackage(const std::string& package, const std::string& tree, const std::string& folder);

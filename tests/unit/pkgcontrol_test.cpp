@@ -55,6 +55,7 @@ const Steps kExtract = {
     "CreateFullDirPath " + kDir + "/",
     "PLIBCExec /bin/tar -C " + kDir + "/ -xvf /up/1",
     "nftw " + kDir,
+    "lstat " + kDir + "/device_pack",
     "PLIBCExec /bin/tar -C " + kDir + "/ -xvf " + kDir + "/package.tgz",
     "lstat " + kDir,
     "lstat " + kInfo,

@@ -16,6 +16,11 @@ namespace {
 
 using Steps = std::vector<std::string>;
 
+Steps operator+(Steps first, const Steps& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
 // Without the looks at the tree.
 std::string Calls() {
     return std::regex_replace(fake::Journal(), std::regex("lstat .*\n"), "");
@@ -69,6 +74,13 @@ protected:
                 "CVRm " + dir};
     }
 
+    static bool HasTree() { return !GetParam().steps.empty(); }
+
+    static Steps ClearPlace() {
+        const std::string tree = GetParam().service == 1 ? "device_pack" : "local_display";
+        return HasTree() ? Steps{"CVRm " + (GetParam().dir + tree)} : Steps{};
+    }
+
 private:
     fake::Session session_;
 };
@@ -85,8 +97,14 @@ TEST_P(Extract, RemovesWhatCannotBeLookedThrough) {
 
 TEST_P(Extract, RemovesATreeThatIsNotSound) {
     fake::Answer("lstat", EACCES);
-    const bool hasTree = !GetParam().steps.empty();
-    ExpectSteps({}, hasTree ? Refused() : Steps{});
+    ExpectSteps(ClearPlace(), HasTree() ? Refused() : Steps{});
+}
+
+TEST_P(Extract, RefusesATreePlaceThatCannotBeCleared) {
+    fake::AnswerOnce("lstat", EACCES);
+    fake::AnswerOnce("CVRm", 0);
+    fake::AnswerOnce("CVRm", -1);
+    ExpectSteps(HasTree() ? ClearPlace() + Refused() : Steps{}, {});
 }
 
 INSTANTIATE_TEST_SUITE_P(, Extract, testing::ValuesIn(kExtractCases),
