@@ -29,6 +29,11 @@ bool IsFolder(const std::string& path) {
     return IdentityOf(path).has_value();
 }
 
+bool IsFile(const std::string& path) {
+    struct stat info {};
+    return lstat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
 std::optional<FolderIdentity> IdentityOf(const std::string& path) {
     struct stat info {};
     if (lstat(path.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {

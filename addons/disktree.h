@@ -9,8 +9,9 @@
 // True when nothing of that name is there, not even a link to nothing.
 bool IsAbsent(const std::string& path);
 
-// True for a folder itself.
+// True for a folder, or a plain file, itself.
 bool IsFolder(const std::string& path);
+bool IsFile(const std::string& path);
 
 // Writes out the folder's list of names. Returns false on failure.
 bool SyncFolder(const std::string& path);

@@ -61,9 +61,8 @@ int PkgControl::GetPkgInfo(Json::Value pkgInfo, Json::Value& result, bool fromHo
         if (!lock.IsHeld()) {
             CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__, "Failed to lock [%s].\n",
                      lock.Path().c_str());
-        } else {
-            (void)RecoverAddOn(m_service);
-            outcome = IsPkgValid() ? DescribePkg(GetFilePath(PKG_PATH_CONF), result) : -1;
+        } else if (RecoverAddOn(m_service) && IsPkgValid()) {
+            outcome = DescribePkg(GetFilePath(PKG_PATH_CONF), result);
         }
     }
     if (outcome == 0) {

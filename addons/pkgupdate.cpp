@@ -1,6 +1,7 @@
 // Installing an unpacked package in place of the installed add-on.
 #include "addons/addonpackage.h"
 #include "addons/addonsservice.h"
+#include "addons/disktree.h"
 #include "addons/paths.h"
 #include "addons/pkgcontrol.h"
 #include "addons/pkgrecovery.h"
@@ -142,9 +143,11 @@ int AddOns::InstallPkg(std::string path) {
     return DoInstallPkg(*package, path);
 }
 
+// What was not unpacked leaves no description, perhaps an empty folder.
 int AddOns::DoInstallPkg(const AddOnPackage& package, const std::string& path) const {
-    TreeSwap swap(package.place, path + package.tree);
-    if (!swap.Prepare()) {
+    const std::string fresh = path + package.tree;
+    TreeSwap swap(package.place, fresh);
+    if (!IsFile(fresh + "/" + kConfName) || !swap.Prepare()) {
         CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__, "Nothing to install in [%s].\n",
                  path.c_str());
         return -1;

@@ -1,5 +1,6 @@
 // recover-addons: run when the appliance starts, before anything is served. Afterwards the place of each
-// add-on holds a whole tree: what an update that was cut has left, or, where there is none, the factory's.
+// add-on holds a whole tree: what an update that was cut has left, or, where nothing is, the factory's.
+// Without a factory copy it stays empty.
 #include "addons/factorycopy.h"
 #include "addons/pkgcontrol.h"
 #include "addons/pkgrecovery.h"

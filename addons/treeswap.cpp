@@ -33,13 +33,14 @@ bool Rename(const std::string& from, const std::string& to) {
 // The place is without a tree from its first rename to its second.
 bool PutAsideBack(const std::string& place) {
     const std::string dropped = Dropped(place);
+    const std::string aside = Aside(place);
     const bool isFree = CVRm(dropped) == 0 && (IsAbsent(place) || Rename(place, dropped));
-    if (!isFree || !Rename(Aside(place), place)) {
+    const bool wasEmpty = isFree && rmdir(aside.c_str()) == 0;  // no tree was installed
+    if (!wasEmpty && !(isFree && Rename(aside, place))) {
         CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, "PutBack", "Failed to put back [%s].\n",
                  place.c_str());
         return false;
     }
-    (void)rmdir(place.c_str());  // succeeds where no tree was installed
     (void)SyncFolder(ParentOf(place));
     CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, "PutBack", "Put back [%s].\n", place.c_str());
     (void)CVRm(dropped);

@@ -17,8 +17,8 @@ class Table;
 struct GlobalOptions {
     LocationOptions location;
     std::optional<int> timeoutSeconds;  // of one request; the command's own where nothing is given
-    bool json = false;        // write for programs
-    std::string server;       // paired with the appliance, on which methods are called; empty for none
+    bool json = false;                  // write for programs
+    std::string server;  // paired with the appliance, on which methods are called; empty for none
 };
 
 class Session {

@@ -3,7 +3,18 @@
 #include "platform/log.h"
 #include "platform/releases.h"
 
+#include <unistd.h>
+
 #include <exception>
+
+namespace {
+
+// The unpacking uses the file up, the record stays until the add-on is installed.
+bool IsThere(const std::string& path) {
+    return access(path.c_str(), F_OK) == 0;
+}
+
+}  // namespace
 
 AddonsUpdate::AddonsUpdate(ADDON_SERVICE service) : service_(service) {}
 
@@ -19,7 +30,7 @@ int AddonsUpdate::ReadDownloadInfoFile(bool& ready, APP_DOWNLOAD_INFO& info) {
                  "Failed to read the last download [%s]\n", failure.what());
         return -1;
     }
-    ready = download && download->status == camvora::kDownloadReady;
+    ready = download && download->status == camvora::kDownloadReady && IsThere(download->info.filePath);
     if (ready) {
         info = download->info;
     }

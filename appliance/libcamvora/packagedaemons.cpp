@@ -16,13 +16,16 @@ bool Runs(const DaemonEntry& daemon) {
     return DaemonLockHolder(DaemonLockFile(kRunFolder, daemon.type)) != 0;
 }
 
+bool NoteStopped(const DaemonEntry& daemon) {
+    const Descriptor note(open(DaemonStoppedFile(kRunFolder, daemon.type).c_str(),
+                               O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
+    return note.IsOpen();
+}
+
+// One that could not be brought back goes on.
 bool Stop(const DaemonGroup& group) {
     const DaemonEntry& daemon = *group.front();
-    if (Runs(daemon)) {
-        const Descriptor stopped(open(DaemonStoppedFile(kRunFolder, daemon.type).c_str(),
-                                      O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
-    }
-    return EndGroup(group);
+    return (!Runs(daemon) || NoteStopped(daemon)) && EndGroup(group);
 }
 
 bool StartAgain(const DaemonGroup& group) {

@@ -3,6 +3,7 @@
 #include "e2e/downloads.h"
 #include "e2e/packages.h"
 #include "e2e/processes.h"
+#include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
 
@@ -62,6 +63,21 @@ TEST_F(DownloadTest, IsInstalledWhateverTheScriptsDo) {
         EXPECT_NE(before, Info(3)["pid"]);
         EXPECT_EQ(400, owner_.AddOns("Update", Param("service", kDevicePackService)).Code())
             << "the download is forgotten";
+    }
+}
+
+// Its file is used up, but not what is installed.
+TEST_F(DownloadTest, ThatIsDamagedReplacesNothing) {
+    const TemporaryFolder folder;
+    folder.Write("damaged", "no archive");
+    for (const int service : {kDevicePackService, kLocalDisplayService}) {
+        const Json::Value version = Info(service)["version"];
+        ASSERT_NE("", version.asString());
+        PutDownload(*appliance_, service, folder.PathOf("damaged"));
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            EXPECT_EQ(400, owner_.AddOns("Update", Param("service", service)).Code());
+            EXPECT_EQ(version, Info(service)["version"]);
+        }
     }
 }
 

@@ -1,8 +1,8 @@
 // Stand-ins for the calls that look at the file system and change it: the linker leads the test program's
 // calls of them here first. A call is recorded; then it does what it always does, unless the path is the
 // appliance's or the test has scripted an answer: the error to fail with, 0 to do nothing and succeed, or,
-// for lstat, "folder", "copy" (another folder) or "file". Without one nothing of the appliance is there, and all that is done to it
-// succeeds.
+// for lstat, "folder", "copy" (another folder) or "file". Without one nothing of the appliance is there, and
+// all that is done to it succeeds.
 #include "fake/journal.h"
 #include "fake/script.h"
 

@@ -110,6 +110,15 @@ protected:
             fake::AnswerOnce("lstat " + addOn.place, look);
         }
         fake::AnswerOnce("lstat " + addOn.fresh, "folder");
+        fake::Answer("lstat " + addOn.fresh + "/conf", "file");
+    }
+
+    // The same, after the looks of the unpacking.
+    static void ArriveUnpacked(const AddOn& addOn) {
+        fake::ClearScript();
+        fake::AnswerOnce("lstat " + addOn.fresh, ENOENT);
+        fake::AnswerOnce("lstat " + addOn.fresh, "folder");
+        Arrive(addOn);
     }
 
     static std::string Serve(const std::string& service, const std::string& path) {
@@ -163,7 +172,7 @@ TEST_F(Update, WritesOutATreeThatWasCopied) {
 
 TEST_F(Update, UnpacksADownloadAndForgetsIt) {
     const AddOn& addOn = kDevicePack;
-    fake::AnswerOnce("lstat " + addOn.fresh, "folder");  // once more, by the unpacking
+    ArriveUnpacked(addOn);
     fake::Answer("AddonsUpdate::ReadDownloadInfoFile", "/down/1");
     (void)Serve(addOn.number, "");
     const std::string begin =
@@ -206,6 +215,12 @@ const FailureCase kFailureCases[] = {
      "lstat " + kDevicePack.fresh,
      {ENOENT},
      NothingToInstall(kDevicePack)},
+    {"empty_folder_unpacked",
+     kLocalDisplay,
+     false,
+     "lstat " + kLocalDisplay.fresh + "/conf",
+     {ENOENT},
+     NothingToInstall(kLocalDisplay)},
     {"file_unpacked",
      kLocalDisplay,
      false,
@@ -285,7 +300,7 @@ TEST_F(Update, IsNoneForAServiceWithoutPackages) {
 
 // The new tree stays, and nobody hears of it.
 TEST_F(Update, FailsWhenADownloadIsNotForgotten) {
-    fake::AnswerOnce("lstat " + kDevicePack.fresh, "folder");
+    ArriveUnpacked(kDevicePack);
     fake::Answer("AddonsUpdate::ReadDownloadInfoFile", "/down/1");
     fake::Answer("AddonsUpdate::CleanDownloadResult", -1);
     EXPECT_EQ(kFailed[0], Serve("1", ""));
