@@ -27,6 +27,9 @@ inline constexpr int kPackageLockWaitMs = 3000;
 // package lock held.
 void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service);
 
+// False while the work directory `dir`, with its final "/", is filled, and after that was killed.
+bool IsWholeUnpacking(const std::string& dir);
+
 // Sets the members of an error-info object, which names a message of the web user interface: the section and
 // key of its text and up to three texts to put into it. Other members of `errInfo` stay.
 void SetErrInfo(Json::Value& errInfo, const std::string& section, const std::string& key,

@@ -9,7 +9,12 @@
 #include "platform/log.h"
 #include "platform/plibc.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
+
+constexpr mode_t kMarkMode = 0700;
 
 void RunTar(const std::string& folder, const std::string& archive) {
     (void)PLIBCExec(kTarProgram, "-C", folder.c_str(), "-xvf", archive.c_str());
@@ -25,6 +30,11 @@ void UnpackTree(const std::string& dir, ADDON_SERVICE service) {
         (void)CreateFullDirPath(tree);
         RunTar(tree, archive);
     }
+}
+
+// Beside the work directory while it is filled: an unpacking that is killed leaves it.
+std::string PartialMark(const std::string& workDir) {
+    return workDir + ".partial";
 }
 
 // What the outer archive has put there must not pass for the tree, or for a part of it.
@@ -44,6 +54,7 @@ void RefusePkg(const std::string& dir) {
 void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service) {
     const std::string workDir = GetWorkDir(service, fromHost);
     const std::string dir = workDir + "/";
+    (void)mkdir(PartialMark(workDir).c_str(), kMarkMode);
     (void)CVRm(dir);
     (void)CreateFullDirPath(dir);
     RunTar(dir, filePath);
@@ -56,6 +67,11 @@ void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service) {
     if (package != nullptr && !IsTreeSound(workDir, package->tree)) {
         RefusePkg(dir);
     }
+    (void)rmdir(PartialMark(workDir).c_str());
     (void)CVRm(filePath);
     filePath = dir;
+}
+
+bool IsWholeUnpacking(const std::string& dir) {
+    return IsAbsent(PartialMark(dir.substr(0, dir.size() - 1)));
 }

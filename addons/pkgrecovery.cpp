@@ -3,16 +3,30 @@
 #include "addons/addonpackage.h"
 #include "addons/pkgcontrol.h"
 #include "addons/treeswap.h"
+#include "platform/files.h"
 #include "platform/log.h"
+
+namespace {
+
+std::string UnpackedTree(const AddOnPackage& package, bool fromHost) {
+    return GetWorkDir(package.service, fromHost) + "/" + package.tree;
+}
+
+}  // namespace
+
+bool ForgetUnpacked(ADDON_SERVICE service) {
+    const AddOnPackage* package = FindAddOnPackage(service);
+    return package == nullptr ||
+           (CVRm(UnpackedTree(*package, false)) == 0 && CVRm(UnpackedTree(*package, true)) == 0);
+}
 
 bool RecoverAddOn(ADDON_SERVICE service) {
     const AddOnPackage* package = FindAddOnPackage(service);
     if (package == nullptr) {
         return true;
     }
-    const std::string tree = std::string("/") + package->tree;
     const bool isRecovered =
-        RecoverTree(package->place, GetWorkDir(service, false) + tree, GetWorkDir(service, true) + tree);
+        RecoverTree(package->place, UnpackedTree(*package, false), UnpackedTree(*package, true));
     if (!isRecovered) {
         CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__, "Failed to recover [%s].\n",
                  package->place);

@@ -147,7 +147,7 @@ int AddOns::InstallPkg(std::string path) {
 int AddOns::DoInstallPkg(const AddOnPackage& package, const std::string& path) const {
     const std::string fresh = path + package.tree;
     TreeSwap swap(package.place, fresh);
-    if (!IsFile(fresh + "/" + kConfName) || !swap.Prepare()) {
+    if (!IsWholeUnpacking(path) || !IsFile(fresh + "/" + kConfName) || !swap.Prepare()) {
         CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__, "Nothing to install in [%s].\n",
                  path.c_str());
         return -1;

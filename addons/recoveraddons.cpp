@@ -10,7 +10,7 @@ namespace {
 
 bool Recover(ADDON_SERVICE service) {
     const ScopedLockFile lock(GetPkgLockFile(service), kPackageLockWaitMs);
-    return lock.IsHeld() && RecoverAddOn(service) && FillEmptyPlace(service);
+    return lock.IsHeld() && RecoverAddOn(service) && ForgetUnpacked(service) && FillEmptyPlace(service);
 }
 
 }  // namespace

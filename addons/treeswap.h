@@ -7,7 +7,7 @@
 //                   an empty folder where none was
 //   PLACE.dropped   what nobody needs any more, perhaps half removed
 //
-// The one witness is PLACE.aside: it appears, and goes, by a rename. Called in the request process with the
+// The one witness is PLACE.aside: it appears, and goes, by one step. Called in the request process with the
 // package lock held, and when the appliance starts.
 #pragma once
 

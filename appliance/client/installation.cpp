@@ -15,7 +15,7 @@
 namespace client {
 namespace {
 
-constexpr std::chrono::hours kUpdateLimit(2);  // as the appliance's own of one request
+constexpr std::chrono::minutes kUpdateLimit(121);  // a little more than the appliance's own of one request
 
 constexpr char kGoesOn[] =
     "The appliance goes on installing; \"camvoractl list\" shows what has come of it\n";

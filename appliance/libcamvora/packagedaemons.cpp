@@ -4,6 +4,7 @@
 #include "libcamvora/daemonturn.h"
 #include "libcamvora/descriptor.h"
 #include "libcamvora/paths.h"
+#include "platform/log.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -19,6 +20,10 @@ bool Runs(const DaemonEntry& daemon) {
 bool NoteStopped(const DaemonEntry& daemon) {
     const Descriptor note(open(DaemonStoppedFile(kRunFolder, daemon.type).c_str(),
                                O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!note.IsOpen()) {
+        CVPrintf(0, nullptr, nullptr, "packagedaemons", __LINE__, __func__, "Failed to note daemon %s\n",
+                 daemon.name);
+    }
     return note.IsOpen();
 }
 

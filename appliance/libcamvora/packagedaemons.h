@@ -9,7 +9,7 @@
 
 namespace camvora {
 
-// Ends all daemons. Returns false when one is left.
+// Ends all daemons but those that could not be noted. Returns false when one is left.
 bool StopPackageDaemons();
 
 // Starts those that StopPackageDaemons has ended. Returns false when one did not come up.

@@ -117,6 +117,18 @@ TEST_F(UpdateTest, KeepsASecondOneOfTheAddOnOutAndNoOther) {
     EXPECT_EQ(trees.fresh.Content(), Installed(kDevicePack));
 }
 
+// A power cut may have thinned it.
+TEST_F(UpdateTest, TakesNothingThatWasUnpackedBeforeTheLastStart) {
+    devicePack_.ArrangeIn(*appliance_);
+    localDisplay_.ArrangeIn(*appliance_);
+    appliance_->Stop();
+    appliance_->Launch();
+    for (const Trees* trees : {&devicePack_, &localDisplay_}) {
+        EXPECT_EQ(kFailed, Update(*appliance_, trees->addOn, FilePath(trees->addOn)).Code());
+        EXPECT_EQ(trees->old.Content(), Installed(trees->addOn));
+    }
+}
+
 TEST_F(UpdateTest, InstallsAWholePackageWhateverIsInspectedMeanwhile) {
     for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
         for (const std::string& fault : InspectDuringUpdates(*appliance_, addOn, 1, 25)) {

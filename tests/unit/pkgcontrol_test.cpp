@@ -51,6 +51,7 @@ const Steps kRecover = {"lstat /var/packages/Camvora/target/device_pack.aside",
 const Steps kLock = kWait + kRecover;
 const Steps kFind = {Read(kMainConf, "addons_upload_dir"), "PLIBCFileExist /up/1"};
 const Steps kExtract = {
+    "mkdir " + kDir + ".partial",
     "CVRm " + kDir + "/",
     "CreateFullDirPath " + kDir + "/",
     "PLIBCExec /bin/tar -C " + kDir + "/ -xvf /up/1",
@@ -67,6 +68,7 @@ const Steps kExtract = {
     "lstat " + kDir + "/device_pack/script/postinst",
     "lstat " + kDir + "/device_pack/script/postupgrade",
     "lstat " + kDir + "/device_pack/script/restore",
+    "rmdir " + kDir + ".partial",
     "CVRm /up/1",
 };
 const Steps kUnpacked = kLock + kFind + kExtract;

@@ -59,11 +59,15 @@ protected:
         ExtractPkg(file, GetParam().fromHost, static_cast<ADDON_SERVICE>(GetParam().service));
         const std::string dir = GetParam().dir;
         EXPECT_EQ(dir, file);
-        const Steps begin = {"GetServiceStr " + std::to_string(GetParam().service), "CVRm " + dir,
-                             "CreateFullDirPath " + dir, "PLIBCExec /bin/tar -C " + dir + " -xvf /up/1",
+        const std::string mark = dir.substr(0, dir.size() - 1) + ".partial";
+        const Steps begin = {"GetServiceStr " + std::to_string(GetParam().service),
+                             "mkdir " + mark,
+                             "CVRm " + dir,
+                             "CreateFullDirPath " + dir,
+                             "PLIBCExec /bin/tar -C " + dir + " -xvf /up/1",
                              "nftw " + dir.substr(0, dir.size() - 1)};
         EXPECT_EQ(fake::Lines(begin) + fake::Lines(afterFirstRun) + fake::Lines(GetParam().steps) +
-                      fake::Lines(afterLastRun) + fake::Lines({"CVRm /up/1"}),
+                      fake::Lines(afterLastRun) + fake::Lines({"rmdir " + mark, "CVRm /up/1"}),
                   Calls());
     }
 

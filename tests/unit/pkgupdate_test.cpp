@@ -175,15 +175,16 @@ TEST_F(Update, UnpacksADownloadAndForgetsIt) {
     ArriveUnpacked(addOn);
     fake::Answer("AddonsUpdate::ReadDownloadInfoFile", "/down/1");
     (void)Serve(addOn.number, "");
+    const std::string mark = kTarget + "/cv_addOns_name1.partial";
     const std::string begin =
         fake::Lines(addOn.Request() + addOn.Lock() +
                     Steps{"AddonsUpdate 1", "AddonsUpdate::ReadDownloadInfoFile '' '' ''", "~AddonsUpdate 1",
-                          "CVRm " + addOn.workDir, "CreateFullDirPath " + addOn.workDir,
+                          "mkdir " + mark, "CVRm " + addOn.workDir, "CreateFullDirPath " + addOn.workDir,
                           "PLIBCExec /bin/tar -C " + addOn.workDir + " -xvf /down/1"});
-    const std::string end = fake::Lines(Steps{"CVRm /down/1"} + addOn.Prepare() + kScripts + addOn.Replace() +
-                                        kPostScripts + kStart + addOn.Drop() + addOn.UnlockPackage() +
-                                        Steps{"AddonsUpdate::CleanDownloadResult"} + addOn.Notify() +
-                                        addOn.Unlock() + Steps{"SetSuccess null"});
+    const std::string end = fake::Lines(Steps{"rmdir " + mark, "CVRm /down/1"} + addOn.Prepare() + kScripts +
+                                        addOn.Replace() + kPostScripts + kStart + addOn.Drop() +
+                                        addOn.UnlockPackage() + Steps{"AddonsUpdate::CleanDownloadResult"} +
+                                        addOn.Notify() + addOn.Unlock() + Steps{"SetSuccess null"});
     const std::string calls = Calls();
     EXPECT_EQ(begin, calls.substr(0, begin.size()));
     EXPECT_EQ(end, calls.substr(calls.size() - std::min(calls.size(), end.size())));
@@ -214,6 +215,12 @@ const FailureCase kFailureCases[] = {
      false,
      "lstat " + kDevicePack.fresh,
      {ENOENT},
+     NothingToInstall(kDevicePack)},
+    {"cut_unpacking",
+     kDevicePack,
+     false,
+     "lstat " + kTarget + "/cv_addOns_name1.partial",
+     {kFolder},
      NothingToInstall(kDevicePack)},
     {"empty_folder_unpacked",
      kLocalDisplay,
