@@ -27,7 +27,11 @@ inline constexpr int kPackageLockWaitMs = 3000;
 // package lock held.
 void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service);
 
-// False while the work directory `dir`, with its final "/", is filled, and after that was killed.
+// Removes the unpacked tree from the work directory. Returns false when a part of it may be left. To be
+// called when the appliance starts, with the package lock held.
+bool ForgetUnpacked(ADDON_SERVICE service, bool fromHost);
+
+// False while the work directory `dir`, with its final "/", is filled or cleared, and after that was killed.
 bool IsWholeUnpacking(const std::string& dir);
 
 // Sets the members of an error-info object, which names a message of the web user interface: the section and

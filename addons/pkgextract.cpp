@@ -32,7 +32,7 @@ void UnpackTree(const std::string& dir, ADDON_SERVICE service) {
     }
 }
 
-// Beside the work directory while it is filled: an unpacking that is killed leaves it.
+// Beside the work directory while it is filled or cleared: whatever is killed then leaves it.
 std::string PartialMark(const std::string& workDir) {
     return workDir + ".partial";
 }
@@ -70,6 +70,17 @@ void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service) {
     (void)rmdir(PartialMark(workDir).c_str());
     (void)CVRm(filePath);
     filePath = dir;
+}
+
+bool ForgetUnpacked(ADDON_SERVICE service, bool fromHost) {
+    const AddOnPackage* package = FindAddOnPackage(service);
+    const std::string workDir = GetWorkDir(service, fromHost);
+    (void)mkdir(PartialMark(workDir).c_str(), kMarkMode);
+    if (package != nullptr && CVRm(workDir + "/" + package->tree) != 0) {
+        return false;
+    }
+    (void)rmdir(PartialMark(workDir).c_str());
+    return true;
 }
 
 bool IsWholeUnpacking(const std::string& dir) {

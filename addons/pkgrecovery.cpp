@@ -3,7 +3,6 @@
 #include "addons/addonpackage.h"
 #include "addons/pkgcontrol.h"
 #include "addons/treeswap.h"
-#include "platform/files.h"
 #include "platform/log.h"
 
 namespace {
@@ -13,12 +12,6 @@ std::string UnpackedTree(const AddOnPackage& package, bool fromHost) {
 }
 
 }  // namespace
-
-bool ForgetUnpacked(ADDON_SERVICE service) {
-    const AddOnPackage* package = FindAddOnPackage(service);
-    return package == nullptr ||
-           (CVRm(UnpackedTree(*package, false)) == 0 && CVRm(UnpackedTree(*package, true)) == 0);
-}
 
 bool RecoverAddOn(ADDON_SERVICE service) {
     const AddOnPackage* package = FindAddOnPackage(service);

@@ -8,7 +8,3 @@
 // not possible; for a service without packages nothing happens. To be called with the package lock held,
 // before anything is unpacked; also by the start of the appliance.
 bool RecoverAddOn(ADDON_SERVICE service);
-
-// Removes the unpacked trees of both work directories. Returns false when one is left. To be called when the
-// appliance starts, with the package lock held.
-bool ForgetUnpacked(ADDON_SERVICE service);

@@ -10,7 +10,12 @@ namespace {
 
 bool Recover(ADDON_SERVICE service) {
     const ScopedLockFile lock(GetPkgLockFile(service), kPackageLockWaitMs);
-    return lock.IsHeld() && RecoverAddOn(service) && ForgetUnpacked(service) && FillEmptyPlace(service);
+    if (!lock.IsHeld() || !RecoverAddOn(service)) {
+        return false;
+    }
+    const bool isForgotten = ForgetUnpacked(service, false);
+    const bool isForgottenFromHost = ForgetUnpacked(service, true);
+    return FillEmptyPlace(service) && isForgotten && isForgottenFromHost;
 }
 
 }  // namespace
