@@ -30,8 +30,9 @@ constexpr const char* kSteps[] = {
     " path TEXT NOT NULL, argument1 TEXT, argument2 TEXT, argument3 TEXT, argument4 TEXT,"
     " exit_status INTEGER NOT NULL, duration_ms INTEGER NOT NULL, peak_memory_kib INTEGER NOT NULL);",
     "ALTER TABLE pairs ADD COLUMN address TEXT NOT NULL DEFAULT '';",
-    "CREATE TABLE downloads(service INTEGER PRIMARY KEY, status INTEGER NOT NULL, version TEXT NOT NULL,"
-    " file TEXT NOT NULL, date TEXT NOT NULL);",
+    "CREATE TABLE downloads(service INTEGER PRIMARY KEY, status INTEGER NOT NULL,"
+    " version TEXT NOT NULL, file TEXT NOT NULL,"
+    " date TEXT NOT NULL);",
 };
 
 }  // namespace
