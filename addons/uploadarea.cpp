@@ -1,9 +1,8 @@
 #include "addons/uploadarea.h"
 
+#include "addons/disktree.h"
 #include "addons/keyvalue.h"
 #include "addons/paths.h"
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -24,17 +23,12 @@ bool IsDirectlyIn(std::string folder, const std::string& path) {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
 }
 
-bool IsPlainFile(const std::string& path) {
-    struct stat info {};
-    return lstat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
-}
-
 bool IsTaken(const std::string& path, bool mustExist) {
     if (path.find('\0') != std::string::npos) {
         return false;
     }
     std::string folder;
-    return !HasUploadArea(folder) || (IsDirectlyIn(folder, path) && (!mustExist || IsPlainFile(path)));
+    return !HasUploadArea(folder) || (IsDirectlyIn(folder, path) && (!mustExist || IsFile(path)));
 }
 
 }  // namespace

@@ -129,6 +129,24 @@ TEST_F(UpdateTest, TakesNothingThatWasUnpackedBeforeTheLastStart) {
     }
 }
 
+// A copy that was cut is in the way of none.
+TEST_F(UpdateTest, PutsTheFactorysTreeIntoAnEmptyPlaceAtTheStart) {
+    appliance_->Stop();
+    for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
+        const std::string place = PlaceOf(*appliance_, addOn);
+        fs::remove_all(place);
+        fs::create_directory(place + ".fresh");
+        std::ofstream(place + ".fresh/part") << "x";
+    }
+    appliance_->Launch();
+    for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
+        const std::string place = PlaceOf(*appliance_, addOn);
+        EXPECT_EQ(ListingOf(place + ".default"), Installed(addOn));
+        EXPECT_FALSE(Installed(addOn).empty());
+        EXPECT_FALSE(fs::exists(place + ".fresh"));
+    }
+}
+
 TEST_F(UpdateTest, InstallsAWholePackageWhateverIsInspectedMeanwhile) {
     for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
         for (const std::string& fault : InspectDuringUpdates(*appliance_, addOn, 1, 25)) {
