@@ -55,7 +55,8 @@ public:
     //   path      the work directory of the service with the unpacked package, with its final "/"; empty for
     //             the package that the online download has left, which is unpacked first
     //   returns   0 when the new tree is in place and the clients have been notified. Else -1: the installed
-    //             tree stays, unless all that failed is to forget the download
+    //             tree stays, or is back at the next recovery, unless all that failed is to forget the
+    //             download
     int ExecuteUpdate(std::string path);
 
 private:

@@ -25,6 +25,11 @@ bool IsAbsent(const std::string& path) {
     return lstat(path.c_str(), &info) != 0 && errno == ENOENT;
 }
 
+bool IsPresent(const std::string& path) {
+    struct stat info {};
+    return lstat(path.c_str(), &info) == 0;
+}
+
 bool IsFolder(const std::string& path) {
     return IdentityOf(path).has_value();
 }

@@ -9,6 +9,9 @@
 // True when nothing of that name is there, not even a link to nothing.
 bool IsAbsent(const std::string& path);
 
+// True when something is there. Neither is true of what the disk does not tell.
+bool IsPresent(const std::string& path);
+
 // True for a folder, or a plain file, itself.
 bool IsFolder(const std::string& path);
 bool IsFile(const std::string& path);

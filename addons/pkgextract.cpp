@@ -12,6 +12,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace {
 
 constexpr mode_t kMarkMode = 0700;
@@ -37,37 +39,59 @@ std::string PartialMark(const std::string& workDir) {
     return workDir + ".partial";
 }
 
+// A tree without its description is none: where there is no room for the mark, that goes instead.
+bool MarkPartial(const std::string& workDir, const AddOnPackage* package) {
+    if (mkdir(PartialMark(workDir).c_str(), kMarkMode) == 0 || errno == EEXIST) {
+        return true;
+    }
+    CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, "ExtractPkg", "Failed to mark [%s]\n",
+             workDir.c_str());
+    if (package != nullptr) {
+        (void)CVRm(workDir + "/" + package->tree + "/" + kConfName);
+    }
+    return false;
+}
+
 // What the outer archive has put there must not pass for the tree, or for a part of it.
 bool ClearTreePlace(const std::string& tree) {
     return IsAbsent(tree) || CVRm(tree) == 0;
 }
 
-// What is not there cannot be read, so the checks that follow fail.
-void RefusePkg(const std::string& dir) {
-    CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, "ExtractPkg",
-             "Removed [%s]: links or special files\n", dir.c_str());
-    (void)CVRm(dir);
+// What is not there cannot be read, so the checks that follow fail. Returns false when it stays.
+bool RefusePkg(const std::string& dir, const char* reason) {
+    CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, "ExtractPkg", "Removed [%s]: %s\n", dir.c_str(),
+             reason);
+    return CVRm(dir) == 0;
+}
+
+// Unpacks both archives in `workDir`. Returns false when what must not be installed stays there.
+bool UnpackPkg(const std::string& workDir, const std::string& filePath, ADDON_SERVICE service) {
+    const AddOnPackage* package = FindAddOnPackage(service);
+    const std::string dir = workDir + "/";
+    bool isClean = true;
+    RunTar(dir, filePath);
+    if (!RemoveSpecialFiles(workDir) || (package != nullptr && !ClearTreePlace(dir + package->tree))) {
+        isClean = RefusePkg(dir, "cannot be looked through");
+    }
+    UnpackTree(dir, service);
+    if (package != nullptr && !IsTreeSound(workDir, package->tree)) {
+        isClean = RefusePkg(dir, "links or special files") && isClean;
+    }
+    return isClean;
 }
 
 }  // namespace
 
+// Without the mark nothing is unpacked.
 void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service) {
     const std::string workDir = GetWorkDir(service, fromHost);
     const std::string dir = workDir + "/";
-    (void)mkdir(PartialMark(workDir).c_str(), kMarkMode);
+    const bool isMarked = MarkPartial(workDir, FindAddOnPackage(service));
     (void)CVRm(dir);
     (void)CreateFullDirPath(dir);
-    RunTar(dir, filePath);
-    const AddOnPackage* package = FindAddOnPackage(service);
-    if (!RemoveSpecialFiles(workDir) ||
-        (package != nullptr && !ClearTreePlace(workDir + "/" + package->tree))) {
-        RefusePkg(dir);
+    if (isMarked && UnpackPkg(workDir, filePath, service)) {
+        (void)rmdir(PartialMark(workDir).c_str());
     }
-    UnpackTree(dir, service);
-    if (package != nullptr && !IsTreeSound(workDir, package->tree)) {
-        RefusePkg(dir);
-    }
-    (void)rmdir(PartialMark(workDir).c_str());
     (void)CVRm(filePath);
     filePath = dir;
 }
@@ -75,7 +99,7 @@ void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service) {
 bool ForgetUnpacked(ADDON_SERVICE service, bool fromHost) {
     const AddOnPackage* package = FindAddOnPackage(service);
     const std::string workDir = GetWorkDir(service, fromHost);
-    (void)mkdir(PartialMark(workDir).c_str(), kMarkMode);
+    (void)MarkPartial(workDir, package);
     if (package != nullptr && CVRm(workDir + "/" + package->tree) != 0) {
         return false;
     }

@@ -10,12 +10,13 @@ namespace {
 
 bool Recover(ADDON_SERVICE service) {
     const ScopedLockFile lock(GetPkgLockFile(service), kPackageLockWaitMs);
-    if (!lock.IsHeld() || !RecoverAddOn(service)) {
+    if (!lock.IsHeld()) {
         return false;
     }
+    const bool isRecovered = RecoverAddOn(service);
     const bool isForgotten = ForgetUnpacked(service, false);
     const bool isForgottenFromHost = ForgetUnpacked(service, true);
-    return FillEmptyPlace(service) && isForgotten && isForgottenFromHost;
+    return isRecovered && FillEmptyPlace(service) && isForgotten && isForgottenFromHost;
 }
 
 }  // namespace

@@ -94,7 +94,7 @@ void TreeSwap::PutBack() const {
     if (CountEntries(fresh_) != freshEntries_) {
         (void)CVRm(fresh_);
     }
-    if (!IsAbsent(Aside(place_))) {
+    if (IsPresent(Aside(place_))) {
         (void)PutAsideBack(place_);
     }
 }
@@ -104,8 +104,8 @@ void TreeSwap::Drop() const {
 }
 
 bool RecoverTree(const std::string& place, const std::string& fresh1, const std::string& fresh2) {
-    if (!IsAbsent(Aside(place))) {
-        return CVRm(fresh1) == 0 && CVRm(fresh2) == 0 && PutAsideBack(place);
+    if (IsAbsent(Aside(place))) {
+        return IsAbsent(Dropped(place)) || CVRm(Dropped(place)) == 0;
     }
-    return IsAbsent(Dropped(place)) || CVRm(Dropped(place)) == 0;
+    return IsPresent(Aside(place)) && CVRm(fresh1) == 0 && CVRm(fresh2) == 0 && PutAsideBack(place);
 }

@@ -71,10 +71,9 @@ protected:
                   Calls());
     }
 
-    static Steps Refused() {
+    static Steps Refused(const char* reason) {
         const std::string dir = GetParam().dir;
-        return {"CVPrintf 0 null null addonsservice ExtractPkg 'Removed [" + dir +
-                    R"(]: links or special files\n')",
+        return {"CVPrintf 0 null null addonsservice ExtractPkg 'Removed [" + dir + "]: " + reason + R"(\n')",
                 "CVRm " + dir};
     }
 
@@ -96,19 +95,44 @@ TEST_P(Extract, EmptiesUnpacksAndRemovesTheFile) {
 // The second run then finds nothing.
 TEST_P(Extract, RemovesWhatCannotBeLookedThrough) {
     fake::Answer("nftw", EACCES);
-    ExpectSteps(Refused(), {});
+    ExpectSteps(Refused("cannot be looked through"), {});
 }
 
 TEST_P(Extract, RemovesATreeThatIsNotSound) {
     fake::Answer("lstat", EACCES);
-    ExpectSteps(ClearPlace(), HasTree() ? Refused() : Steps{});
+    ExpectSteps(ClearPlace(), HasTree() ? Refused("links or special files") : Steps{});
 }
 
 TEST_P(Extract, RefusesATreePlaceThatCannotBeCleared) {
     fake::AnswerOnce("lstat", EACCES);
     fake::AnswerOnce("CVRm", 0);
     fake::AnswerOnce("CVRm", -1);
-    ExpectSteps(HasTree() ? ClearPlace() + Refused() : Steps{}, {});
+    ExpectSteps(HasTree() ? ClearPlace() + Refused("cannot be looked through") : Steps{}, {});
+}
+
+// The mark stays with it.
+TEST_P(Extract, MarksWhatItCannotRemove) {
+    fake::Answer("nftw", EACCES);
+    fake::AnswerOnce("CVRm", 0);
+    fake::Answer("CVRm", -1);
+    std::string file = "/up/1";
+    ExtractPkg(file, GetParam().fromHost, static_cast<ADDON_SERVICE>(GetParam().service));
+    EXPECT_EQ(std::string::npos, Calls().find("rmdir"));
+}
+
+TEST_P(Extract, UnpacksNothingWithoutAMark) {
+    fake::Answer("mkdir", ENOSPC);
+    std::string file = "/up/1";
+    ExtractPkg(file, GetParam().fromHost, static_cast<ADDON_SERVICE>(GetParam().service));
+    const std::string dir = GetParam().dir;
+    const std::string workDir = dir.substr(0, dir.size() - 1);
+    const Steps begin = {
+        "GetServiceStr " + std::to_string(GetParam().service), "mkdir " + workDir + ".partial",
+        "CVPrintf 0 null null addonsservice ExtractPkg 'Failed to mark [" + workDir + R"(]\n')"};
+    const Steps description = HasTree() ? Steps{ClearPlace().front() + "/conf"} : Steps{};
+    EXPECT_EQ(
+        fake::Lines(begin + description + Steps{"CVRm " + dir, "CreateFullDirPath " + dir, "CVRm /up/1"}),
+        Calls());
 }
 
 INSTANTIATE_TEST_SUITE_P(, Extract, testing::ValuesIn(kExtractCases),

@@ -130,6 +130,15 @@ const CutCase kCutCases[] = {
      "work work_host "},
 };
 
+// The disk does not tell whether a tree was set aside: the file's name is too long for that.
+TEST_F(Trees, AreLeftAloneWhenNothingIsKnown) {
+    const std::string place = folder_.PathOf(std::string(250, 'x'));
+    ASSERT_TRUE(fs::create_directory(place));
+    EXPECT_FALSE(RecoverTree(place, folder_.PathOf("work/tree"), folder_.PathOf("work_host/tree")));
+    EXPECT_TRUE(fs::is_directory(place));
+    EXPECT_TRUE(fs::is_directory(folder_.PathOf("work/tree")));
+}
+
 class Cut : public Trees, public testing::WithParamInterface<CutCase> {};
 
 TEST_P(Cut, LeavesAWholeTreeToBeFound) {
