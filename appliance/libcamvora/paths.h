@@ -9,6 +9,9 @@ inline constexpr char kLocalDisplayFolder[] = "/var/packages/Camvora/target/loca
 inline constexpr char kFactoryCopySuffix[] = ".default";
 inline constexpr char kAddOnConfName[] = "/conf";
 
+// The machine's identity.
+inline constexpr char kMachineInfo[] = "/etc.defaults/orvainfo.conf";
+
 // The main package's settings.
 inline constexpr char kPackageConf[] = "/var/packages/Camvora/target/etc/cv.conf";
 
