@@ -28,6 +28,10 @@ inline constexpr char kDefaultUploadFolder[] = "/var/packages/Camvora/target/@CV
 // Limits of the programs that are run for requests.
 inline constexpr char kProgramsConf[] = "/var/packages/Camvora/target/etc/programs.conf";
 
+// The schedule: a file for each rule. What the automatic updates run.
+inline constexpr char kScheduleFolder[] = "/var/packages/Camvora/target/etc/cron.d";
+inline constexpr char kAutoUpdateProgram[] = "/var/packages/Camvora/target/bin/auto-update";
+
 // What is true only while the appliance runs. The package is started while kStartedFile exists. Locks are
 // guarded in kGuardFolder.
 inline constexpr char kRunFolder[] = "/var/packages/Camvora/target/@CVData/run";
