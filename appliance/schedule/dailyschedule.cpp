@@ -7,7 +7,7 @@ namespace schedule {
 
 namespace {
 
-constexpr std::time_t kLongestDayS = 25 * 3600;
+constexpr std::time_t kLongestDayS = 90'000;
 
 void KeepOnly(const std::vector<Rule>& rules, LastTimes& times) {
     for (auto entry = times.begin(); entry != times.end();) {

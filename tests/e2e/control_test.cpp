@@ -44,7 +44,7 @@ protected:
         Start();
         supervisor_ = appliance_->Supervisor();
         ASSERT_EQ(200, appliance_->Owner().Get("/health").status);
-        ASSERT_TRUE(WaitUntil([] { return Descendants(supervisor_).size() == 2; }));
+        ASSERT_TRUE(WaitUntil([] { return Descendants(supervisor_).size() == 3; }));  // the scheduler, too
         servers_ = Descendants(supervisor_);
     }
 
