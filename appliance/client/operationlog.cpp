@@ -36,7 +36,8 @@ std::string TextsOf(const Json::Value& operation) {
 
 void AddOperation(Table& table, const Json::Value& operation) {
     table.AddRow({LocalTime(LeafText(Member(operation, "time")), "%Y-%m-%d %H:%M:%S"), EventOf(operation),
-                  TextsOf(operation), LeafText(Member(operation, "request"))});
+                  TextsOf(operation), LeafText(Member(operation, "who")),
+                  LeafText(Member(operation, "request"))});
 }
 
 // Shows the entries of the operation log as they come, the present ones first.
@@ -84,7 +85,7 @@ private:
 
 void ShowOperations(Session& session) {
     const Json::Value operations = session.Host().Operations(std::nullopt);
-    Table table({"Time", "Event", "Text", "Request"});
+    Table table({"Time", "Event", "Text", "Who", "Request"});
     for (const Json::Value& operation : operations) {
         AddOperation(table, operation);
     }

@@ -1,5 +1,6 @@
 #include "host/accesstoken.h"
 
+#include "host/requestids.h"
 #include "host/uniquefd.h"
 
 #include <openssl/crypto.h>
@@ -13,6 +14,7 @@ namespace host {
 namespace {
 
 constexpr char kScheme[] = "Bearer ";
+constexpr std::size_t kDrawnDigits = 64;
 
 }  // namespace
 
@@ -26,6 +28,14 @@ AccessToken AccessToken::ReadFrom(int fd) {
         throw std::runtime_error("no access token to be read from descriptor " + std::to_string(fd));
     }
     return AccessToken(token);
+}
+
+AccessToken AccessToken::Draw() {
+    std::string text;
+    while (text.size() < kDrawnDigits) {
+        text += NewRequestId();
+    }
+    return AccessToken(text);
 }
 
 bool AccessToken::IsCarriedBy(const std::string& authorization) const {

@@ -12,6 +12,11 @@ public:
     // Throws std::runtime_error when there is none to be read.
     static AccessToken ReadFrom(int fd);
 
+    // A new one, which nobody can guess.
+    static AccessToken Draw();
+
+    const std::string& Text() const { return expected_; }
+
     // True when `authorization`, the value of that HTTP header, carries this token as a bearer token.
     // Takes the same time wherever the texts differ.
     bool IsCarriedBy(const std::string& authorization) const;

@@ -42,7 +42,7 @@ sigset_t HoldBackStopSignal() {
 
 }  // namespace
 
-int RunHttpProcess(UniqueFd listener, UniqueFd intake, const Module& module, const AccessToken& token,
+int RunHttpProcess(UniqueFd listener, UniqueFd intake, const Module& module, const Credentials& credentials,
                    const Options& options) {
     const sigset_t stopSignal = HoldBackStopSignal();
     KeepStoreOpen();
@@ -50,7 +50,7 @@ int RunHttpProcess(UniqueFd listener, UniqueFd intake, const Module& module, con
     EventHub events(options.streamLimit, std::chrono::seconds(options.heartbeatS));
     const UploadArea uploadArea(camvora::UploadFolder());
     uploadArea.RemoveUnfinished();  // of an HTTP process that was killed
-    Routes routes(module, token, options, uploadArea, client, events);
+    Routes routes(module, credentials, options, uploadArea, client, events);
     HttpServer server(std::move(listener), options, events);
     routes.AddTo(server);
     server.LimitBodies([&routes](const httplib::Request& request) { return routes.BodyLimit(request); });

@@ -1,5 +1,5 @@
 // camvora-host: serves a web API module over HTTP.
-#include "host/accesstoken.h"
+#include "host/credentials.h"
 #include "host/module.h"
 #include "host/options.h"
 #include "host/supervisor.h"
@@ -17,10 +17,11 @@ int main(int argc, char** argv) {
         return exitStatus;
     }
     try {
-        const auto token = host::AccessToken::ReadFrom(options.tokenFd);
+        const host::Credentials credentials(host::AccessToken::ReadFrom(options.tokenFd),
+                                            host::AccessToken::Draw());
         close_range(STDERR_FILENO + 1, ~0U, 0);  // whatever else the caller left open
         const host::Module module(options.modulePath);
-        return host::Supervisor(options, module, token).Run();
+        return host::Supervisor(options, module, credentials).Run();
     } catch (const std::exception& error) {
         std::cerr << "camvora-host: " << error.what() << '\n';
         return EXIT_FAILURE;

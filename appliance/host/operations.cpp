@@ -18,6 +18,7 @@ Json::Value ToJson(const camvora::Operation& operation) {
     entry["id"] = Json::Int64{operation.id};
     entry["time"] = operation.time;
     entry["request"] = operation.requestId;
+    entry["who"] = operation.who;
     entry["event"] = operation.event;
     entry["number"] = Json::Int64{operation.number};
     for (const std::string& text : operation.texts) {

@@ -17,6 +17,8 @@ void AddPlaces(CLI::App& app, Options& options) {
     app.add_option("--module", options.modulePath, "The web API module to serve");
     app.add_option("--address-file", options.addressFile,
                    "File that holds the address while the host serves");
+    app.add_option("--schedule-token-file", options.scheduleTokenFile,
+                   "File that holds the token of the appliance's own programs while the host serves");
     app.add_option("--token-fd", options.tokenFd, "Descriptor from which the access token is read")
         ->required()
         ->check(CLI::NonNegativeNumber);

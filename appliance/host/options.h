@@ -11,6 +11,7 @@ struct Options {
     int port = 8417;  // 0 picks a free one
     std::string modulePath = "/var/packages/Camvora/target/webapi/ORVA.Camvora.AddOns.so";
     std::string addressFile = "/var/packages/Camvora/target/@CVData/run/address";
+    std::string scheduleTokenFile = "/var/packages/Camvora/target/@CVData/run/schedule-token";
     int tokenFd = -1;
     bool stopOnEof = false;
 

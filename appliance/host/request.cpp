@@ -9,7 +9,7 @@ namespace {
 
 struct RequestHead {
     std::int32_t row;
-    bool authorized;
+    Caller caller;
     bool upload;
     std::uint32_t cookiesSize;
     std::uint32_t filesSize;
@@ -30,7 +30,7 @@ Head DecodeHead(const std::string& text) {
 }  // namespace
 
 std::string Encode(const Request& request) {
-    const RequestHead head{request.row, request.authorized, request.upload,
+    const RequestHead head{request.row, request.caller, request.upload,
                            static_cast<std::uint32_t>(request.cookies.size()),
                            static_cast<std::uint32_t>(request.files.size())};
     return EncodeHead(head) + request.cookies + request.files + request.body;
@@ -41,7 +41,7 @@ Request DecodeRequest(const std::string& text) {
     const std::size_t files = sizeof(head) + head.cookiesSize;
     const std::size_t body = files + head.filesSize;
     return {head.row,
-            head.authorized,
+            head.caller,
             head.upload,
             text.substr(sizeof(head), head.cookiesSize),
             text.substr(files, head.filesSize),

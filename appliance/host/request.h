@@ -1,6 +1,7 @@
 // A request on its way from the HTTP process to the request process.
 #pragma once
 
+#include "host/credentials.h"
 #include "host/reply.h"
 
 #include <cstdint>
@@ -12,7 +13,7 @@ constexpr std::int32_t kPing = -1;  // in place of a row: only tells that reques
 
 struct Request {
     std::int32_t row = kPing;  // of the module's table
-    bool authorized = false;
+    Caller caller = Caller::kStranger;
     bool upload = false;  // the body was a form
     std::string cookies;  // as the client sent them
     std::string files;    // of a form, as Uploads gives them as JSON text; empty for none

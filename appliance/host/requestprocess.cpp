@@ -9,6 +9,7 @@
 #include "libcamvora/pairedcaller.h"
 #include "libcamvora/requestcontent.h"
 #include "libcamvora/requestid.h"
+#include "libcamvora/requestorigin.h"
 #include "platform/log.h"
 
 #include <unistd.h>
@@ -25,7 +26,7 @@ namespace {
 Reply ReplyForException(const Request& request, const char* what) {
     CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Handler failed with an exception of type %s\n",
              TypeName(std::current_exception()).c_str());
-    if (!request.authorized && !camvora::IsCallerPaired()) {
+    if (request.caller == Caller::kStranger && !camvora::IsCallerPaired()) {
         return ReplyFor(FrameworkError::kNotAuthorized);
     }
     return ReplyFor(FrameworkError::kHandlerThrew, what);
@@ -64,6 +65,19 @@ std::optional<Reply> ReadFiles(const std::string& text, std::map<std::string, OR
     return std::nullopt;
 }
 
+// Whoever shows no token may still prove to be a paired server.
+const char* OriginOf(Caller caller) {
+    switch (caller) {
+        case Caller::kClient:
+            return camvora::kClientOrigin;
+        case Caller::kSchedule:
+            return camvora::kScheduleOrigin;
+        case Caller::kStranger:
+            break;
+    }
+    return "";
+}
+
 Reply Answer(const Request& request, const Module& module) {
     if (request.row == kPing) {
         return SuccessReply(Json::Value());
@@ -76,10 +90,11 @@ Reply Answer(const Request& request, const Module& module) {
     if (const auto refusal = ReadFiles(request.files, content.files)) {
         return *refusal;
     }
-    content.authorized = request.authorized;
+    content.authorized = request.caller != Caller::kStranger;
     content.upload = request.upload;
     content.method = row.method;
     content.cookies = ParseCookies(request.cookies);
+    camvora::SetRequestOrigin(OriginOf(request.caller));
     return CallHandler(request, row, content);
 }
 

@@ -66,10 +66,10 @@ const Routes::Page Routes::kPages[] = {
     // clang-format on
 };
 
-Routes::Routes(const Module& module, const AccessToken& token, const Options& options,
+Routes::Routes(const Module& module, const Credentials& credentials, const Options& options,
                const UploadArea& uploadArea, RequestClient& client, EventHub& events)
     : module_(module),
-      token_(token),
+      credentials_(credentials),
       options_(options),
       uploadArea_(uploadArea),
       client_(client),
@@ -184,7 +184,7 @@ void Routes::AnswerCall(std::int32_t row, const httplib::Request& request, httpl
                         const httplib::ContentReader& reader) {
     Request call;
     call.row = row;
-    call.authorized = IsAuthorized(request);
+    call.caller = CallerOf(request);
     call.cookies = request.get_header_value("Cookie");
     Uploads uploads(uploadArea_, AnnouncedSize(request));
     if (auto refusal = ReadBody(request, reader, LimitsOf(request), uploads, call)) {
@@ -305,8 +305,13 @@ BodyLimits Routes::LimitsOf(const httplib::Request& request) const {
             std::min(options_.uploadLimitBytes, options_.strangerBodyLimitBytes)};
 }
 
+Caller Routes::CallerOf(const httplib::Request& request) const {
+    return credentials_.Identify(request.get_header_value("Authorization"));
+}
+
+// To all that the host serves itself.
 bool Routes::IsAuthorized(const httplib::Request& request) const {
-    return token_.IsCarriedBy(request.get_header_value("Authorization"));
+    return CallerOf(request) == Caller::kClient;
 }
 
 }  // namespace host

@@ -1,7 +1,7 @@
 // What the host serves at which path.
 #pragma once
 
-#include "host/accesstoken.h"
+#include "host/credentials.h"
 #include "host/events.h"
 #include "host/module.h"
 #include "host/options.h"
@@ -21,7 +21,7 @@ namespace host {
 class Routes {
 public:
     // All references stay the caller's.
-    Routes(const Module& module, const AccessToken& token, const Options& options,
+    Routes(const Module& module, const Credentials& credentials, const Options& options,
            const UploadArea& uploadArea, RequestClient& client, EventHub& events);
 
     // Has `server` answer its requests here. This object outlives the server.
@@ -62,10 +62,11 @@ private:
 
     bool TakesBody(const httplib::Request& request) const;
     BodyLimits LimitsOf(const httplib::Request& request) const;
+    Caller CallerOf(const httplib::Request& request) const;
     bool IsAuthorized(const httplib::Request& request) const;
 
     const Module& module_;
-    const AccessToken& token_;
+    const Credentials& credentials_;
     const Options& options_;
     const UploadArea& uploadArea_;
     RequestClient& client_;

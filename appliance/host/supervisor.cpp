@@ -1,10 +1,10 @@
 #include "host/supervisor.h"
 
-#include "host/addressfile.h"
 #include "host/httpprocess.h"
 #include "host/intake.h"
 #include "host/processes.h"
 #include "host/requestserver.h"
+#include "host/runfile.h"
 
 #include "libcamvora/diagnosticlog.h"
 #include "libcamvora/lockguards.h"
@@ -25,6 +25,8 @@ namespace host {
 namespace {
 
 constexpr char kSchedulerProgram[] = "/var/packages/Camvora/target/bin/camvora-scheduler";
+constexpr mode_t kPrivate = 0600;
+constexpr mode_t kPublic = 0644;
 constexpr int kUpkeepIntervalMs = 5'000;
 constexpr int kStopPollMs = 50;
 constexpr std::chrono::milliseconds kEndGrace{2000};
@@ -63,10 +65,10 @@ bool HasEnded(int input) {
 
 }  // namespace
 
-Supervisor::Supervisor(const Options& options, const Module& module, const AccessToken& token)
+Supervisor::Supervisor(const Options& options, const Module& module, const Credentials& credentials)
     : options_(options),
       module_(module),
-      token_(token),
+      credentials_(credentials),
       signals_(OpenSignals()),
       listener_(Listen(options.listenAddress, options.port)),
       uploadArea_(camvora::UploadFolder()),
@@ -87,7 +89,8 @@ int Supervisor::RunRequestServer() {
 int Supervisor::RunHttpProcess() {
     signals_.Close();
     takeOut_.Close();
-    return host::RunHttpProcess(std::move(listener_.socket), std::move(handIn_), module_, token_, options_);
+    return host::RunHttpProcess(std::move(listener_.socket), std::move(handIn_), module_, credentials_,
+                                options_);
 }
 
 int Supervisor::Run() {
@@ -96,7 +99,8 @@ int Supervisor::Run() {
     for (Child& child : children_) {
         Start(child);
     }
-    const AddressFile address(options_.addressFile, listener_.url);
+    const RunFile token(options_.scheduleTokenFile, credentials_.ScheduleToken(), kPrivate);
+    const RunFile address(options_.addressFile, listener_.url, kPublic);
     CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Serving %zu methods at %s\n",
              module_.Rows().size(), listener_.url.c_str());
     const bool told = Supervise();

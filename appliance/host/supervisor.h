@@ -1,7 +1,7 @@
 // The host's first process: starts the others, starts them again when they fail, and ends everything.
 #pragma once
 
-#include "host/accesstoken.h"
+#include "host/credentials.h"
 #include "host/listener.h"
 #include "host/module.h"
 #include "host/options.h"
@@ -22,7 +22,7 @@ namespace host {
 class Supervisor {
 public:
     // Opens the sockets; the references stay the caller's. Throws std::runtime_error when that fails.
-    Supervisor(const Options& options, const Module& module, const AccessToken& token);
+    Supervisor(const Options& options, const Module& module, const Credentials& credentials);
 
     // Serves until it is told to stop (SIGTERM, SIGINT, or the end of standard input where the options say
     // so), then lets running requests finish and ends all processes. Returns the exit status: 0, or 1 when a
@@ -50,7 +50,7 @@ private:
 
     const Options& options_;
     const Module& module_;
-    const AccessToken& token_;
+    const Credentials& credentials_;
     UniqueFd signals_;
     Listener listener_;
     UniqueFd handIn_;

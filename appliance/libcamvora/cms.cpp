@@ -5,6 +5,7 @@
 #include "libcamvora/pairs.h"
 #include "libcamvora/peer.h"
 #include "libcamvora/replytext.h"
+#include "libcamvora/requestorigin.h"
 #include "libcamvora/settings.h"
 #include "libcamvora/store.h"
 #include "platform/log.h"
@@ -31,6 +32,15 @@ constexpr std::size_t kReplyLimitBytes = 0x7FFFFFFF;
 
 bool isCallerPaired = false;
 
+// Whoever shows a token as well is known by that.
+void TakeAsCaller(const std::string& role) {
+    isCallerPaired = true;
+    if (camvora::RequestOrigin().empty()) {
+        camvora::SetRequestOrigin(role == camvora::kHostRole ? camvora::kPairedHostOrigin
+                                                             : camvora::kPairedServerOrigin);
+    }
+}
+
 // True when a server of the role `role` made the proof.
 bool IsProofOf(const char* role, const std::string& cookie, const std::string& timestamp) {
     const auto state = camvora::TheStore().Read();
@@ -41,7 +51,9 @@ bool IsProofOf(const char* role, const std::string& cookie, const std::string& t
         }
     }
     const bool isProof = camvora::IsProofOfPair(secrets, cookie, timestamp, std::time(nullptr));
-    isCallerPaired = isCallerPaired || isProof;
+    if (isProof) {
+        TakeAsCaller(role);
+    }
     return isProof;
 }
 

@@ -1,13 +1,19 @@
 #include "libcamvora/notifications.h"
 
+#include "libcamvora/installation.h"
 #include "libcamvora/records.h"
 #include "libcamvora/store.h"
 #include "platform/notify.h"
 
 void CVClientNotify::Notify(CLIENT_NOTIFY_TYPE type, const std::string& text1, const std::string& text2,
                             const std::string& text3) {
+    const std::array<std::string, 3> texts = {text1, text2, text3};
+    const auto installation = camvora::InstallationToldBy(type, texts);
     (void)camvora::TheStore().Write([&](SQLite::Database& database) {  // a failure is in the log
-        camvora::AddNotification(database, type, {text1, text2, text3});
+        camvora::AddNotification(database, type, texts);
+        if (installation) {
+            camvora::AddOperation(database, camvora::kAddOnEvent, 0, *installation);
+        }
     });
 }
 

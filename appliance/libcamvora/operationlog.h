@@ -14,6 +14,7 @@ struct Operation {
     int event;
     long long number;
     std::array<std::string, 3> texts;
+    std::string who;  // made the request, see requestorigin.h
 };
 
 // The id of the newest entry, 0 when there is none yet. Throws std::exception when the store cannot be read.

@@ -1,6 +1,7 @@
 #include "libcamvora/records.h"
 
 #include "libcamvora/requestid.h"
+#include "libcamvora/requestorigin.h"
 #include "libcamvora/utctime.h"
 
 #include <SQLiteCpp/Statement.h>
@@ -43,7 +44,8 @@ Operation OperationOf(const SQLite::Statement& row) {
             row.getColumn(2).getString(),
             row.getColumn(3).getInt(),
             row.getColumn(4).getInt64(),
-            {row.getColumn(5).getString(), row.getColumn(6).getString(), row.getColumn(7).getString()}};
+            {row.getColumn(5).getString(), row.getColumn(6).getString(), row.getColumn(7).getString()},
+            row.getColumn(8).getString()};
 }
 
 // What is not bound is null, as are the arguments that a program does not have.
@@ -69,10 +71,10 @@ ProgramRun ProgramRunOf(const SQLite::Statement& row) {
 void AddOperation(SQLite::Database& database, int event, long long number,
                   const std::array<std::string, 3>& texts) {
     SQLite::Statement statement(database,
-                                "INSERT INTO operation_log(time, request, event, number, text1, text2, text3)"
-                                " VALUES(?, ?, ?, ?, ?, ?, ?)");
+                                "INSERT INTO operation_log(time, request, event, number, text1, text2, text3,"
+                                " who) VALUES(?, ?, ?, ?, ?, ?, ?, ?)");
     SQLite::bind(statement, UtcTimeText(), RequestId(), event, std::int64_t{number}, Shortened(texts[0]),
-                 Shortened(texts[1]), Shortened(texts[2]));
+                 Shortened(texts[1]), Shortened(texts[2]), RequestOrigin());
     statement.exec();
     Drop(database, "DELETE FROM operation_log WHERE id <= last_insert_rowid() - ?", kOperationsKept);
 }
@@ -113,7 +115,7 @@ std::vector<Operation> OperationsAfter(SQLite::Database& database, long long id,
                                        int limit) {
     SQLite::Statement statement(
         database,
-        "SELECT id, time, request, event, number, text1, text2, text3 FROM operation_log"
+        "SELECT id, time, request, event, number, text1, text2, text3, who FROM operation_log"
         " WHERE id > ?1 AND (?2 = '' OR request = ?2) ORDER BY id LIMIT ?3");
     SQLite::bind(statement, std::int64_t{id}, requestId, limit);
     std::vector<Operation> operations;

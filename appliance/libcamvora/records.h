@@ -21,7 +21,8 @@ inline constexpr int kOperationsKept = 10000;
 inline constexpr int kProgramRunsKept = 10000;
 inline constexpr std::size_t kRecordTextLimitBytes = 1024;
 
-// Each adds a record with the present time and this process's request, and drops the ones that are too old.
+// Each adds a record with the present time and this process's request (an operation also with its
+// origin), and drops the ones that are too old.
 // Texts are cut to their limit.
 // Called inside a transaction. Throws std::exception when that fails.
 void AddOperation(SQLite::Database& database, int event, long long number,

@@ -1,9 +1,11 @@
 // The schedule of a real appliance.
 #include "e2e/appliance.h"
 #include "e2e/processes.h"
+#include "e2e/updates.h"
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
+#include <json/writer.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -45,6 +47,7 @@ protected:
     bool HasLogged(const std::string& text) const { return appliance_.Log().find(text) != std::string::npos; }
 
     Appliance appliance_;
+    HttpCalls owner_ = appliance_.Owner();
 };
 
 TEST_F(ScheduleTest, IsMadeUpForOnceAndEndsWithTheAppliance) {
@@ -60,16 +63,44 @@ TEST_F(ScheduleTest, IsMadeUpForOnceAndEndsWithTheAppliance) {
     EXPECT_EQ("one two\n", Runs());
 }
 
+// Its token is good for the methods of the module, and tells it from clients.
+TEST_F(ScheduleTest, IsNamedInTheOperationLog) {
+    const fs::path file = appliance_.PackagePath("target/@CVData/run/schedule-token");
+    EXPECT_EQ(fs::perms::owner_read | fs::perms::owner_write, fs::status(file).permissions());
+    const std::string line = ReadFile(file);
+    const std::string token = line.substr(0, line.find('\n'));
+    EXPECT_EQ(64U, token.size());
+    HttpCalls schedule(appliance_.Url(), token);
+    EXPECT_EQ(401, schedule.Get("/operations").status);
+    for (const auto& [who, caller] : {std::pair("schedule", &schedule), std::pair("client", &owner_)}) {
+        Arrange(appliance_, kLocalDisplay, AddOnTree(kLocalDisplay, "1.0.0-0001"),
+                AddOnTree(kLocalDisplay, "2.0.0-0002"));
+        Json::Value params = Param("service", kLocalDisplay.service);
+        params["filePath"] = FilePath(kLocalDisplay);
+        const Answer answer = caller->AddOns("Update", params);
+        ASSERT_TRUE(answer.Succeeded()) << answer.body;
+        const Answer log = owner_.Get("/operations?request=" + answer.requestId);
+        ASSERT_EQ(1U, log.Data()["operations"].size()) << log.body;
+        const Json::Value& entry = log.Data()["operations"][0];
+        EXPECT_EQ(who, entry["who"].asString());
+        EXPECT_EQ("Local Display", entry["texts"][0].asString());
+        EXPECT_EQ("Updated to 2.0.0-0002", entry["texts"][1].asString());
+    }
+    appliance_.Stop();
+    EXPECT_FALSE(fs::exists(file));
+    appliance_.Launch();
+    EXPECT_EQ(105, HttpCalls(appliance_.Url(), token).AddOns("List").Code());
+}
+
 TEST_F(ScheduleTest, HasALineForEachAddOnThatIsUpdatedByItself) {
     const auto rule = [this](const std::string& name) {
         return ReadFile(appliance_.PackagePath("target/etc/cron.d/auto-update-" + name));
     };
-    HttpCalls owner = appliance_.Owner();
     std::string timeOfDay;
     for (const auto& [service, name] : {std::pair(1, "device_pack"), std::pair(6, "local_display")}) {
         Json::Value params = Param("service", service);
         params["blEnable"] = true;
-        EXPECT_TRUE(owner.AddOns("SetAutoUpdate", params).Succeeded());
+        EXPECT_TRUE(owner_.AddOns("SetAutoUpdate", params).Succeeded());
         const std::string command =
             std::string(" * * * /var/packages/Camvora/target/bin/auto-update ") + name + "\n";
         const std::size_t begin = rule(name).find(command);
@@ -77,7 +108,7 @@ TEST_F(ScheduleTest, HasALineForEachAddOnThatIsUpdatedByItself) {
         timeOfDay = timeOfDay.empty() ? rule(name).substr(0, begin) : timeOfDay;
         EXPECT_EQ(timeOfDay + command, rule(name));
         params["blEnable"] = false;
-        EXPECT_TRUE(owner.AddOns("SetAutoUpdate", params).Succeeded());
+        EXPECT_TRUE(owner_.AddOns("SetAutoUpdate", params).Succeeded());
         EXPECT_EQ("", rule(name));
     }
 }

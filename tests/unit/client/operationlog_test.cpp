@@ -10,7 +10,7 @@ namespace {
 
 std::string Entry(const std::string& id, const std::string& event, const std::string& texts) {
     return R"({"event":)" + event + R"(,"id":)" + id + R"(,"number":0,"request":"q)" + id + R"(","texts":)" +
-           texts + R"(,"time":"2026-03-01T12:03:07.123Z"})";
+           texts + R"(,"time":"2026-03-01T12:03:07.123Z","who":"client"})";
 }
 
 const std::string kStarted = Entry("4", "321913013", R"(["Display","by hand",""])");
@@ -23,9 +23,9 @@ FakeReply Operations(const std::string& entries) {
 TEST(OperationLogTest, IsATableForPeopleAndAsItIsForPrograms) {
     const FakeAppliance appliance({{"GET /operations", Operations(kStarted + "," + kOther)}});
     EXPECT_EQ(
-        "Time                 Event           Text              Request\n"
-        "2026-03-01 12:03:07  Add-on service  Display: by hand  q4\n"
-        "2026-03-01 12:03:07  Event 7         x\\x1B[31m         q5\n",
+        "Time                 Event           Text              Who     Request\n"
+        "2026-03-01 12:03:07  Add-on service  Display: by hand  client  q4\n"
+        "2026-03-01 12:03:07  Event 7         x\\x1B[31m         client  q5\n",
         appliance.Run("log").out);
     const std::string whole = appliance.Run("log --json").out;
     EXPECT_NE(std::string::npos, whole.find(kStarted)) << whole;

@@ -14,7 +14,7 @@ cd "$target/@CVData/run"
 if [ $$ = 1 ]; then
   rm -rf ./* /tmp/cv_addons_lock /tmp/cv_*.lock /tmp/cv_*.pid /tmp/cv_*.pid.new
 else
-  rm -f address started daemon-*.stopped
+  rm -f address schedule-token started daemon-*.stopped
   for lock in /tmp/cv_addons_lock /tmp/cv_*.lock; do
     [ -e "locks/%2Ftmp%2F${lock##*/}" ] || rm -f "$lock" "${lock%.lock}.pid" "${lock%.lock}.pid.new" || :
   done
