@@ -22,8 +22,8 @@ namespace {
 
 // In the order of the help.
 constexpr void (*kCommands[])(Command, Session&) = {
-    AddList,   AddStatus, AddControl, AddInstall, AddUpload, AddCheck, AddPkg,
-    AddEvents, AddLog,    AddApps,    AddMethods, AddCall,   AddPair,
+    AddList, AddStatus, AddControl, AddInstall, AddUpload,  AddCheck, AddPkg,
+    AddFeed, AddEvents, AddLog,     AddApps,    AddMethods, AddCall,  AddPair,
 };
 
 constexpr char kExamples[] =

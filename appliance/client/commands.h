@@ -20,6 +20,7 @@ void AddUpload(Command program, Session& session);
 void AddInstall(Command program, Session& session);
 void AddCheck(Command program, Session& session);
 void AddPkg(Command program, Session& session);
+void AddFeed(Command program, Session& session);  // key and build
 void AddPair(Command program, Session& session);  // code, join, list and remove
 
 }  // namespace client
