@@ -1,19 +1,26 @@
-// recover-addons: run when the appliance starts, before anything is served. Afterwards the place of each
-// add-on holds a whole tree: what an update that was cut has left, or, where nothing is, the factory's.
-// Without a factory copy it stays empty.
+// recover-addons [--running]: afterwards the place of each add-on holds a whole tree: what an update or a
+// restore that was cut has left, or, where nothing is, the factory's. Without a factory copy it stays empty.
+//
+// Run when the appliance starts, before anything is served. With --running it may run at any time: it puts
+// back what was set aside, and nothing more.
 #include "addons/factorycopy.h"
 #include "addons/pkgcontrol.h"
 #include "addons/pkgrecovery.h"
 #include "addons/scopedlockfile.h"
 
+#include <string>
+
 namespace {
 
-bool Recover(ADDON_SERVICE service) {
+bool Recover(ADDON_SERVICE service, bool isRunning) {
     const ScopedLockFile lock(GetPkgLockFile(service), kPackageLockWaitMs);
     if (!lock.IsHeld()) {
         return false;
     }
     const bool isRecovered = RecoverAddOn(service);
+    if (isRunning) {
+        return isRecovered;
+    }
     const bool isForgotten = ForgetUnpacked(service, false);
     const bool isForgottenFromHost = ForgetUnpacked(service, true);
     return isRecovered && FillEmptyPlace(service) && isForgotten && isForgottenFromHost;
@@ -21,8 +28,9 @@ bool Recover(ADDON_SERVICE service) {
 
 }  // namespace
 
-int main() {
-    const bool hasDevicePack = Recover(ADDON_SERVICE_DEVICE_PACK);
-    const bool hasLocalDisplay = Recover(ADDON_SERVICE_LOCAL_DISPLAY);
+int main(int argc, char** argv) {
+    const bool isRunning = argc == 2 && std::string(argv[1]) == "--running";
+    const bool hasDevicePack = Recover(ADDON_SERVICE_DEVICE_PACK, isRunning);
+    const bool hasLocalDisplay = Recover(ADDON_SERVICE_LOCAL_DISPLAY, isRunning);
     return hasDevicePack && hasLocalDisplay ? 0 : 1;
 }

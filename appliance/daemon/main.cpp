@@ -4,7 +4,6 @@
 #include "libcamvora/daemonlock.h"
 #include "libcamvora/daemontable.h"
 #include "libcamvora/paths.h"
-#include "libcamvora/requestid.h"
 #include "platform/log.h"
 #include "platform/plibc.h"
 
@@ -82,6 +81,5 @@ int main(int argc, char** argv) {
         (void)std::fputs("usage: camvora-daemon TYPE STARTER\n", stderr);
         return 2;
     }
-    camvora::SetRequestIdFromEnvironment();
     return RunDaemon(*entry, std::atoi(argv[2]));
 }

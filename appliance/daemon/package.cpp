@@ -1,7 +1,6 @@
 // camvora-package stop|start: ends the daemons of the main package, or starts those again that ran before.
 // Run by the package's start script.
 #include "libcamvora/packagedaemons.h"
-#include "libcamvora/requestid.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +12,6 @@ int main(int argc, char** argv) {
         (void)std::fputs("usage: camvora-package stop|start\n", stderr);
         return 2;
     }
-    camvora::SetRequestIdFromEnvironment();
     const bool isDone = action == "stop" ? camvora::StopPackageDaemons() : camvora::StartPackageDaemons();
     return isDone ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -15,13 +15,16 @@
 #include <sys/prctl.h>
 #include <sys/signalfd.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 namespace host {
 
 namespace {
 
+constexpr char kSchedulerProgram[] = "/var/packages/Camvora/target/bin/camvora-scheduler";
 constexpr int kUpkeepIntervalMs = 5'000;
 constexpr int kStopPollMs = 50;
 constexpr std::chrono::milliseconds kEndGrace{2000};
@@ -47,6 +50,12 @@ bool ReadSignals(const UniqueFd& signals) {
     return stop;
 }
 
+// A program of its own, as what it does is no matter of the web framework.
+int BecomeScheduler() {
+    (void)execl(kSchedulerProgram, kSchedulerProgram, nullptr);
+    return EXIT_FAILURE;
+}
+
 bool HasEnded(int input) {
     char discarded[256];
     return read(input, discarded, sizeof(discarded)) <= 0;
@@ -61,8 +70,9 @@ Supervisor::Supervisor(const Options& options, const Module& module, const Acces
       signals_(OpenSignals()),
       listener_(Listen(options.listenAddress, options.port)),
       uploadArea_(camvora::UploadFolder()),
-      children_{{{"request server", [this] { return RunRequestServer(); }},
-                 {"HTTP server", [this] { return RunHttpProcess(); }}}} {
+      children_{{{"request server", true, [this] { return RunRequestServer(); }},
+                 {"HTTP server", true, [this] { return RunHttpProcess(); }},
+                 {"scheduler", false, BecomeScheduler}}} {
     std::tie(handIn_, takeOut_) = OpenIntake();
     prctl(PR_SET_CHILD_SUBREAPER, 1);
 }
@@ -123,27 +133,33 @@ bool Supervisor::IsToldToStop(int waitLimitMs) {
 bool Supervisor::RestartEnded() {
     for (pid_t pid = 0; (pid = waitpid(-1, nullptr, WNOHANG)) > 0;) {
         for (Child& child : children_) {
-            if (child.pid != pid) {
-                continue;
-            }
-            child.pid = -1;
-            CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "The %s has ended; starting it again\n",
-                     child.name);
-            if (!restarts_.Spend(std::chrono::steady_clock::now())) {
-                CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "It keeps ending; giving up\n");
+            if (child.pid == pid && !Restart(child)) {
                 return false;
             }
-            Start(child);
         }
     }
     return true;
+}
+
+// Returns false when it keeps ending and is needed.
+bool Supervisor::Restart(Child& child) {
+    child.pid = -1;
+    CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "The %s has ended; starting it again\n",
+             child.name);
+    if (child.restarts.Spend(std::chrono::steady_clock::now())) {
+        Start(child);
+        return true;
+    }
+    CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "It keeps ending; giving up\n");
+    return !child.isVital;
 }
 
 void Supervisor::Stop() {
     // The HTTP server ends when the requests that run have been answered; nobody needs the request server
     // then, but what requests have left at work still comes to its end.
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(options_.drainTimeS);
-    auto& [requestServer, httpServer] = children_;
+    auto& [requestServer, httpServer, scheduler] = children_;
+    StopChild(scheduler, deadline);
     StopChild(httpServer, deadline);
     StopChild(requestServer, std::chrono::steady_clock::now());
     AwaitForkedChildren(deadline);

@@ -32,8 +32,10 @@ public:
 private:
     struct Child {
         const char* name;
+        bool isVital;  // nothing is served without it
         std::function<int()> body;
         pid_t pid = -1;
+        RestartBudget restarts = {};
     };
 
     int RunRequestServer();
@@ -42,6 +44,7 @@ private:
     bool Supervise();
     bool IsToldToStop(int waitLimitMs);
     bool RestartEnded();
+    bool Restart(Child& child);
     void Stop();
     void StopChild(Child& child, std::chrono::steady_clock::time_point deadline);
 
@@ -52,9 +55,8 @@ private:
     Listener listener_;
     UniqueFd handIn_;
     UniqueFd takeOut_;
-    RestartBudget restarts_;
     const UploadArea uploadArea_;
-    std::array<Child, 2> children_;
+    std::array<Child, 3> children_;
 };
 
 }  // namespace host

@@ -9,6 +9,9 @@ inline constexpr char kLocalDisplayFolder[] = "/var/packages/Camvora/target/loca
 inline constexpr char kFactoryCopySuffix[] = ".default";
 inline constexpr char kAddOnConfName[] = "/conf";
 
+// The machine's identity.
+inline constexpr char kMachineInfo[] = "/etc.defaults/orvainfo.conf";
+
 // The main package's settings.
 inline constexpr char kPackageConf[] = "/var/packages/Camvora/target/etc/cv.conf";
 
@@ -24,6 +27,10 @@ inline constexpr char kDefaultUploadFolder[] = "/var/packages/Camvora/target/@CV
 
 // Limits of the programs that are run for requests.
 inline constexpr char kProgramsConf[] = "/var/packages/Camvora/target/etc/programs.conf";
+
+// The schedule: a file for each rule. What the automatic updates run.
+inline constexpr char kScheduleFolder[] = "/var/packages/Camvora/target/etc/cron.d";
+inline constexpr char kAutoUpdateProgram[] = "/var/packages/Camvora/target/bin/auto-update";
 
 // What is true only while the appliance runs. The package is started while kStartedFile exists. Locks are
 // guarded in kGuardFolder.

@@ -6,8 +6,13 @@ namespace camvora {
 
 namespace {
 
+std::string IdFromEnvironment() {
+    const char* id = std::getenv(kRequestIdVariable);
+    return id != nullptr ? id : "";
+}
+
 std::string& StoredId() {
-    thread_local std::string id;
+    thread_local std::string id = IdFromEnvironment();
     return id;
 }
 
@@ -15,11 +20,6 @@ std::string& StoredId() {
 
 void SetRequestId(const std::string& id) {
     StoredId() = id;
-}
-
-void SetRequestIdFromEnvironment() {
-    const char* id = std::getenv(kRequestIdVariable);
-    SetRequestId(id != nullptr ? id : "");
 }
 
 const std::string& RequestId() {

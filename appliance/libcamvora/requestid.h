@@ -6,14 +6,11 @@
 
 namespace camvora {
 
-// The environment variable that carries the id to programs.
+// The environment variable that carries the id to programs, which have it from there.
 inline constexpr char kRequestIdVariable[] = "CAMVORA_REQUEST_ID";
 
 // Sets the id for this thread and all that it forks from now on; empty for none. Called by the host.
 void SetRequestId(const std::string& id);
-
-// Takes over the id that the environment carries. Called by programs that a request has run.
-void SetRequestIdFromEnvironment();
 
 // The id; empty where no request is worked for.
 const std::string& RequestId();

@@ -33,6 +33,8 @@ constexpr const char* kSteps[] = {
     "CREATE TABLE downloads(service INTEGER PRIMARY KEY, status INTEGER NOT NULL,"
     " version TEXT NOT NULL, file TEXT NOT NULL,"
     " date TEXT NOT NULL);",
+    "ALTER TABLE operation_log ADD COLUMN who TEXT NOT NULL DEFAULT '';"
+    "CREATE TABLE schedule(line TEXT PRIMARY KEY, last INTEGER NOT NULL) WITHOUT ROWID;",
 };
 
 }  // namespace

@@ -9,6 +9,7 @@
 //                  other side uses towards us (secret_in) and that we use towards it (secret_out); its
 //                  address
 //   operation_log  what the appliance's owner is told
+//   schedule       when each of its lines was last due and followed, in seconds since 1970
 //   notifications  what connected clients are told
 //   programs       what was run for requests, and how it ended
 //   downloads      the last download of each service: how far it has come (APP_DOWNLOAD_STATUS) and its file

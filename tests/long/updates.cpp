@@ -1,9 +1,12 @@
-// Updates killed at each system call that changes the file system, and inspections during updates:
+// Updates and restores killed at each system call that changes the file system, and inspections and restores
+// during updates:
 //
-//   long_updates [--sample] [--inspections N]
+//   long_updates [--sample] [--inspections N] [--restores N]
 //
 // Prints for each program and call what was in the place of the add-on afterwards, and each fault.
 #include "e2e/updates.h"
+#include "e2e/restorekill.h"
+#include "e2e/restores.h"
 #include "e2e/updatekill.h"
 
 #include <CLI/CLI.hpp>
@@ -34,27 +37,31 @@ void Print(const e2e::KillFigures& figures) {
     }
 }
 
+using Sweeper = bool (*)(e2e::Appliance&, e2e::Extent, e2e::KillFigures&);
+
 // Returns whether all is well.
-bool Sweep(const char* disk, e2e::Appliance& appliance, e2e::Extent extent) {
+bool Sweep(const char* what, Sweeper sweep, e2e::Appliance& appliance, e2e::Extent extent) {
     e2e::KillFigures figures;
-    if (!SweepKills(appliance, extent, figures)) {
-        std::printf("updates cannot be followed on this machine\n");
+    if (!sweep(appliance, extent, figures)) {
+        std::printf("requests cannot be followed on this machine\n");
         return false;
     }
-    std::printf("work directories on %s:\n", disk);
+    std::printf("%s:\n", what);
     Print(figures);
     return figures.faults.empty();
 }
 
-bool InspectMeanwhile(const e2e::Appliance& appliance, unsigned count) {
+using Disturber = std::vector<std::string> (*)(const e2e::Appliance&, const e2e::AddOn&, unsigned, unsigned);
+
+bool DisturbUpdates(const char* what, Disturber disturb, const e2e::Appliance& appliance, unsigned count) {
     std::size_t faults = 0;
     for (const e2e::AddOn& addOn : {e2e::kDevicePack, e2e::kLocalDisplay}) {
-        for (const std::string& fault : InspectDuringUpdates(appliance, addOn, kSeed, count)) {
+        for (const std::string& fault : disturb(appliance, addOn, kSeed, count)) {
             std::printf("%s %s\n", addOn.name, fault.c_str());
             ++faults;
         }
     }
-    std::printf("inspections during updates %u, faults %zu\n", 2 * count, faults);
+    std::printf("%s during updates %u, faults %zu\n", what, 2 * count, faults);
     return faults == 0;
 }
 
@@ -62,21 +69,26 @@ int RunAll(int argc, char** argv) {
     CLI::App options("Updates killed at each system call");
     bool isSample = false;
     unsigned inspections = 250;
-    options.add_flag("--sample", isSample, "the last call of each kind only");
+    unsigned restores = 100;
+    options.add_flag("--sample", isSample, "the last call of each kind and all that rename");
     options.add_option("--inspections", inspections, "during updates of each add-on");
+    options.add_option("--restores", restores, "during updates of each add-on");
     CLI11_PARSE(options, argc, argv);
     const e2e::Extent extent = isSample ? e2e::Extent::kSample : e2e::Extent::kAll;
 
     e2e::Appliance appliance;
-    bool isWell = InspectMeanwhile(appliance, inspections);
-    isWell = Sweep("the same disk", appliance, extent) && isWell;
+    bool isWell = DisturbUpdates("inspections", e2e::InspectDuringUpdates, appliance, inspections);
+    isWell = DisturbUpdates("restores", e2e::RestoreDuringUpdates, appliance, restores) && isWell;
+    isWell = Sweep("restores", e2e::SweepRestoreKills, appliance, extent) && isWell;
+    isWell =
+        Sweep("updates, work directories on the same disk", e2e::SweepKills, appliance, extent) && isWell;
     appliance.Stop();
     if (!MountWorkDirectories(appliance)) {
         std::printf("no other disk can be had on this machine\n");
         return EXIT_FAILURE;
     }
     appliance.Launch();
-    isWell = Sweep("another disk", appliance, extent) && isWell;
+    isWell = Sweep("updates, work directories on another disk", e2e::SweepKills, appliance, extent) && isWell;
     return isWell ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

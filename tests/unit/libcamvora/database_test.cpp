@@ -44,9 +44,9 @@ TEST_F(DatabaseFile, OfANewerVersionIsRefusedAndLeftAlone) {
 
 TEST_F(DatabaseFile, OfAnOlderVersionIsBroughtUpToDate) {
     Open().exec(
-        "DROP TABLE downloads; DROP TABLE programs; ALTER TABLE pairs DROP COLUMN address; PRAGMA "
-        "user_version = 1; INSERT INTO "
-        "settings VALUES('kept', 'yes')");
+        "DROP TABLE schedule; ALTER TABLE operation_log DROP COLUMN who; DROP TABLE downloads;"
+        "DROP TABLE programs; ALTER TABLE pairs DROP COLUMN address; PRAGMA user_version = 1;"
+        "INSERT INTO settings VALUES('kept', 'yes')");
     SQLite::Database database = Open();
     EXPECT_EQ(camvora::CurrentSchemaVersion(), camvora::SchemaVersion(database));
     EXPECT_EQ("yes", database.execAndGet("SELECT value FROM settings WHERE key = 'kept'").getString());

@@ -14,4 +14,6 @@ case "${1:-}" in
     exit 2
     ;;
 esac
+# Of a Device Pack whose replacement was cut nothing could be run.
+[ ! -e "$target/device_pack.aside" ] || "$target/bin/recover-addons" --running || echo "$0: see the diagnostic log" >&2
 exec "$target/bin/camvora-package" "$1"
