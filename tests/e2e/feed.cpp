@@ -89,7 +89,6 @@ void FaultyFeed::SendIndex(const httplib::Request& request, httplib::Response& r
     --checksUnderWay_;
 }
 
-// The library knows only answers that keep to what they announce, and so does not see to ranges here.
 void FaultyFeed::SendPackage(const httplib::Request& request, httplib::Response& response) {
     if (fault_.status != 200) {
         response.status = fault_.status;
@@ -101,9 +100,6 @@ void FaultyFeed::SendPackage(const httplib::Request& request, httplib::Response&
     }
     const FeedFault fault = fault_;
     const auto length = static_cast<std::size_t>(static_cast<long>(content.size()) + fault.lengthError);
-    if (fault.ignoresRange) {
-        const_cast<httplib::Request&>(request).ranges.clear();
-    }
     response.set_content_provider(
         length, "application/octet-stream",
         [content, fault](std::size_t offset, std::size_t left, httplib::DataSink& sink) {

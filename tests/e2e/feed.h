@@ -40,7 +40,6 @@ struct FeedFault {
     std::size_t cutAt = std::string::npos;  // the connection ends before this byte
     long lengthError = 0;                   // added to the announced length
     bool isAltered = false;                 // one bit of it
-    bool ignoresRange = false;              // always sends all of it
     std::size_t chunkBytes = std::size_t{64} << 10U;
     std::chrono::milliseconds pause{0};  // after each chunk
 };

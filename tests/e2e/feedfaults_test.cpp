@@ -51,7 +51,7 @@ const FaultCase kFaultCases[] = {
     {"altered", Altered()},  {"missing", Status(404)},   {"server_error", Status(500)},
 };
 
-class FeedFaultTest : public testing::TestWithParam<FaultCase> {
+class DownloadFaultTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         appliance_ = std::make_unique<Appliance>();
@@ -82,6 +82,8 @@ protected:
     inline static std::string installed_;
 };
 
+class FeedFaultTest : public DownloadFaultTest, public testing::WithParamInterface<FaultCase> {};
+
 TEST_P(FeedFaultTest, LeavesTheAddOnAndALaterDownloadSucceeds) {
     std::filesystem::remove_all(appliance_->PackagePath("target/@CVData/download"));
     feed_->SetFault(GetParam().fault);
@@ -95,8 +97,6 @@ TEST_P(FeedFaultTest, LeavesTheAddOnAndALaterDownloadSucceeds) {
 
 INSTANTIATE_TEST_SUITE_P(, FeedFaultTest, testing::ValuesIn(kFaultCases),
                          [](const auto& row) { return std::string(row.param.name); });
-
-using DownloadFaultTest = FeedFaultTest;
 
 TEST_F(DownloadFaultTest, AnyKillLeavesWhatCanBeFinished) {
     EXPECT_EQ(std::vector<std::string>{}, KillDownloads(*appliance_, *feed_, package_, 1, 20));
