@@ -1,11 +1,15 @@
 #include "addons/addonsservice.h"
 
+#include "addons/addonpackage.h"
+#include "addons/announcement.h"
 #include "addons/paths.h"
 #include "platform/files.h"
 #include "platform/locks.h"
 #include "platform/log.h"
 #include "platform/notify.h"
 #include "platform/plibc.h"
+#include "platform/releases.h"
+#include "platform/settings.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,8 +20,6 @@
 namespace {
 
 constexpr int kControlLockWaitMs = 3000;
-constexpr CLIENT_NOTIFY_TYPE kNotifyAddOns{24};
-constexpr CV_LOG_TYPE kLogAddOns{0x133000B5};
 
 ServiceControl* MakeController(ADDON_SERVICE service) {
     switch (service) {
@@ -43,6 +45,10 @@ bool EndedWell(pid_t child) {
 }
 
 }  // namespace
+
+std::string GetUpdateLockFile(ADDON_SERVICE service) {
+    return std::string(kProcessFilePrefix) + kUpdateLockName + "_" + GetServiceStr(service) + kLockSuffix;
+}
 
 AddOns::AddOns(ADDON_SERVICE initialService) : service(initialService) {
     InitController();
@@ -73,11 +79,11 @@ void AddOns::SetLogInfo(std::string serviceName, std::string description) {
 }
 
 std::string AddOns::GetServiceFile(PROCESS_FILE file) const {
-    std::string name = GetServiceStr(service);
     if (file == PROCESS_FILE_UPDATE_LOCK) {
-        name = std::string(kUpdateLockName) + "_" + name;
+        return GetUpdateLockFile(service);
     }
-    return kProcessFilePrefix + name + (file == PROCESS_FILE_PID ? kPidSuffix : kLockSuffix);
+    return kProcessFilePrefix + GetServiceStr(service) +
+           (file == PROCESS_FILE_PID ? kPidSuffix : kLockSuffix);
 }
 
 bool AddOns::IsLockFileExist() const {
@@ -140,4 +146,32 @@ int AddOns::ExecServiceControl(CONTROL_ACTION action, bool notify) {
 void AddOns::AnnounceAction(CONTROL_ACTION action) const {
     CVClientNotify::Notify(kNotifyAddOns, itos(service), itos(action), itos(0));
     CVLog(kLogAddOns, 0, logServiceName, logDescription, "");
+}
+
+int AddOns::SetAutoUpdate(bool enable) {
+    const std::string key = GetAutoDownloadKey(service);
+    if (IsSettingEnabled(key, false, false) == enable) {
+        return 0;
+    }
+    if (SetSettingEnabled(key, enable) != 0) {
+        CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__,
+                 "Failed to set auto-update key.\n");
+        return -1;
+    }
+    if (SetAutoDownload(enable) != 0) {
+        CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__,
+                 "Failed to set auto-update schedule.\n");
+        return -1;
+    }
+    return 0;
+}
+
+int AddOns::SetAutoDownload(bool enable) {
+    AddonsUpdate update(service);
+    if (FindAddOnPackage(service) != nullptr && update.SetAutoDownloadCrontabRule(enable) != 0) {
+        CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__,
+                 "Failed to set auto-update schedule.\n");
+        return -1;
+    }
+    return 0;
 }

@@ -15,6 +15,9 @@ enum PROCESS_FILE : int {
     PROCESS_FILE_UPDATE_LOCK = 2,  // exists while a package update is under way
 };
 
+// The file that an update of `service` holds locked, see PROCESS_FILE_UPDATE_LOCK.
+std::string GetUpdateLockFile(ADDON_SERVICE service);
+
 // One service for the length of a request: its identity, its way of control, and the texts for the operation
 // log. Used in the request process and in what it forks; never copied within a process.
 class AddOns {
@@ -58,6 +61,15 @@ public:
     //             tree stays, or is back at the next recovery, unless all that failed is to forget the
     //             download
     int ExecuteUpdate(std::string path);
+
+    // Switches the automatic update of the service on or off; where it is so already, nothing happens.
+    // Returns 0, or -1 with a log line: the setting could not be written, or it is written and the schedule
+    // could not be changed.
+    int SetAutoUpdate(bool enable);
+
+    // Makes or removes the schedule of the automatic download; a service without packages has none, which is
+    // a success. Returns 0, or -1 with a log line.
+    int SetAutoDownload(bool enable);
 
 private:
     // Under the update lock. Return 0, or -1 with a log line.

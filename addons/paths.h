@@ -9,6 +9,9 @@ inline constexpr char kLockSuffix[] = ".lock";
 inline constexpr char kUpdateLockName[] = "AddOns_Update";
 inline constexpr char kPackageLockName[] = "AddOns_Package";
 
+// Held while the release service is asked.
+inline constexpr char kAddOnsLock[] = "/tmp/cv_addons_lock";
+
 // Tells that somebody is logged in at the Local Display.
 inline constexpr char kLocalDisplayLoginStatus[] =
     "/var/packages/Camvora/target/@CVData/preference/local_display_login/status";
@@ -43,12 +46,14 @@ inline constexpr char kMinLocalDisplayVersionKey[] = "local_display_min_ver";
 inline constexpr char kUploadDirKey[] = "addons_upload_dir";
 inline constexpr char kUniqueKey[] = "unique";
 
-// The installed trees, beside each the factory copy with its suffix, and the programs of an update that lie
-// there and in the main package.
+// The installed trees, beside each the factory copy with its suffix, and the programs of an update or a
+// restore that lie there and in the main package.
 inline constexpr char kDevicePackPlace[] = "/var/packages/Camvora/target/device_pack";
 inline constexpr char kLocalDisplayPlace[] = "/var/packages/Camvora/target/local_display";
 inline constexpr char kFactorySuffix[] = ".default";
 inline constexpr char kStartScript[] = "/var/packages/Camvora/target/scripts/S82camvora.sh";
+inline constexpr char kLocalDisplayScript[] = "/var/packages/Camvora/target/scripts/ctl_local_display.sh";
+inline constexpr char kRestoreScript[] = "/var/packages/Camvora/target/device_pack/script/restore";
 inline constexpr char kPreUpgradeScript[] = "/var/packages/Camvora/target/device_pack/script/preupgrade";
 inline constexpr char kPreInstallScript[] = "/var/packages/Camvora/target/device_pack/script/preinst";
 inline constexpr char kPostInstallScript[] = "/var/packages/Camvora/target/device_pack/script/postinst";

@@ -1,6 +1,7 @@
 // Installing an unpacked package in place of the installed add-on.
 #include "addons/addonpackage.h"
 #include "addons/addonsservice.h"
+#include "addons/announcement.h"
 #include "addons/disktree.h"
 #include "addons/paths.h"
 #include "addons/pkgcontrol.h"
@@ -21,7 +22,6 @@
 namespace {
 
 constexpr int kUpdateLockWaitMs = 3000;
-constexpr CLIENT_NOTIFY_TYPE kNotifyAddOns{24};
 
 bool IsWorkDirOf(ADDON_SERVICE service, const std::string& path) {
     return path == GetWorkDir(service, false) + "/" || path == GetWorkDir(service, true) + "/";

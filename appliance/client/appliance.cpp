@@ -86,6 +86,16 @@ Json::Value Appliance::Programs(const std::string& requestId) const {
     return ListIn(Checked(http_.Get("/programs", query), kWhat).data, "programs", kWhat);
 }
 
+Json::Value Appliance::Releases() const {
+    constexpr char kWhat[] = "The record of releases";
+    return ListIn(GetPage("/releases", kWhat), "releases", kWhat);
+}
+
+Json::Value Appliance::Downloads() const {
+    constexpr char kWhat[] = "The record of downloads";
+    return ListIn(GetPage("/downloads", kWhat), "downloads", kWhat);
+}
+
 void Appliance::AddRequest(Failure& failure, const std::string& requestId) const {
     if (requestId.empty()) {
         return;

@@ -51,8 +51,8 @@ public:
     // The log lines of a request, an array. Throws as Ask does.
     Json::Value Log(const std::string& requestId) const;
 
-    // False when methods are called on a paired server, whose records, those of operations and of programs,
-    // cannot be asked.
+    // False when methods are called on a paired server, whose records, those of operations, programs,
+    // releases and downloads, cannot be asked.
     bool HasRecords() const { return server_.empty(); }
 
     // The entries of the operation log with ids above `after`, oldest first and at most a thousand; the
@@ -65,6 +65,10 @@ public:
     // The newest programs that the request has run, or that all have where it is empty, in the order of their
     // ends and at most a thousand. Throws as Ask does.
     Json::Value Programs(const std::string& requestId) const;
+
+    // What the last checks have found, and the downloads, arrays. Throw as Ask does.
+    Json::Value Releases() const;
+    Json::Value Downloads() const;
 
     // Puts a request and, as far as they can be had, its log lines into `failure`.
     void AddRequest(Failure& failure, const std::string& requestId) const;

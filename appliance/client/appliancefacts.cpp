@@ -73,6 +73,11 @@ std::optional<ApplianceFacts> ReadApplianceFacts(const std::string& dir) {
     return facts;
 }
 
+std::string ReadFactoryVersion(const std::string& dir, const std::string& service) {
+    const std::string conf = dir + kTarget + "/" + service + ".default/conf";
+    return dir.empty() ? "" : ValueOf(ReadText(conf).value_or(""), "version").value_or("");
+}
+
 ScanLimits ReadScanLimits(const std::string& dir) {
     const std::string conf = dir.empty() ? "" : ReadText(dir + kProgramsConf).value_or("");
     return {NumberOf(conf, "unpack_size_limit_mib", kSizeLimitMiB) * kMiB,

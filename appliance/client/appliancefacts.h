@@ -22,6 +22,10 @@ struct ApplianceFacts {
 // Reads the facts of the appliance in the folder `dir`. Nothing when no main package is installed there.
 std::optional<ApplianceFacts> ReadApplianceFacts(const std::string& dir);
 
+// The version of an add-on's factory copy in that folder, empty when it cannot be read.
+//   service  its short name
+std::string ReadFactoryVersion(const std::string& dir, const std::string& service);
+
 // The limits to which that appliance unpacks. Without `dir`, and where its settings do not say otherwise,
 // those of every appliance.
 ScanLimits ReadScanLimits(const std::string& dir);

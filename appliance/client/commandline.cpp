@@ -22,8 +22,9 @@ namespace {
 
 // In the order of the help.
 constexpr void (*kCommands[])(Command, Session&) = {
-    AddList,   AddStatus, AddControl, AddInstall, AddUpload, AddCheck, AddPkg,
-    AddEvents, AddLog,    AddApps,    AddMethods, AddCall,   AddPair,
+    AddList,   AddStatus,     AddControl, AddInstall, AddUpload, AddUpdates, AddDownload,
+    AddUpdate, AddAutoUpdate, AddRestore, AddCheck,   AddPkg,    AddFeed,    AddEvents,
+    AddLog,    AddApps,       AddMethods, AddCall,    AddPair,
 };
 
 constexpr char kExamples[] =
@@ -33,6 +34,7 @@ constexpr char kExamples[] =
     "  camvoractl start local_display\n"
     "  camvoractl check device_pack-2.2.0-0140.spk\n"
     "  camvoractl install device_pack-2.2.0-0140.spk\n"
+    "  camvoractl update device_pack\n"
     "  camvoractl apps --lang de --json\n"
     "  camvoractl call GetInfo service=1\n\n";
 
@@ -123,7 +125,7 @@ int RunCommandLine(int argc, const char* const* argv) {
     AddCommands(program, session);
     try {
         program.parse(argc, argv);
-        return static_cast<int>(ExitStatus::kDone);
+        return static_cast<int>(session.EndStatus());
     } catch (const CLI::Success& wish) {
         return PrintInformation(program, wish, options);
     } catch (const CLI::ParseError& error) {

@@ -20,6 +20,12 @@ void AddUpload(Command program, Session& session);
 void AddInstall(Command program, Session& session);
 void AddCheck(Command program, Session& session);
 void AddPkg(Command program, Session& session);
+void AddUpdates(Command program, Session& session);
+void AddDownload(Command program, Session& session);  // download and cancel
+void AddUpdate(Command program, Session& session);
+void AddAutoUpdate(Command program, Session& session);
+void AddRestore(Command program, Session& session);
+void AddFeed(Command program, Session& session);  // key and build
 void AddPair(Command program, Session& session);  // code, join, list and remove
 
 }  // namespace client

@@ -20,6 +20,7 @@ constexpr Meaning kMeanings[] = {
     {ExitStatus::kNotAuthorised, "not authorised"},
     {ExitStatus::kTimedOut, "timed out"},
     {ExitStatus::kOtherOutcome, "finished, but the outcome is not the one asked for"},
+    {ExitStatus::kUpdatesThere, "there are newer releases (updates --exit-code)"},
     {ExitStatus::kInterrupted, "interrupted"},
 };
 

@@ -16,6 +16,7 @@ enum class ExitStatus : int {
     kNotAuthorised = 7,
     kTimedOut = 8,
     kOtherOutcome = 9,
+    kUpdatesThere = 10,
     kInterrupted = 130,
 };
 

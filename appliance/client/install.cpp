@@ -1,6 +1,7 @@
 // camvoractl install FILE [--yes | --dry-run]
 #include "client/command.h"
 #include "client/commands.h"
+#include "client/consent.h"
 #include "client/failure.h"
 #include "client/installation.h"
 #include "client/installplan.h"
@@ -8,7 +9,6 @@
 #include "client/packagecheck.h"
 #include "client/packageupload.h"
 #include "client/progress.h"
-#include "client/question.h"
 #include "client/session.h"
 #include "client/table.h"
 
@@ -19,8 +19,7 @@ namespace {
 
 struct InstallArguments {
     std::string path;
-    bool isAgreed = false;
-    bool isDryRun = false;
+    Consent consent;
 };
 
 // What the appliance has made of the package that was sent.
@@ -53,39 +52,25 @@ UnpackedPackage Send(Session& session, const std::string& path, const std::strin
     return package;
 }
 
-void SayPlan(const Session& session, const InstallPlan& plan) {
-    std::string text = PlanTable(plan).Text();
-    text.pop_back();
-    session.Say(text);
-}
-
 void ShowPlan(Session& session, const PackageIdentity& identity) {
     const InstallPlan plan = MakePlan(session.Host(), identity);
     session.Print(PlanDocument(plan), PlanTable(plan));
 }
 
-void SendAndInstall(Session& session, const std::string& path, const std::string& service, bool isAgreed) {
-    const UnpackedPackage package = Send(session, path, service);
+void SendAndInstall(Session& session, const InstallArguments& arguments, const std::string& service) {
+    const UnpackedPackage package = Send(session, arguments.path, service);
     const InstallPlan plan = MakePlan(session.Host(), package.identity);
-    SayPlan(session, plan);
-    if (!isAgreed && !IsAgreed("Install it?")) {
-        throw Failure(ExitStatus::kFailed, "Nothing was installed");
-    }
+    arguments.consent.Ask(session, PlanTable(plan), "Install it?", "Nothing was installed");
     Install(session, plan, package.folder);
 }
 
 void Run(Session& session, const InstallArguments& arguments) {
-    const bool canAsk = !session.IsForPrograms() && CanAsk();
-    if (!arguments.isAgreed && !arguments.isDryRun && !canAsk) {
-        throw Failure(
-            ExitStatus::kUsage,
-            "There is nobody to ask: --yes installs without asking, --dry-run shows what would change");
-    }
+    arguments.consent.CheckCanBeHad(session);
     const PackageIdentity identity = Identify(session, arguments.path);
-    if (arguments.isDryRun) {
+    if (arguments.consent.IsDryRun()) {
         ShowPlan(session, identity);
     } else {
-        SendAndInstall(session, arguments.path, identity.service, arguments.isAgreed);
+        SendAndInstall(session, arguments, identity.service);
     }
 }
 
@@ -95,9 +80,7 @@ void AddInstall(Command program, Session& session) {
     Command command = program.Add("install", "Send a package file to the appliance and install it");
     const auto arguments = std::make_shared<InstallArguments>();
     command.Argument("FILE", arguments->path, "Package file");
-    command.Flag("-y,--yes", arguments->isAgreed, "Do not ask");
-    command.Flag("-n,--dry-run", arguments->isDryRun, "Show what would change, and send nothing");
-    command.Exclude("--yes", "--dry-run");
+    arguments->consent.AddTo(command);
     command.Run([&session, arguments] { Run(session, *arguments); });
 }
 

@@ -11,6 +11,7 @@
 #include "client/terminaltext.h"
 
 #include <chrono>
+#include <utility>
 
 namespace client {
 namespace {
@@ -20,23 +21,25 @@ constexpr std::chrono::minutes kUpdateLimit(121);  // a little more than the app
 constexpr char kGoesOn[] =
     "The appliance goes on installing; \"camvoractl list\" shows what has come of it\n";
 
+struct Seen {
+    std::string requestId;
+    std::string version;
+};
+
 // Returns the id of the request.
-std::string Update(const Appliance& host, const InstallPlan& plan, const std::string& folder) {
-    const InterruptNote note(kGoesOn);
-    Json::Value params;
-    params["service"] = plan.service.number;
-    params["filePath"] = folder;
-    return host.Ask("Update", params).requestId;
+std::string Give(const Appliance& host, const Order& order) {
+    const InterruptNote note(order.interruptNote);
+    return host.Ask(order.method, order.params).requestId;
 }
 
-std::string UpdateAndLook(Session& session, const InstallPlan& plan, const std::string& folder) {
+Seen GiveAndLook(Session& session, const InstallPlan& plan, const Order& order) {
     const Appliance& host = session.Host();
     Progress progress(!session.IsForPrograms());
-    progress.Step("The appliance installs " + plan.service.name + " " + plan.package.version);
-    std::string requestId = Update(host.Within(session.TimeLimit(kUpdateLimit)), plan, folder);
+    progress.Step(order.words);
+    std::string requestId = Give(host.Within(session.TimeLimit(kUpdateLimit)), order);
     progress.Step("Looking at what is installed and runs");
-    AwaitOutcome(host, plan, requestId, session.TimeLimit());
-    return requestId;
+    std::string version = AwaitOutcome(host, plan, requestId, session.TimeLimit());
+    return {std::move(requestId), std::move(version)};
 }
 
 void SayFailedPrograms(const Session& session, const Json::Value& programs) {
@@ -68,19 +71,29 @@ Failure Explained(Session& session, const InstallPlan& plan, Failure failure) {
 
 }  // namespace
 
-void Install(Session& session, const InstallPlan& plan, const std::string& folder) {
-    std::string requestId;
+void CarryOut(Session& session, const InstallPlan& plan, const Order& order, Json::Value document) {
+    Seen seen;
     try {
-        requestId = UpdateAndLook(session, plan, folder);
+        seen = GiveAndLook(session, plan, order);
     } catch (const Failure& failure) {
         throw Explained(session, plan, failure);
     }
-    const Json::Value programs = FailedPrograms(session.Host(), requestId);
+    const Json::Value programs = FailedPrograms(session.Host(), seen.requestId);
     SayFailedPrograms(session, programs);
-    Json::Value document = PlanDocument(plan);
-    document["request"] = requestId;
+    document["version"] = seen.version;
+    document["request"] = seen.requestId;
     document["failedPrograms"] = programs;
-    session.Print(document, OutcomeTable(plan));
+    session.Print(document, OutcomeTable(plan, seen.version));
+}
+
+void Install(Session& session, const InstallPlan& plan, const std::string& folder) {
+    Order order{
+        "Update", {}, "The appliance installs " + plan.service.name + " " + plan.package.version, kGoesOn};
+    order.params["service"] = plan.service.number;
+    if (!folder.empty()) {
+        order.params["filePath"] = folder;
+    }
+    CarryOut(session, plan, order, PlanDocument(plan));
 }
 
 }  // namespace client

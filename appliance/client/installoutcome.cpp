@@ -17,13 +17,16 @@ using std::chrono::steady_clock;
 constexpr milliseconds kPollInterval{250};
 constexpr milliseconds kSecondLook{2000};
 
-void CheckVersion(const Appliance& host, const InstallPlan& plan) {
-    const std::string version = InstalledVersion(host, plan.service);
-    if (version != plan.package.version) {
+std::string CheckedVersion(const Appliance& host, const InstallPlan& plan) {
+    std::string version = InstalledVersion(host, plan.service);
+    const bool isAsPlanned =
+        plan.package.version.empty() ? !version.empty() : version == plan.package.version;
+    if (!isAsPlanned) {
         throw Failure(ExitStatus::kOtherOutcome,
                       plan.service.name + " " + plan.package.version + " was to be installed, but " +
                           (version.empty() ? "there is none" : version + " is there"));
     }
+    return version;
 }
 
 std::vector<Service> Missing(const Appliance& host, const std::vector<Service>& wanted) {
@@ -36,7 +39,8 @@ std::vector<Service> Missing(const Appliance& host, const std::vector<Service>& 
     return missing;
 }
 
-void AwaitRunning(const Appliance& host, const InstallPlan& plan, std::chrono::seconds limit) {
+void AwaitRunning(const Appliance& host, const InstallPlan& plan, const std::string& version,
+                  std::chrono::seconds limit) {
     const steady_clock::time_point deadline = steady_clock::now() + limit;
     bool haveRun = plan.stopping.empty();
     for (;;) {
@@ -47,7 +51,7 @@ void AwaitRunning(const Appliance& host, const InstallPlan& plan, std::chrono::s
         haveRun = missing.empty();
         if (!haveRun && steady_clock::now() >= deadline) {
             throw Failure(ExitStatus::kOtherOutcome,
-                          plan.service.name + " " + plan.package.version +
+                          plan.service.name + " " + version +
                               " is installed, but this does not run as before: " + NamesOf(missing));
         }
         std::this_thread::sleep_for(haveRun ? kSecondLook : kPollInterval);
@@ -56,11 +60,12 @@ void AwaitRunning(const Appliance& host, const InstallPlan& plan, std::chrono::s
 
 }  // namespace
 
-void AwaitOutcome(const Appliance& host, const InstallPlan& plan, const std::string& requestId,
-                  std::chrono::seconds limit) {
+std::string AwaitOutcome(const Appliance& host, const InstallPlan& plan, const std::string& requestId,
+                         std::chrono::seconds limit) {
     try {
-        CheckVersion(host, plan);
-        AwaitRunning(host, plan, limit);
+        std::string version = CheckedVersion(host, plan);
+        AwaitRunning(host, plan, version, limit);
+        return version;
     } catch (Failure& failure) {
         if (failure.requestId.empty()) {
             host.AddRequest(failure, requestId);
@@ -69,10 +74,10 @@ void AwaitOutcome(const Appliance& host, const InstallPlan& plan, const std::str
     }
 }
 
-Table OutcomeTable(const InstallPlan& plan) {
+Table OutcomeTable(const InstallPlan& plan, const std::string& version) {
     const std::string& before = plan.installedVersion;
     Table table;
-    table.AddRow({plan.service.name + " " + plan.package.version + " is installed" +
+    table.AddRow({plan.service.name + " " + version + " is installed" +
                   (before.empty() ? "" : ", in place of " + before)});
     if (!plan.stopping.empty()) {
         table.AddRow({"Running as before: " + NamesOf(plan.stopping)});

@@ -31,14 +31,6 @@ const Change& ChangeIn(const InstallPlan& plan) {
     return IsAtLeast(plan.installedVersion, plan.package.version) ? kSame : kUpdate;
 }
 
-std::string StopWords(const InstallPlan& plan) {
-    const std::string names = NamesOf(plan.stopping);
-    if (plan.stopsAll) {
-        return "all of Camvora; " + (names.empty() ? "no service runs now" : "running now: " + names);
-    }
-    return names.empty() ? "nothing" : names;
-}
-
 Json::Value ShortNames(const std::vector<Service>& services) {
     Json::Value names(Json::arrayValue);
     for (const Service& service : services) {
@@ -76,10 +68,20 @@ InstallPlan MakePlan(const Appliance& host, const PackageIdentity& package) {
     return plan;
 }
 
+std::string StopWords(const InstallPlan& plan) {
+    const std::string names = NamesOf(plan.stopping);
+    if (plan.stopsAll) {
+        return "all of Camvora; " + (names.empty() ? "no service runs now" : "running now: " + names);
+    }
+    return names.empty() ? "nothing" : names;
+}
+
 Table PlanTable(const InstallPlan& plan) {
     Table table;
     table.AddRow({"Add-on", plan.service.name});
-    table.AddRow({"Maintainer", plan.package.maintainer});
+    if (!plan.package.maintainer.empty()) {
+        table.AddRow({"Maintainer", plan.package.maintainer});
+    }
     table.AddRow({"Installed", plan.installedVersion});
     table.AddRow({"To install", plan.package.version + " (" + ChangeIn(plan).words + ")"});
     table.AddRow({"Stops meanwhile", StopWords(plan)});

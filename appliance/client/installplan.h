@@ -32,7 +32,10 @@ std::string InstalledVersion(const Appliance& host, const Service& service);
 // when the appliance has no such service.
 InstallPlan MakePlan(const Appliance& host, const PackageIdentity& package);
 
-// The plan for people, and for programs.
+// What is stopped meanwhile, for people.
+std::string StopWords(const InstallPlan& plan);
+
+// The plan for people, and for programs. A maintainer that is not known is left out.
 Table PlanTable(const InstallPlan& plan);
 Json::Value PlanDocument(const InstallPlan& plan);
 

@@ -1,4 +1,5 @@
 #include "client/commandline.h"
+#include "client/deferredinterrupt.h"
 #include "client/exitstatus.h"
 #include "client/interruptnote.h"
 
@@ -11,6 +12,9 @@ namespace {
 
 // Nothing is to be tidied up: output is written when it is whole, and that of a stream in whole lines.
 extern "C" void EndInterrupted(int /*signal*/) {
+    if (client::DeferredInterrupt::Note()) {
+        return;
+    }
     constexpr char kText[] = "camvoractl: Interrupted\n";
     (void)!write(STDERR_FILENO, kText, sizeof(kText) - 1);
     const char* note = client::InterruptNote::Present();

@@ -6,7 +6,7 @@
 namespace client {
 
 // Writes all of `text`; an interrupt (SIGINT) that arrives meanwhile acts after the last byte.
-//   descriptor  1 or 2
+//   descriptor  1, 2 or a file
 //   returns     0, also when the reader has gone away (EPIPE), else the errno of the write that failed
 [[nodiscard]] int WriteWhole(int descriptor, std::string_view text);
 

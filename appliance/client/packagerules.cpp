@@ -206,7 +206,7 @@ std::optional<PackageIdentity> IdentityOf(const PackageScan& scan) {
     if (addOn == nullptr || !version || !maintainer) {
         return std::nullopt;
     }
-    return PackageIdentity{addOn->service, *version, *maintainer};
+    return PackageIdentity{addOn->service, *version, *maintainer, ValueOf(conf, "cv_min_ver").value_or("")};
 }
 
 std::vector<Verdict> JudgePackage(const std::string& fileName, std::uint64_t sizeBytes,

@@ -19,6 +19,7 @@ struct PackageIdentity {
     std::string service;  // short name of the add-on
     std::string version;
     std::string maintainer;
+    std::string lowestMainVersion = {};  // empty where it does not matter
 };
 
 // Nothing when the package is of no add-on, or its conf does not say all of that.

@@ -2,6 +2,10 @@
 
 #include "client/jsontext.h"
 
+#include <iomanip>
+#include <iterator>
+#include <sstream>
+
 namespace client {
 namespace {
 
@@ -20,6 +24,23 @@ std::string YesNo(const Json::Value& value) {
 
 std::string OnOff(const Json::Value& value) {
     return BoolWord(value, "on", "off");
+}
+
+std::string SizeWords(std::uint64_t sizeBytes) {
+    constexpr const char* kUnits[] = {" bytes", " KiB", " MiB", " GiB"};
+    constexpr double kStep = 1024;
+    auto size = static_cast<double>(sizeBytes);
+    std::size_t unit = 0;
+    for (; size >= kStep && unit + 1 < std::size(kUnits); ++unit) {
+        size /= kStep;
+    }
+    std::ostringstream words;
+    words << std::fixed << std::setprecision(unit == 0 ? 0 : 1) << size << kUnits[unit];
+    return words.str();
+}
+
+std::string FirstLine(const std::string& text) {
+    return text.substr(0, text.find_first_of("\r\n"));
 }
 
 }  // namespace client

@@ -4,6 +4,7 @@
 
 #include <json/value.h>
 
+#include <cstdint>
 #include <string>
 
 namespace client {
@@ -13,5 +14,11 @@ std::string YesNo(const Json::Value& value);
 
 // "on" or "off" for a boolean.
 std::string OnOff(const Json::Value& value);
+
+// A size as in "3.2 MiB".
+std::string SizeWords(std::uint64_t sizeBytes);
+
+// The first line of a text, without its end.
+std::string FirstLine(const std::string& text);
 
 }  // namespace client

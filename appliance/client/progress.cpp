@@ -54,11 +54,13 @@ void Progress::Step(const std::string& text) {
     const std::lock_guard<std::mutex> lock(mutex_);
     step_ = Printable(text);
     done_.reset();
+    words_.clear();
 }
 
-void Progress::SetDone(double share) {
+void Progress::SetDone(double share, const std::string& words) {
     const std::lock_guard<std::mutex> lock(mutex_);
     done_ = share;
+    words_ = words;
 }
 
 void Progress::Spin() {
@@ -73,7 +75,8 @@ void Progress::Spin() {
 std::string Progress::Line(std::size_t turn) const {
     const auto elapsed =
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - begin_);
-    const std::string tail = " " + step_ + " (" + std::to_string(elapsed.count()) + " s)";
+    const std::string tail =
+        " " + step_ + " (" + (words_.empty() ? std::to_string(elapsed.count()) + " s" : words_) + ")";
     return done_ ? Bar(*done_) + tail : std::string(1, kSigns[turn % kSigns.size()]) + tail;
 }
 

@@ -24,7 +24,8 @@ public:
     void Step(const std::string& text);
 
     // Tells how much of the present step is done, from 0 to 1. Only a terminal shows it, as a bar.
-    void SetDone(double share);
+    //   words  shown behind the step, instead of the elapsed seconds; empty for those
+    void SetDone(double share, const std::string& words = "");
 
 private:
     void Spin();
@@ -37,6 +38,7 @@ private:
     bool isEnded_ = false;
     std::string step_;
     std::optional<double> done_;
+    std::string words_;
     std::thread spinner_;  // only on a terminal
 };
 

@@ -92,6 +92,18 @@ Service FindByNumber(const std::vector<Service>& services, int number) {
                   "There is no service " + std::to_string(number) + ". \"camvoractl list\" shows all");
 }
 
+// Those of whom `member` of their info is true.
+std::vector<Service> ServicesWith(const char* member, const Json::Value& listData) {
+    Json::Value chosen;
+    chosen["list"] = Json::Value(Json::arrayValue);
+    for (const Json::Value& entry : EntriesIn(listData)) {
+        if (Member(Member(entry, "info"), member) == Json::Value(true)) {
+            chosen["list"].append(entry);
+        }
+    }
+    return ServicesIn(chosen);
+}
+
 }  // namespace
 
 Json::Value EntriesIn(const Json::Value& listData) {
@@ -116,14 +128,20 @@ std::vector<Service> ServicesIn(const Json::Value& listData) {
 }
 
 std::vector<Service> RunningServicesIn(const Json::Value& listData) {
-    Json::Value running;
-    running["list"] = Json::Value(Json::arrayValue);
+    return ServicesWith("blRunning", listData);
+}
+
+std::vector<Service> ServicesWithPackagesIn(const Json::Value& listData) {
+    return ServicesWith("blHasPackages", listData);
+}
+
+Json::Value InfoOf(const Json::Value& listData, const Service& service) {
     for (const Json::Value& entry : EntriesIn(listData)) {
-        if (Member(Member(entry, "info"), "blRunning") == Json::Value(true)) {
-            running["list"].append(entry);
+        if (Member(entry, "service") == Json::Value(service.number)) {
+            return Member(entry, "info");
         }
     }
-    return ServicesIn(running);
+    return {};
 }
 
 std::string NamesOf(const std::vector<Service>& services) {

@@ -23,9 +23,14 @@ Json::Value EntriesIn(const Json::Value& listData);
 //   throws  as EntriesIn does
 std::vector<Service> ServicesIn(const Json::Value& listData);
 
-// Those of them that run.
+// Those of them that run, and those that have packages.
 //   throws  as EntriesIn does
 std::vector<Service> RunningServicesIn(const Json::Value& listData);
+std::vector<Service> ServicesWithPackagesIn(const Json::Value& listData);
+
+// What that data says of the service; null for nothing.
+//   throws  as EntriesIn does
+Json::Value InfoOf(const Json::Value& listData, const Service& service);
 
 // Their names for people, with ", " between.
 std::string NamesOf(const std::vector<Service>& services);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "client/appliance.h"
+#include "client/exitstatus.h"
 #include "client/location.h"
 
 #include <json/value.h>
@@ -50,12 +51,17 @@ public:
     // it, once for each piece.
     void Print(const Json::Value& data, const Table& table) const;
 
+    // Lets the program end with another status than kDone when its command is done.
+    void EndWith(ExitStatus status) { endStatus_ = status; }
+    ExitStatus EndStatus() const { return endStatus_; }
+
     // Tells a person something beside the outcome, on standard error; programs are not told.
     void Say(const std::string& text) const;
 
 private:
     const GlobalOptions& options_;
     std::optional<Appliance> appliance_;
+    ExitStatus endStatus_ = ExitStatus::kDone;
 };
 
 }  // namespace client

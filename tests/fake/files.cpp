@@ -14,6 +14,11 @@ bool IsFileExist(const std::string& path) {
     return fake::NextAnswer("IsFileExist", false).asBool();
 }
 
+bool IsExistDir(const std::string& path) {
+    fake::Record("IsExistDir", path);
+    return fake::NextAnswer("IsExistDir", false).asBool();
+}
+
 int RemoveFileIfExist(const std::string& path) {
     fake::Record("RemoveFileIfExist", path);
     return fake::NextAnswer("RemoveFileIfExist", 0).asInt();

@@ -11,6 +11,46 @@ AddonsUpdate::~AddonsUpdate() {
     fake::Record("~AddonsUpdate", static_cast<int>(service_));
 }
 
+// Scripted: whether there is a newer release, a number for the result of a check that fails.
+int AddonsUpdate::CheckNewRelease(bool& hasNew, std::string& version) {
+    fake::Record("AddonsUpdate::CheckNewRelease", hasNew, version);
+    const Json::Value answer = fake::NextAnswer("AddonsUpdate::CheckNewRelease", false);
+    if (answer.isInt()) {
+        return answer.asInt();
+    }
+    hasNew = answer.asBool();
+    return 0;
+}
+
+int AddonsUpdate::Download() {
+    fake::Record("AddonsUpdate::Download");
+    return fake::NextAnswer("AddonsUpdate::Download", 0).asInt();
+}
+
+// Scripted: a list of version, percentage and state, of which those at the end may be missing; a number for
+// the result of a call that fails.
+int AddonsUpdate::GetDownloadStatus(std::string& version, int& percent, APP_DOWNLOAD_STATUS& status) {
+    fake::Record("AddonsUpdate::GetDownloadStatus", version, percent, status);
+    const Json::Value answer = fake::NextAnswer("AddonsUpdate::GetDownloadStatus", Json::arrayValue);
+    if (answer.isInt()) {
+        return answer.asInt();
+    }
+    version = answer.get(0U, version).asString();
+    percent = answer.get(1U, percent).asInt();
+    status = static_cast<APP_DOWNLOAD_STATUS>(answer.get(2U, static_cast<int>(status)).asInt());
+    return 0;
+}
+
+int AddonsUpdate::CancelDownload() {
+    fake::Record("AddonsUpdate::CancelDownload");
+    return fake::NextAnswer("AddonsUpdate::CancelDownload", 0).asInt();
+}
+
+int AddonsUpdate::SetAutoDownloadCrontabRule(bool enable) {
+    fake::Record("AddonsUpdate::SetAutoDownloadCrontabRule", enable);
+    return fake::NextAnswer("AddonsUpdate::SetAutoDownloadCrontabRule", 0).asInt();
+}
+
 // Scripted: the path of the package file that is ready; "" for none, a number for the result.
 int AddonsUpdate::ReadDownloadInfoFile(bool& ready, APP_DOWNLOAD_INFO& info) {
     fake::Record("AddonsUpdate::ReadDownloadInfoFile", info.version, info.filePath, info.date);

@@ -3,6 +3,8 @@
 #include "fake/journal.h"
 #include "fake/json.h"
 
+#include <sys/wait.h>
+
 namespace ORVA {
 namespace {
 
@@ -92,6 +94,24 @@ std::string Serve(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
     ORVA::APIResponse apiResponse(response);
     handler(&apiRequest, &apiResponse);
     return response.answer;
+}
+
+DetachedJournal ServeAndReap(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
+                             const ORVA::RequestContent& request) {
+    Serve(handler, request);
+    while (wait(nullptr) > 0) {
+    }
+    DetachedJournal split;
+    std::string lines = Journal();
+    for (std::size_t end = lines.find('\n'); end != std::string::npos; end = lines.find('\n')) {
+        (lines[0] == '>' ? split.child : split.request) += lines.substr(0, end + 1);
+        lines.erase(0, end + 1);
+    }
+    return split;
+}
+
+std::vector<std::string> Admission() {
+    return {"GetParam relayedCmd false", "IsCmsHost", "IsAuthorized", "GetAPIMethod"};
 }
 
 }  // namespace fake

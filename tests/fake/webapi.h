@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 namespace ORVA {
 
@@ -39,5 +40,18 @@ ORVA::RequestContent Upload(const std::string& form, const std::string& files);
 // Hands the request to `handler`, as the framework does, and returns its answer.
 std::string Serve(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
                   const ORVA::RequestContent& request);
+
+// The journal of a request that left a detached child: the lines of each, without telling which came first.
+struct DetachedJournal {
+    std::string request;
+    std::string child;
+};
+
+// Serves the request and waits until all that it has started has ended.
+DetachedJournal ServeAndReap(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
+                             const ORVA::RequestContent& request);
+
+// The calls with which an authorised request begins, before its method reads a parameter.
+std::vector<std::string> Admission();
 
 }  // namespace fake

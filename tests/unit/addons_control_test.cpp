@@ -7,7 +7,6 @@
 #include "webapi/apitable.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cerrno>
 #include <string>
@@ -17,7 +16,7 @@ namespace {
 
 using Steps = std::vector<std::string>;
 
-const Steps kBegin = {"GetParam relayedCmd false", "IsCmsHost", "IsAuthorized", "GetAPIMethod"};
+const Steps kBegin = fake::Admission();
 const Steps kFailed = {"SetError 400 null"};
 const Steps kDone = {"SetSuccess null"};
 
@@ -49,26 +48,6 @@ Steps Action(const std::string& service, const std::string& action, const std::s
     return steps;
 }
 
-// The lines of the detached child stand in the journal as it comes to them: it is waited for, and its lines
-// are set apart from those of the request.
-struct DetachedJournal {
-    std::string request;
-    std::string child;
-};
-
-DetachedJournal ServeAndReap(const ORVA::RequestContent& request) {
-    fake::Serve(Process, request);
-    while (wait(nullptr) > 0) {
-    }
-    DetachedJournal split;
-    std::string lines = fake::Journal();
-    for (std::size_t end = lines.find('\n'); end != std::string::npos; end = lines.find('\n')) {
-        (lines[0] == '>' ? split.child : split.request) += lines.substr(0, end + 1);
-        lines.erase(0, end + 1);
-    }
-    return split;
-}
-
 struct EnableCase {
     const char* name;
     const char* method;
@@ -94,7 +73,8 @@ class Enable : public testing::TestWithParam<EnableCase> {
 
 TEST_P(Enable, AnswersAndActsInADetachedChild) {
     const std::string action = GetParam().action;
-    const DetachedJournal journal = ServeAndReap(fake::Authorized(GetParam().method, kEnableParams));
+    const fake::DetachedJournal journal =
+        fake::ServeAndReap(Process, fake::Authorized(GetParam().method, kEnableParams));
     EXPECT_EQ(fake::Lines(Join({kBegin, kReadEnable, kDone})), journal.request);
     const Steps announced = {"CVClientNotify::Notify 24 1 " + action + " 0",
                              "CVLog 321913013 0 'Device Pack' 'by hand' ''"};
@@ -108,7 +88,8 @@ INSTANTIATE_TEST_SUITE_P(, Enable, testing::ValuesIn(kEnableCases),
 TEST(EnableFailure, LogsAFailedActionAndEndsWell) {
     const fake::Session session;
     fake::Answer("BeginCriticalSection", -1);
-    const DetachedJournal journal = ServeAndReap(fake::Authorized("Enable", kEnableParams));
+    const fake::DetachedJournal journal =
+        fake::ServeAndReap(Process, fake::Authorized("Enable", kEnableParams));
     EXPECT_EQ(fake::Lines(Join({kBegin, kReadEnable, kDone})), journal.request);
     EXPECT_EQ(
         fake::Lines({"> setsid", "> GetServiceStr 1", "> BeginCriticalSection /tmp/cv_name1.lock 3000",

@@ -138,21 +138,6 @@ TEST_P(Dispatch, Answers) {
 INSTANTIATE_TEST_SUITE_P(, Dispatch, testing::ValuesIn(kDispatchCases),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// Methods that are not served yet: none may look like a success.
-const char* const kPendingMethods[] = {
-    "SetAutoUpdate", "GetUpdateInfo", "CheckUpdateInfo",  "Update",
-    "Restore",       "DownloadStart", "DownloadProgress", "DownloadCancel",
-};
-
-class Pending : public testing::TestWithParam<const char*> {};
-
-TEST_P(Pending, AnswersThatItFailed) {
-    EXPECT_EQ("SetError 400 null", fake::Serve(Process, fake::Authorized(GetParam())));
-}
-
-INSTANTIATE_TEST_SUITE_P(, Pending, testing::ValuesIn(kPendingMethods),
-                         [](const auto& row) { return std::string(row.param); });
-
 struct WrongTypeCase {
     const char* name;
     ORVA::RequestContent request;
@@ -167,6 +152,8 @@ const WrongTypeCase kWrongTypeCases[] = {
     {"service_is_beyond_32_bits", fake::Authorized("GetInfo", R"({"service":3000000000})")},
     {"redirection_is_text", fake::Authorized("GetPkgInfo", R"({"isRedirectCgi":"yes"})")},
     {"path_is_object", fake::Authorized("LoadFile", R"({"filePath":{}})")},
+    {"switch_is_missing", fake::Authorized("SetAutoUpdate", R"({"service":1})")},
+    {"switch_is_text", fake::Authorized("SetAutoUpdate", R"({"service":1,"blEnable":"true"})")},
     {"language_is_array", fake::Authorized("GetAppsStatus", R"({"lang":["de"]})")},
 };
 
