@@ -12,6 +12,8 @@ inline constexpr char kAddOnConfName[] = "/conf";
 // The main package's settings.
 inline constexpr char kPackageConf[] = "/var/packages/Camvora/target/etc/cv.conf";
 
+inline constexpr char kPackageInfo[] = "/var/packages/Camvora/INFO";
+
 // The web applications' configuration and texts.
 inline constexpr char kUiFolder[] = "/var/packages/Camvora/target/ui";
 
@@ -24,6 +26,11 @@ inline constexpr char kDefaultUploadFolder[] = "/var/packages/Camvora/target/@CV
 
 // Limits of the programs that are run for requests.
 inline constexpr char kProgramsConf[] = "/var/packages/Camvora/target/etc/programs.conf";
+
+// Online releases: where they come from, the key of those who publish them, and what was downloaded.
+inline constexpr char kReleasesConf[] = "/var/packages/Camvora/target/etc/releases.conf";
+inline constexpr char kDefaultFeedKey[] = "/var/packages/Camvora/target/etc/feed.pem";
+inline constexpr char kDownloadFolder[] = "/var/packages/Camvora/target/@CVData/download";
 
 // What is true only while the appliance runs. The package is started while kStartedFile exists. Locks are
 // guarded in kGuardFolder.
