@@ -40,7 +40,9 @@ public:
     }
 
     std::string Run(UpdateState state) {
-        progress_.Step("Downloading " + service_.name);
+        if (state != UpdateState::kDownloaded) {
+            progress_.Step("Downloading " + service_.name);
+        }
         if (state == UpdateState::kDownloadFailed) {
             earlierFailure_ = DownloadOf(host_, service_);
             patienceEnd_ = begin_ + kPatienceBefore;
