@@ -3,11 +3,13 @@
 #include "host/bodysize.h"
 #include "host/callpath.h"
 #include "host/decimal.h"
+#include "host/downloads.h"
 #include "host/frameworkerrors.h"
 #include "host/httpreply.h"
 #include "host/operations.h"
 #include "host/programs.h"
 #include "host/relay.h"
+#include "host/releases.h"
 #include "host/uploads.h"
 
 #include "libcamvora/diagnosticlog.h"
@@ -55,6 +57,8 @@ const Routes::Page Routes::kPages[] = {
     {"GET", "/log", true, &Routes::AnswerLog},
     {"GET", "/operations", true, &Routes::AnswerOperations},
     {"GET", "/programs", true, &Routes::AnswerPrograms},
+    {"GET", "/releases", true, &Routes::AnswerReleases},
+    {"GET", "/downloads", true, &Routes::AnswerDownloads},
     {"GET", "/events", true, &Routes::AnswerEvents},
     {"POST", "/pairing/codes", true, &Routes::AnswerMakeCode},
     {"POST", "/pairing", false, &Routes::AnswerRedeemCode},
@@ -235,6 +239,14 @@ void Routes::AnswerOperations(const httplib::Request& request, httplib::Response
 
 void Routes::AnswerPrograms(const httplib::Request& request, httplib::Response& response) {
     Write(response, ReplyWithPrograms(request));
+}
+
+void Routes::AnswerReleases(const httplib::Request& /*request*/, httplib::Response& response) {
+    Write(response, ReplyWithReleases());
+}
+
+void Routes::AnswerDownloads(const httplib::Request& /*request*/, httplib::Response& response) {
+    Write(response, ReplyWithDownloads());
 }
 
 void Routes::AnswerEvents(const httplib::Request& request, httplib::Response& response) {

@@ -51,6 +51,8 @@ private:
     void AnswerLog(const httplib::Request& request, httplib::Response& response);
     void AnswerOperations(const httplib::Request& request, httplib::Response& response);
     void AnswerPrograms(const httplib::Request& request, httplib::Response& response);
+    void AnswerReleases(const httplib::Request& request, httplib::Response& response);
+    void AnswerDownloads(const httplib::Request& request, httplib::Response& response);
     void AnswerEvents(const httplib::Request& request, httplib::Response& response);
     void AnswerMakeCode(const httplib::Request& request, httplib::Response& response);
     void AnswerRedeemCode(const httplib::Request& request, httplib::Response& response);

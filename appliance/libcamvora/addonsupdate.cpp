@@ -1,17 +1,39 @@
-#include "libcamvora/downloads.h"
+#include "libcamvora/downloadend.h"
+#include "libcamvora/downloader.h"
+#include "libcamvora/downloadstate.h"
+#include "libcamvora/releasecheck.h"
 #include "libcamvora/store.h"
+#include "libcamvora/updatesettings.h"
 #include "platform/log.h"
 #include "platform/releases.h"
 
-#include <unistd.h>
-
+#include <algorithm>
 #include <exception>
 
 namespace {
 
-// The unpacking uses the file up, the record stays until the add-on is installed.
-bool IsThere(const std::string& path) {
-    return access(path.c_str(), F_OK) == 0;
+using camvora::TheStore;
+
+void LogFailure(const char* task, ADDON_SERVICE service, const std::exception& failure) {
+    CVPrintf(0, nullptr, nullptr, "addonsupdate", __LINE__, __func__, "Failed to %s of %s [%s]\n", task,
+             GetServiceStr(service).c_str(), failure.what());
+}
+
+// Returns 0, or -1 with one line in the log when `work` throws.
+template <typename Work>
+int Attempt(const char* task, ADDON_SERVICE service, Work work) {
+    try {
+        work();
+        return 0;
+    } catch (const std::exception& failure) {
+        LogFailure(task, service, failure);
+        return -1;
+    }
+}
+
+int PercentOf(const camvora::Download& download) {
+    const long long percent = download.sizeBytes > 0 ? 100 * download.bytes / download.sizeBytes : 0;
+    return static_cast<int>(std::clamp(percent, 0LL, 100LL));
 }
 
 }  // namespace
@@ -20,25 +42,54 @@ AddonsUpdate::AddonsUpdate(ADDON_SERVICE service) : service_(service) {}
 
 AddonsUpdate::~AddonsUpdate() = default;
 
+int AddonsUpdate::CheckNewRelease(bool& hasNew, std::string& version) {
+    return Attempt("check for a new release", service_, [&] {
+        const auto release = camvora::CheckRelease(TheStore(), camvora::SettingsOf(service_));
+        hasNew = release.has_value();
+        version = release ? release->version : "";
+    });
+}
+
+int AddonsUpdate::Download() {
+    return Attempt("download the new release", service_,
+                   [this] { camvora::DownloadRelease(TheStore(), camvora::SettingsOf(service_)); });
+}
+
+int AddonsUpdate::GetDownloadStatus(std::string& version, int& percent, APP_DOWNLOAD_STATUS& status) {
+    return Attempt("read the download", service_, [&] {
+        const camvora::Download download =
+            camvora::StateOfDownload(TheStore(), service_, camvora::DownloadLockFile(service_));
+        status = download.status;
+        if (status != camvora::kNoDownload) {
+            version = download.info.version;
+            percent = status == camvora::kDownloadReady ? 100 : PercentOf(download);
+        }
+    });
+}
+
+int AddonsUpdate::CancelDownload() {
+    return Attempt("cancel the download", service_, [this] {
+        if (camvora::HasReleases(service_)) {
+            camvora::CancelDownload(TheStore(), camvora::SettingsOf(service_));
+        }
+    });
+}
+
 int AddonsUpdate::ReadDownloadInfoFile(bool& ready, APP_DOWNLOAD_INFO& info) {
-    std::optional<camvora::Download> download;
-    try {
-        camvora::TheStore().Query(
-            [&](SQLite::Database& database) { download = camvora::FindDownload(database, service_); });
-    } catch (const std::exception& failure) {
-        CVPrintf(0, nullptr, nullptr, "addonsupdate", __LINE__, __func__,
-                 "Failed to read the last download [%s]\n", failure.what());
-        return -1;
-    }
-    ready = download && download->status == camvora::kDownloadReady && IsThere(download->info.filePath);
-    if (ready) {
-        info = download->info;
-    }
-    return 0;
+    return Attempt("read the last download", service_, [&] {
+        const camvora::Download download =
+            camvora::StateOfDownload(TheStore(), service_, camvora::DownloadLockFile(service_));
+        ready = download.status == camvora::kDownloadReady;
+        if (ready) {
+            info = download.info;
+        }
+    });
 }
 
 int AddonsUpdate::CleanDownloadResult() {
-    const bool isForgotten = camvora::TheStore().Write(
-        [this](SQLite::Database& database) { camvora::ForgetDownload(database, service_); });
-    return isForgotten ? 0 : -1;
+    return Attempt("forget the last download", service_, [this] {
+        if (camvora::HasReleases(service_)) {
+            camvora::CleanDownload(TheStore(), camvora::SettingsOf(service_));
+        }
+    });
 }

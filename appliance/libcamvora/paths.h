@@ -15,6 +15,8 @@ inline constexpr char kMachineInfo[] = "/etc.defaults/orvainfo.conf";
 // The main package's settings.
 inline constexpr char kPackageConf[] = "/var/packages/Camvora/target/etc/cv.conf";
 
+inline constexpr char kPackageInfo[] = "/var/packages/Camvora/INFO";
+
 // The web applications' configuration and texts.
 inline constexpr char kUiFolder[] = "/var/packages/Camvora/target/ui";
 
@@ -31,6 +33,11 @@ inline constexpr char kProgramsConf[] = "/var/packages/Camvora/target/etc/progra
 // The schedule: a file for each rule. What the automatic updates run.
 inline constexpr char kScheduleFolder[] = "/var/packages/Camvora/target/etc/cron.d";
 inline constexpr char kAutoUpdateProgram[] = "/var/packages/Camvora/target/bin/auto-update";
+
+// Online releases: where they come from, the key of those who publish them, and what was downloaded.
+inline constexpr char kReleasesConf[] = "/var/packages/Camvora/target/etc/releases.conf";
+inline constexpr char kDefaultFeedKey[] = "/var/packages/Camvora/target/etc/feed.pem";
+inline constexpr char kDownloadFolder[] = "/var/packages/Camvora/target/@CVData/download";
 
 // What is true only while the appliance runs. The package is started while kStartedFile exists. Locks are
 // guarded in kGuardFolder.

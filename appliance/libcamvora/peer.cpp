@@ -1,53 +1,20 @@
 #include "libcamvora/peer.h"
 
+#include "libcamvora/exchangewatch.h"
 #include "libcamvora/pairproof.h"
 #include "platform/files.h"
 
 #include <httplib.h>
 
 #include <algorithm>
-#include <atomic>
 #include <ctime>
-#include <future>
-#include <thread>
-#include <utility>
 
 namespace camvora {
 
 namespace {
 
 constexpr std::chrono::seconds kConnectLimit{10};
-constexpr std::chrono::milliseconds kRepeat{20};
 constexpr char kClientType[] = "REC_SERVER";
-
-// Ends an exchange that takes longer than its limit, however it is delayed. It does so again and again: the
-// exchange may not have been at a point where it could be ended.
-class Deadline {
-public:
-    Deadline(httplib::Client& http, std::chrono::milliseconds limit)
-        : ended_(end_.get_future()), thread_([this, &http, limit] { Watch(http, limit); }) {}
-    ~Deadline() {
-        end_.set_value();
-        thread_.join();
-    }
-    Deadline(const Deadline&) = delete;
-    Deadline& operator=(const Deadline&) = delete;
-    bool HasPassed() const { return hasPassed_; }
-
-private:
-    void Watch(httplib::Client& http, std::chrono::milliseconds limit) {
-        while (ended_.wait_for(limit) == std::future_status::timeout) {
-            hasPassed_ = true;
-            http.stop();
-            limit = kRepeat;
-        }
-    }
-
-    std::promise<void> end_;
-    std::future<void> ended_;
-    std::atomic<bool> hasPassed_{false};
-    std::thread thread_;
-};
 
 void AddCredentials(const Pair& peer, Json::Value& params, httplib::Request& request) {
     const std::string now = std::to_string(std::time(nullptr));
@@ -99,15 +66,15 @@ std::string WordsFor(httplib::Error error) {
 PeerReply CallPeer(const Pair& peer, PeerCall call) {
     httplib::Client http(peer.address);
     http.set_connection_timeout(std::min(call.timeLimit, kConnectLimit));
-    http.set_read_timeout(2 * call.timeLimit);  // the deadline comes first: this one starts anew at each byte
+    http.set_read_timeout(2 * call.timeLimit);  // the watch comes first: this one starts anew at each byte
     http.set_write_timeout(2 * call.timeLimit);
 
     PeerReply reply;
     httplib::Request request = MakeRequest(peer, call);
     Receive(request, call.replyLimitBytes, reply);
-    const Deadline deadline(http, call.timeLimit);
+    const ExchangeWatch watch(http, {call.timeLimit});
     const httplib::Result result = http.send(request);
-    if (deadline.HasPassed()) {  // ended by it, a reply of unknown length looks whole
+    if (watch.HasEnded()) {  // ended by it, a reply of unknown length looks whole
         reply.problem = "no whole reply within " + std::to_string(call.timeLimit.count()) + " s";
     } else if (!result && reply.problem.empty()) {
         reply.problem = WordsFor(result.error());

@@ -33,6 +33,13 @@ constexpr const char* kSteps[] = {
     "CREATE TABLE downloads(service INTEGER PRIMARY KEY, status INTEGER NOT NULL,"
     " version TEXT NOT NULL, file TEXT NOT NULL,"
     " date TEXT NOT NULL);",
+    "ALTER TABLE downloads ADD COLUMN bytes INTEGER NOT NULL DEFAULT 0;"
+    "ALTER TABLE downloads ADD COLUMN size INTEGER NOT NULL DEFAULT 0;"
+    "ALTER TABLE downloads ADD COLUMN problem TEXT NOT NULL DEFAULT '';",
+    "CREATE TABLE feeds(service INTEGER PRIMARY KEY, url TEXT NOT NULL, key TEXT NOT NULL,"
+    " serial INTEGER NOT NULL, etag TEXT NOT NULL, modified TEXT NOT NULL, content TEXT NOT NULL,"
+    " version TEXT NOT NULL, date TEXT NOT NULL, notes TEXT NOT NULL, size INTEGER NOT NULL,"
+    " checked TEXT NOT NULL);",
     "ALTER TABLE operation_log ADD COLUMN who TEXT NOT NULL DEFAULT '';"
     "CREATE TABLE schedule(line TEXT PRIMARY KEY, last INTEGER NOT NULL) WITHOUT ROWID;",
 };

@@ -12,7 +12,11 @@
 //   schedule       when each of its lines was last due and followed, in seconds since 1970
 //   notifications  what connected clients are told
 //   programs       what was run for requests, and how it ended
-//   downloads      the last download of each service: how far it has come (APP_DOWNLOAD_STATUS) and its file
+//   downloads      the last download of each service: how far it has come (APP_DOWNLOAD_STATUS), its file,
+//   how many
+//                  bytes of it have arrived, and why it failed
+//   feeds          of the feed of each service: the last index that was taken, what the server calls it, who
+//                  has signed it, its serial; and what the last check found in it
 #pragma once
 
 #include <SQLiteCpp/Database.h>

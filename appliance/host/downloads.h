@@ -1,0 +1,12 @@
+// The downloads of new releases, as a page.
+#pragma once
+
+#include "host/reply.h"
+
+namespace host {
+
+// Answers with one entry for each service that has a download, be it under way, ready or failed. Any thread
+// may call. Throws std::exception when the store cannot be read.
+Reply ReplyWithDownloads();
+
+}  // namespace host
