@@ -21,6 +21,8 @@ namespace fs = std::filesystem;
 constexpr const char* kServices[] = {"device_pack", "local_display"};
 constexpr char kPackageEnd[] = ".spk";
 constexpr char kNotesEnd[] = ".notes";
+constexpr std::size_t kFileNameLimitBytes = 255;
+constexpr std::size_t kVersionLimitBytes = 64;
 constexpr std::size_t kNotesLimitBytes = 16UL * 1024;
 
 using ReleasesOf = std::map<std::string, std::vector<FeedRelease>>;  // by add-on
@@ -33,12 +35,22 @@ std::string Today(std::time_t now) {
     return text.data();
 }
 
-// It becomes a part of an address.
-void CheckName(const std::string& name) {
+// Such a text becomes a part of an address, or of a file's name on the appliance, which takes no other; with
+// one release that it does not take it takes none.
+bool IsPlainName(const std::string& text, std::size_t limitBytes) {
     constexpr char kAllowed[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-";
-    if (name.front() == '.' || name.find_first_not_of(kAllowed) != std::string::npos) {
+    return text.size() <= limitBytes && text.find_first_not_of(kAllowed) == std::string::npos &&
+           text.find("..") == std::string::npos;
+}
+
+void CheckNames(const FeedRelease& release) {
+    if (!IsPlainName(release.file, kFileNameLimitBytes) ||
+        !IsPlainName(release.version, kVersionLimitBytes) ||
+        !IsPlainName(release.lowestMainVersion, kVersionLimitBytes)) {
         throw Failure(ExitStatus::kRefused,
-                      name + " cannot be published: only letters, digits and \"._-\" may be in its name");
+                      release.file +
+                          " cannot be published: its name and its versions may be of letters, digits and "
+                          "\"._-\", without \"..\", and versions of 64 bytes at most");
     }
 }
 
@@ -55,7 +67,6 @@ std::string NotesFor(fs::path package) {
 }
 
 void AddRelease(ReleasesOf& releases, const fs::path& path) {
-    CheckName(path.filename());
     const PackageCheck check = CheckPackage(path, "");
     if (!check.identity || !BrokenRules(check.verdicts).empty()) {
         throw RuleFailure(path, check.verdicts, false);
@@ -68,6 +79,7 @@ void AddRelease(ReleasesOf& releases, const fs::path& path) {
     release.sha256 = Sha256Of(file);
     release.lowestMainVersion = check.identity->lowestMainVersion;
     release.notes = NotesFor(path);
+    CheckNames(release);
     releases[check.identity->service].push_back(release);
 }
 

@@ -28,17 +28,17 @@ struct UpdatePlan {
     Json::Value release;
 };
 
+// A download that has begun is not always that of the newest release.
 UpdatePlan MakeUpdatePlan(const Appliance& host, const Service& service, UpdateState state) {
     const bool isChosen = state == UpdateState::kDownloaded || state == UpdateState::kDownloading;
-    const std::string version =
-        LeafText(Member(isChosen ? DownloadOf(host, service) : ReleaseOf(host, service), "version"));
+    const Json::Value release = ReleaseOf(host, service);
+    const std::string newest = LeafText(Member(release, "version"));
+    const std::string version = isChosen ? LeafText(Member(DownloadOf(host, service), "version")) : newest;
     if (version.empty()) {
         throw Failure(ExitStatus::kFailed,
                       "The appliance does not say which release of " + service.name + " is the newer one");
     }
-    const Json::Value release = ReleaseOf(host, service);
-    return {MakePlan(host, {service.shortName, version, ""}),
-            LeafText(Member(release, "version")) == version ? release : Json::Value()};
+    return {MakePlan(host, {service.shortName, version, ""}), version == newest ? release : Json::Value()};
 }
 
 Table UpdatePlanTable(const UpdatePlan& plan) {

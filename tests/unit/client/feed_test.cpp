@@ -120,6 +120,7 @@ const UnpublishedCase kUnpublishedCases[] = {
     {"damaged_package", "b.spk", DevicePack("2.10-1").substr(0, 700), 4, "does not keep the rules"},
     {"same_version_twice", "b.spk", DevicePack("2.09-1"), 4, "are of the same version"},
     {"name_that_is_no_address", "b c.spk", DevicePack("2.10-1"), 4, "b c.spk cannot be published"},
+    {"version_that_is_no_name", "b.spk", DevicePack("2.10 1"), 4, "b.spk cannot be published"},
     {"endless_notes", "a.notes", std::string(16 * 1024 + 1, 'x'), 4, "is larger than 16 KiB"},
     {"other_add_on_is_no_index", "local_display.json", "{}", 1, "is no index of a feed"},
     {"no_key", "../key", "", 1, "is no private key of a feed"},
