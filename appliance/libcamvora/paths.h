@@ -40,9 +40,12 @@ inline constexpr char kDefaultFeedKey[] = "/var/packages/Camvora/target/etc/feed
 inline constexpr char kDownloadFolder[] = "/var/packages/Camvora/target/@CVData/download";
 
 // What is true only while the appliance runs. The package is started while kStartedFile exists. Locks are
-// guarded in kGuardFolder.
+// guarded in kGuardFolder. While the web framework serves, kAddressFile says where, and kScheduleTokenFile
+// has what the appliance's own programs show there.
 inline constexpr char kRunFolder[] = "/var/packages/Camvora/target/@CVData/run";
 inline constexpr char kStartedFile[] = "/var/packages/Camvora/target/@CVData/run/started";
+inline constexpr char kAddressFile[] = "/var/packages/Camvora/target/@CVData/run/address";
+inline constexpr char kScheduleTokenFile[] = "/var/packages/Camvora/target/@CVData/run/schedule-token";
 inline constexpr char kGuardFolder[] = "/var/packages/Camvora/target/@CVData/run/locks";
 
 inline constexpr char kDaemonProgram[] = "/var/packages/Camvora/target/bin/camvora-daemon";

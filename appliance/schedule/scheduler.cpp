@@ -12,7 +12,9 @@
 #include <exception>
 #include <optional>
 #include <set>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -23,6 +25,14 @@ using schedule::Timetable;
 constexpr std::chrono::seconds kLookEvery{20};
 constexpr std::chrono::hours kCommandLimit{12};
 
+std::string JoinedText(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : " ") + word;
+    }
+    return text;
+}
+
 void Run(const DailyLine& line) {
     const std::vector<std::string>& command = line.command;
     const camvora::ProgramEnd end =
@@ -32,7 +42,7 @@ void Run(const DailyLine& line) {
                              camvora::kProgramLogFile,
                              kCommandLimit});
     CVPrintf(0, nullptr, nullptr, "scheduler", __LINE__, __func__, "Ran [%s]: exit status %d\n",
-             command.front().c_str(), end.exitStatus);
+             JoinedText(command).c_str(), end.exitStatus);
 }
 
 // Each is told once, as long as it stays.

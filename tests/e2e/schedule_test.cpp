@@ -1,5 +1,6 @@
 // The schedule of a real appliance.
 #include "e2e/appliance.h"
+#include "e2e/feed.h"
 #include "e2e/processes.h"
 #include "e2e/updates.h"
 
@@ -16,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr char kAutoUpdate[] = "/var/packages/Camvora/target/bin/auto-update";
 constexpr char kCommand[] = "/var/packages/Camvora/target/command";
 
 class ScheduleTest : public testing::Test {
@@ -32,13 +34,18 @@ protected:
         std::ofstream(appliance_.PackagePath("target/etc/cron.d/test")) << line << '\n';
     }
 
+    std::string Rule(const std::string& service) const {
+        return ReadFile(appliance_.PackagePath("target/etc/cron.d/auto-update-" + service));
+    }
+
     // As if the line had been followed two days ago.
     void MissTwoDays(const std::string& line) const {
         SQLite::Database database(appliance_.PackagePath("target/@CVData/camvora.db"),
                                   SQLite::OPEN_READWRITE);
         SQLite::Statement record(
-            database, "INSERT INTO schedule VALUES(?, CAST(strftime('%s', 'now', '-2 days') AS INTEGER))");
-        record.bind(1, "test: " + line);
+            database,
+            "INSERT OR REPLACE INTO schedule VALUES(?, CAST(strftime('%s', 'now', '-2 days') AS INTEGER))");
+        record.bind(1, line);
         record.exec();
     }
 
@@ -54,7 +61,7 @@ TEST_F(ScheduleTest, IsMadeUpForOnceAndEndsWithTheAppliance) {
     const std::string line = std::string("30 3 * * * ") + kCommand + " one two";
     WriteRule(line + "\n* * * * * " + kCommand + " refused");
     appliance_.Stop();
-    MissTwoDays(line);
+    MissTwoDays("test: " + line);
     for (int start = 0; start < 2; ++start) {
         appliance_.Launch();
         EXPECT_TRUE(WaitUntil([this] { return Runs() == "one two\n" && HasLogged("Not a daily line"); }));
@@ -93,9 +100,6 @@ TEST_F(ScheduleTest, IsNamedInTheOperationLog) {
 }
 
 TEST_F(ScheduleTest, HasALineForEachAddOnThatIsUpdatedByItself) {
-    const auto rule = [this](const std::string& name) {
-        return ReadFile(appliance_.PackagePath("target/etc/cron.d/auto-update-" + name));
-    };
     std::string timeOfDay;
     for (const auto& [service, name] : {std::pair(1, "device_pack"), std::pair(6, "local_display")}) {
         Json::Value params = Param("service", service);
@@ -103,14 +107,80 @@ TEST_F(ScheduleTest, HasALineForEachAddOnThatIsUpdatedByItself) {
         EXPECT_TRUE(owner_.AddOns("SetAutoUpdate", params).Succeeded());
         const std::string command =
             std::string(" * * * /var/packages/Camvora/target/bin/auto-update ") + name + "\n";
-        const std::size_t begin = rule(name).find(command);
-        ASSERT_NE(std::string::npos, begin) << rule(name);
-        timeOfDay = timeOfDay.empty() ? rule(name).substr(0, begin) : timeOfDay;
-        EXPECT_EQ(timeOfDay + command, rule(name));
+        const std::size_t begin = Rule(name).find(command);
+        ASSERT_NE(std::string::npos, begin) << Rule(name);
+        timeOfDay = timeOfDay.empty() ? Rule(name).substr(0, begin) : timeOfDay;
+        EXPECT_EQ(timeOfDay + command, Rule(name));
         params["blEnable"] = false;
         EXPECT_TRUE(owner_.AddOns("SetAutoUpdate", params).Succeeded());
-        EXPECT_EQ("", rule(name));
+        EXPECT_EQ("", Rule(name));
     }
+}
+
+// What is installed, and who asked for that.
+class AutoUpdateTest : public ScheduleTest {
+protected:
+    void SetUp() override {
+        for (const char* sample : {"device_pack-2.3.0-0152", "local_display-1.6.0-0071"}) {
+            folder_.Publish(std::string(sample) + ".spk",
+                            ReadFile(std::string(CAMVORA_BUILD_FOLDER "/packages/") + sample + ".spk"));
+        }
+        folder_.Subscribe(appliance_, feed_.Url());
+    }
+
+    static std::string ByHand(const Appliance& appliance, const char* name) {
+        const Outcome outcome =
+            Program({appliance.PathOf("launch"), "--run", kAutoUpdate, name}, {"PATH=/usr/bin:/bin"}).Wait();
+        return std::to_string(outcome.status) + " " + outcome.err;
+    }
+
+    std::string Version(int service) {
+        return appliance_.Owner().AddOns("GetInfo", Param("service", service)).Data()["version"].asString();
+    }
+
+    std::string Operations() const {
+        std::string entries;
+        const Answer log = appliance_.Owner().Get("/operations");
+        for (const Json::Value& entry : log.Data()["operations"]) {
+            entries += entry["who"].asString() + ": " + entry["texts"][0].asString() + " " +
+                       entry["texts"][1].asString() + "\n";
+        }
+        return entries;
+    }
+
+    FeedFolder folder_{appliance_};
+    FaultyFeed feed_{folder_};
+};
+
+TEST_F(AutoUpdateTest, InstallsTheNewestRelease) {
+    Json::Value params = Param("service", 1);
+    params["blEnable"] = true;
+    ASSERT_TRUE(owner_.AddOns("SetAutoUpdate", params).Succeeded());
+    const std::string rule = Rule("device_pack");
+    appliance_.Stop();
+    MissTwoDays("auto-update-device_pack: " + rule.substr(0, rule.find('\n')));
+    appliance_.Launch();
+    const std::string told = "schedule: Device Pack Updated to 2.3.0-0152\n";
+    EXPECT_TRUE(WaitUntil([&] { return Operations() == told; })) << Operations();
+    EXPECT_EQ("2.3.0-0152", Version(1));
+    EXPECT_TRUE(WaitUntil([this] { return HasLogged("exit status 0"); }));
+
+    EXPECT_EQ("0 ", ByHand(appliance_, "local_display"));
+    EXPECT_EQ("1.6.0-0071", Version(6));
+    EXPECT_EQ("0 ", ByHand(appliance_, "local_display"));  // there is no newer one
+    EXPECT_EQ(told + "schedule: Local Display Updated to 1.6.0-0071\n", Operations());
+}
+
+TEST_F(AutoUpdateTest, SaysWhyNothingIsInstalled) {
+    const auto first = [this](const char* name) { return ByHand(appliance_, name).substr(0, 1); };
+    EXPECT_EQ("2", first("cms"));
+    feed_.SetFault({404});
+    const std::string failed = "1 auto-update: version 2.3.0-0152 could not be downloaded\n";
+    EXPECT_EQ(failed, ByHand(appliance_, "device_pack"));
+    folder_.Subscribe(appliance_, "");
+    EXPECT_EQ("1 auto-update: the release service could not be asked\n", ByHand(appliance_, "device_pack"));
+    EXPECT_EQ("2.1.0-0130", Version(1));
+    EXPECT_EQ("", Operations());
 }
 
 }  // namespace
