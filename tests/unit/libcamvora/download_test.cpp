@@ -416,9 +416,10 @@ protected:
 };
 
 TEST_F(KilledDownload, IsSeenAsFailedAndResumed) {
-    for (int trial = 0; trial < 5; ++trial) {
+    Offer(kVersion, Content(256 << 10));
+    for (int trial = 0; trial < 20; ++trial) {
         const auto process = StartDownload();
-        std::this_thread::sleep_for(milliseconds(5 + 20 * trial));
+        std::this_thread::sleep_for(milliseconds(3 * trial));
         process->Kill();
         EXPECT_NE(camvora::kDownloadRuns, State().status);
         EXPECT_EQ("", Outcome());
