@@ -23,11 +23,19 @@ bool Lock(const Descriptor& file, off_t position) {
     return file.IsOpen() && fcntl(file.Number(), F_SETLK, &lock) == 0;
 }
 
-pid_t Holder(const std::string& path, off_t position) {
+// The lock that another process has on that byte; of type F_UNLCK when none has.
+struct flock FindLock(const std::string& path, off_t position) {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct flock lock = OneByte(position);
-    const bool held = file.IsOpen() && fcntl(file.Number(), F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
-    return held ? lock.l_pid : 0;
+    if (!file.IsOpen() || fcntl(file.Number(), F_GETLK, &lock) != 0) {
+        lock.l_type = F_UNLCK;
+    }
+    return lock;
+}
+
+pid_t Holder(const std::string& path, off_t position) {
+    const struct flock lock = FindLock(path, position);
+    return lock.l_type != F_UNLCK ? lock.l_pid : 0;
 }
 
 }  // namespace
@@ -49,6 +57,10 @@ pid_t DaemonLockHolder(const std::string& path) {
 
 pid_t ReadyLockHolder(const std::string& path) {
     return Holder(path, kReadyByte);
+}
+
+bool IsReadyLockHeld(const std::string& path) {
+    return FindLock(path, kReadyByte).l_type != F_UNLCK;
 }
 
 }  // namespace camvora

@@ -36,4 +36,7 @@ pid_t DaemonLockHolder(const std::string& path);
 // The process that is up; 0 when none is.
 pid_t ReadyLockHolder(const std::string& path);
 
+// True when a process is up, also one of another process namespace, which has no number here.
+bool IsReadyLockHeld(const std::string& path);
+
 }  // namespace camvora

@@ -11,7 +11,7 @@ extern "C" {
 namespace camvora {
 
 bool IsDownloading(const std::string& path) {
-    return ReadyLockHolder(path) > 0;
+    return IsReadyLockHeld(path);
 }
 
 // A handle that was had before the second look belongs to the process that this look sees.

@@ -10,6 +10,7 @@ namespace camvora {
 namespace {
 
 constexpr std::string_view kSchemes[] = {"http://", "https://"};
+constexpr std::size_t kPortDigits = 5;
 
 bool StartsWith(std::string_view text, std::string_view beginning) {
     return text.substr(0, beginning.size()) == beginning;
@@ -30,6 +31,18 @@ bool IsUnreserved(char c) {
            std::string_view("-._~").find(c) != std::string_view::npos;
 }
 
+// "HOST" or "HOST:PORT"; the host may be an IPv6 address in brackets.
+bool IsHost(std::string_view text) {
+    const std::size_t colon = text.find(':', text.rfind(']') + 1);
+    const std::string_view host = text.substr(0, colon);
+    if (host.empty() || text.find('@') != std::string_view::npos) {
+        return false;
+    }
+    const std::string_view port = colon == std::string_view::npos ? "80" : text.substr(colon + 1);
+    return !port.empty() && port.size() <= kPortDigits &&
+           port.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 }  // namespace
 
 std::optional<WebUrl> ParseWebUrl(std::string_view text) {
@@ -40,8 +53,7 @@ std::optional<WebUrl> ParseWebUrl(std::string_view text) {
     }
     text = text.substr(0, text.find('#'));
     const std::size_t pathAt = std::min(text.find_first_of("/?", scheme->size()), text.size());
-    const std::string_view host = text.substr(scheme->size(), pathAt - scheme->size());
-    if (host.empty() || host.find('@') != std::string_view::npos) {
+    if (!IsHost(text.substr(scheme->size(), pathAt - scheme->size()))) {
         return std::nullopt;
     }
     const std::string path(text.substr(pathAt));
@@ -63,7 +75,8 @@ std::string ResolveLocation(const WebUrl& base, const std::string& header) {
         return base.origin + location;
     }
     const std::string path = base.path.substr(0, base.path.find('?'));
-    return base.origin + path.substr(0, path.rfind('/') + 1) + location;
+    const std::string kept = StartsWith(location, "?") ? path : path.substr(0, path.rfind('/') + 1);
+    return base.origin + kept + location;
 }
 
 std::string PercentEncoded(std::string_view name) {

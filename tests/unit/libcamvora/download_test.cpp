@@ -328,6 +328,23 @@ TEST_F(DownloadTest, AsksForTheRestOnlyOfTheSameFile) {
     EXPECT_NE(std::string::npos, fileRequests_.at(1).find("\r\nIf-Range: \"1\"\r\n"));
 }
 
+TEST_F(DownloadTest, ThatIsCutAnywhereGoesOnLater) {
+    constexpr std::size_t kPlaces = 10;
+    settings_.pauses.clear();
+    for (std::size_t place = 0; place < kPlaces; ++place) {
+        script_ = [this, place](const std::string& head, std::size_t) {
+            const std::string answer = GoodAnswer(file_, head);
+            return ScriptedServer::Answer{answer.substr(0, answer.size() * place / kPlaces), ""};
+        };
+        EXPECT_EQ(kCut, Outcome());
+        script_ = [this](const std::string& head, std::size_t) { return Good(head); };
+        EXPECT_EQ("", Outcome());
+        EXPECT_EQ(place == 0, RangeStart(fileRequests_.back()) == 0);
+        ExpectReady();
+        camvora::CleanDownload(store_, settings_);
+    }
+}
+
 TEST_F(DownloadTest, OfADamagedPartStartsAnew) {
     std::filesystem::create_directory(settings_.downloadFolder);
     for (const std::string& part :
@@ -416,9 +433,10 @@ protected:
 };
 
 TEST_F(KilledDownload, IsSeenAsFailedAndResumed) {
-    for (int trial = 0; trial < 5; ++trial) {
+    Offer(kVersion, Content(256 << 10));
+    for (int trial = 0; trial < 20; ++trial) {
         const auto process = StartDownload();
-        std::this_thread::sleep_for(milliseconds(5 + 20 * trial));
+        std::this_thread::sleep_for(milliseconds(3 * trial));
         process->Kill();
         EXPECT_NE(camvora::kDownloadRuns, State().status);
         EXPECT_EQ("", Outcome());
