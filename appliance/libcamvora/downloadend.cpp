@@ -6,7 +6,6 @@
 
 #include <unistd.h>
 
-#include <exception>
 #include <thread>
 
 namespace camvora {
@@ -18,16 +17,6 @@ using std::chrono::steady_clock;
 
 constexpr milliseconds kLimit{5000};
 constexpr milliseconds kLookAgain{5};
-
-std::optional<Download> LastDownload(Store& store, ADDON_SERVICE service) {
-    std::optional<Download> last;
-    try {
-        store.Query([&](SQLite::Database& database) { last = FindDownload(database, service); });
-    } catch (const std::exception& failure) {
-        throw UpdateFailure(std::string("the database cannot be read: ") + failure.what());
-    }
-    return last;
-}
 
 // The files first: a record of nothing does no harm.
 void RemoveAll(Store& store, const UpdateSettings& settings, const std::string& package) {

@@ -49,7 +49,7 @@ public:
     void Run() {
         try {
             Download();
-        } catch (const UpdateFailure& failure) {
+        } catch (const std::exception& failure) {
             if (isRecorded_) {
                 record_.status = kDownloadFailed;
                 record_.problem = failure.what();
@@ -61,28 +61,18 @@ public:
 
 private:
     void Download() {
-        const auto ready = ReadyDownload();
-        if (!ready) {
+        const auto last = LastDownload(store_, settings_.service);
+        const bool isReady = last && IsReady(*last);
+        if (!isReady) {
             Record();
         }
         const auto release = CheckRelease(store_, settings_);
         if (!release) {
             throw UpdateFailure("there is no newer release");
         }
-        if (!ready || ready->info.version != release->version) {
+        if (!isReady || last->info.version != release->version) {
             Replace(*release);
         }
-    }
-
-    std::optional<camvora::Download> ReadyDownload() {
-        std::optional<camvora::Download> last;
-        try {
-            store_.Query(
-                [&](SQLite::Database& database) { last = FindDownload(database, settings_.service); });
-        } catch (const std::exception& failure) {
-            throw UpdateFailure(std::string("the database cannot be read: ") + failure.what());
-        }
-        return last && IsReady(*last) ? last : std::nullopt;
     }
 
     void Replace(const Release& release) {

@@ -11,10 +11,10 @@
 namespace camvora {
 
 // Checks for the newest release and downloads it; at once over when it is there already. What an earlier
-// attempt has left of the same file is used, everything else of the service is removed. Throws UpdateFailure:
-// with the record untouched when another process downloads or cleans up, or when a ready download is there
-// and the check failed; otherwise the record says why. Called in a process that does nothing else and forks
-// nothing meanwhile: CancelDownload kills it.
+// attempt has left of the same file is used, everything else of the service is removed. Throws
+// std::exception: with the record untouched when another process downloads or cleans up, or when a ready
+// download is there and the check failed; otherwise the record says why. Called in a process that does
+// nothing else and forks nothing meanwhile: CancelDownload kills it.
 void DownloadRelease(Store& store, const UpdateSettings& settings);
 
 }  // namespace camvora

@@ -4,9 +4,13 @@
 #include "libcamvora/downloads.h"
 #include "libcamvora/store.h"
 
+#include <optional>
 #include <string>
 
 namespace camvora {
+
+// The record of the service's last download. Throws std::exception when the database cannot be read.
+std::optional<Download> LastDownload(Store& store, ADDON_SERVICE service);
 
 // True when the record says ready and its file is there: an update uses it up before the record goes.
 bool IsReady(const Download& download);

@@ -12,6 +12,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr milliseconds kConnectLimit{10000};
+constexpr milliseconds kAfterWatch{200};
 constexpr int kRedirectionLimit = 3;
 
 struct Answer {
@@ -24,10 +25,11 @@ bool IsRedirection(int status) {
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
+// The watch comes first, but it has to wait while a secure connection is made.
 void SetLimits(httplib::Client& http, milliseconds period) {
     http.set_connection_timeout(std::min(period, kConnectLimit));
-    http.set_read_timeout(2 * period);  // the watch comes first: this one starts anew at each byte
-    http.set_write_timeout(2 * period);
+    http.set_read_timeout(period + kAfterWatch);
+    http.set_write_timeout(period + kAfterWatch);
 }
 
 httplib::Request RequestFor(const HttpGet& get, const std::string& path) {

@@ -4,8 +4,6 @@
 #include "libcamvora/httpget.h"
 #include "libcamvora/utctime.h"
 
-#include <exception>
-
 namespace camvora {
 
 namespace {
@@ -16,11 +14,7 @@ constexpr std::size_t kValidatorLimitBytes = 256;
 
 std::optional<Feed> KnownFeed(Store& store, ADDON_SERVICE service) {
     std::optional<Feed> known;
-    try {
-        store.Query([&](SQLite::Database& database) { known = FindFeed(database, service); });
-    } catch (const std::exception& failure) {
-        throw UpdateFailure(std::string("the database cannot be read: ") + failure.what());
-    }
+    store.Query([&](SQLite::Database& database) { known = FindFeed(database, service); });
     return known;
 }
 

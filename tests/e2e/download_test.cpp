@@ -81,5 +81,18 @@ TEST_F(DownloadTest, ThatIsDamagedReplacesNothing) {
     }
 }
 
+TEST_F(DownloadTest, IsShownToTheOwner) {
+    PutDownload(*appliance_, kDevicePackService, CAMVORA_BUILD_FOLDER "/packages/device_pack-2.3.0-0152.spk");
+    const Json::Value downloads = owner_.Get("/downloads").Data()["downloads"];
+    ASSERT_FALSE(downloads.empty());
+    EXPECT_EQ(kDevicePackService, downloads[0]["service"].asInt());
+    EXPECT_EQ(2, downloads[0]["status"].asInt());
+    EXPECT_EQ("9.0.0-0001", downloads[0]["version"].asString());
+    EXPECT_TRUE(owner_.Get("/releases").Data()["releases"].isArray());
+    for (const char* page : {"/downloads", "/releases"}) {
+        EXPECT_EQ(401, appliance_->Stranger().Get(page).status);
+    }
+}
+
 }  // namespace
 }  // namespace e2e

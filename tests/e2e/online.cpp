@@ -41,6 +41,14 @@ std::vector<fs::path> DownloadFiles(const Appliance& appliance) {
     return files;
 }
 
+// The host's processes that work on a request, or on what it has ordered.
+std::vector<pid_t> Workers(const Appliance& appliance) {
+    return Descendants(appliance.Supervisor(), [&appliance](pid_t pid) {
+        return NameOf(pid) == "camvora-host" && pid != appliance.RequestServer() &&
+               pid != appliance.HttpProcess() && IsAlive(pid);
+    });
+}
+
 // Makes a ready download one that is not there.
 void Forget(const Appliance& appliance) {
     for (const fs::path& file : DownloadFiles(appliance)) {
@@ -62,25 +70,21 @@ int DownloadStateOf(const Appliance& appliance, int service) {
     return Call(appliance, "DownloadProgress", service).Data()["status"].asInt();
 }
 
+// While nobody works on a request, and no download runs, what is on record is the end.
 int Download(const Appliance& appliance, int service) {
     EXPECT_TRUE(Call(appliance, "DownloadStart", service).Succeeded());
-    int state = kRuns;
-    EXPECT_TRUE(WaitUntil(
-        [&] {
-            state = DownloadStateOf(appliance, service);
-            return state != kRuns && Downloader(appliance) < 0;
-        },
-        std::chrono::seconds(60)));
-    return state;
+    EXPECT_TRUE(WaitUntil([&] { return Workers(appliance).empty(); }, std::chrono::seconds(60)));
+    return DownloadStateOf(appliance, service);
 }
 
-// Of the host's processes the one that leads a session of its own but is none of its servers.
+// It leads a session of its own.
 pid_t Downloader(const Appliance& appliance) {
-    const std::vector<pid_t> hosts = Descendants(appliance.Supervisor(), [&appliance](pid_t pid) {
-        return NameOf(pid) == "camvora-host" && pid != appliance.RequestServer() &&
-               pid != appliance.HttpProcess() && getsid(pid) == pid && IsAlive(pid);
-    });
-    return hosts.empty() ? -1 : hosts.front();
+    for (const pid_t pid : Workers(appliance)) {
+        if (getsid(pid) == pid) {
+            return pid;
+        }
+    }
+    return -1;
 }
 
 std::string DownloadedPackage(const Appliance& appliance) {
