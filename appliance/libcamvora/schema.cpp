@@ -41,7 +41,8 @@ constexpr const char* kSteps[] = {
     " version TEXT NOT NULL, date TEXT NOT NULL, notes TEXT NOT NULL, size INTEGER NOT NULL,"
     " checked TEXT NOT NULL);",
     "ALTER TABLE operation_log ADD COLUMN who TEXT NOT NULL DEFAULT '';"
-    "CREATE TABLE schedule(line TEXT PRIMARY KEY, last INTEGER NOT NULL) WITHOUT ROWID;",
+    "CREATE TABLE schedule(line TEXT PRIMARY KEY,"
+    " last INTEGER NOT NULL) WITHOUT ROWID;",
 };
 
 }  // namespace
