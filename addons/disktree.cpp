@@ -1,21 +1,43 @@
 #include "addons/disktree.h"
 
+#include <dirent.h>
 #include <fcntl.h>
-#include <ftw.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
+#include <vector>
 
 namespace {
 
-constexpr int kOpenFolders = 16;  // deeper ones cost time, not descriptors
+bool IsEntry(const dirent& entry) {
+    return std::strcmp(entry.d_name, ".") != 0 && std::strcmp(entry.d_name, "..") != 0;
+}
 
-long entriesCounted = 0;  // the walk hands nothing through
+// Not every file system tells what an entry is.
+bool IsFolderEntry(const std::string& path, const dirent& entry) {
+    return entry.d_type == DT_DIR || (entry.d_type == DT_UNKNOWN && IsFolder(path));
+}
 
-int CountEntry(const char* /*path*/, const struct stat* /*info*/, int /*type*/, struct FTW* /*position*/) {
-    ++entriesCounted;
-    return 0;
+// How many entries the folder has itself; appends the folders among them to `folders`.
+long CountIn(const std::string& folder, std::vector<std::string>& folders) {
+    long count = 0;
+    DIR* const listing = opendir(folder.c_str());
+    while (const dirent* entry = listing != nullptr ? readdir(listing) : nullptr) {
+        if (!IsEntry(*entry)) {
+            continue;
+        }
+        ++count;
+        const std::string path = folder + "/" + entry->d_name;
+        if (IsFolderEntry(path, *entry)) {
+            folders.push_back(path);
+        }
+    }
+    if (listing != nullptr) {
+        (void)closedir(listing);
+    }
+    return count;
 }
 
 }  // namespace
@@ -66,7 +88,12 @@ void SyncAll() {
 }
 
 long CountEntries(const std::string& path) {
-    entriesCounted = 0;
-    (void)nftw(path.c_str(), CountEntry, kOpenFolders, FTW_PHYS);
-    return entriesCounted;
+    long count = 0;
+    std::vector<std::string> folders = {path};
+    while (!folders.empty()) {
+        const std::string folder = folders.back();
+        folders.pop_back();
+        count += CountIn(folder, folders);
+    }
+    return count;
 }

@@ -63,7 +63,7 @@ struct AddOn {
         return {"BeginCriticalSection " + Lock("Update") + " 3000",
                 "BeginCriticalSection " + Lock("Package") + " 3000"};
     }
-    Steps Prepare() const { return {"nftw " + fresh, "sync"}; }
+    Steps Prepare() const { return {"sync"}; }
     Steps SetAside() const { return {"rename " + place + " " + place + ".aside", "open " + kTarget}; }
     Steps Move() const {
         return {"PLIBCExec /bin/rm -rf " + place, "PLIBCExec /bin/mv -f " + fresh + " " + place};
@@ -75,9 +75,7 @@ struct AddOn {
     Steps Drop() const { return {"CVRm " + place + ".dropped"}; }
     Steps Replace() const { return SetAside() + Move() + Seal() + RemoveWorkDir(); }
     // Nothing was set aside that is there: the fake's own folders stay empty.
-    Steps NotReplaced() const {
-        return {Log("DoInstallPkg", "Failed to replace [" + place + "]."), "nftw " + fresh};
-    }
+    Steps NotReplaced() const { return {Log("DoInstallPkg", "Failed to replace [" + place + "].")}; }
     Steps UnlockPackage() const { return {"EndCriticalSection 0", "RemoveFileIfExist " + Lock("Package")}; }
     Steps Notify() const { return {"CVClientNotify::Notify 24 " + number + " 2 0"}; }
     Steps Unlock() const {
