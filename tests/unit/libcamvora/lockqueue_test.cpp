@@ -30,7 +30,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds kShort{50};
 constexpr milliseconds kLong{10'000};
-constexpr milliseconds kTolerance{200};
+constexpr milliseconds kTolerance{500};
 
 class LockQueue : public testing::Test {
 protected:
