@@ -33,5 +33,6 @@ struct FolderIdentity {
 std::optional<FolderIdentity> IdentityOf(const std::string& path);
 bool operator==(const FolderIdentity& one, const FolderIdentity& other);
 
-// How many files, links and folders are in the folder, at any depth; 0 when it is absent.
+// How many files, links and folders are in the folder, at any depth; 0 when it is absent. `path` itself is no
+// link.
 long CountEntries(const std::string& path);

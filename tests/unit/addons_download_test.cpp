@@ -4,6 +4,7 @@
 #include "fake/processes.h"
 #include "fake/script.h"
 #include "fake/session.h"
+#include "fake/steps.h"
 #include "fake/webapi.h"
 #include "webapi/apitable.h"
 
@@ -15,12 +16,8 @@
 
 namespace {
 
-using Steps = std::vector<std::string>;
-
-Steps operator+(Steps first, const Steps& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+using fake::Steps;
+using fake::operator+;
 
 Steps Begin(const std::string& service) {
     return fake::Admission() + Steps{"GetParam service 0", "AddonsUpdate " + service};

@@ -2,6 +2,7 @@
 #include "fake/journal.h"
 #include "fake/script.h"
 #include "fake/session.h"
+#include "fake/steps.h"
 #include "fake/webapi.h"
 #include "webapi/apitable.h"
 
@@ -12,12 +13,8 @@
 
 namespace {
 
-using Steps = std::vector<std::string>;
-
-Steps operator+(Steps first, const Steps& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+using fake::Steps;
+using fake::operator+;
 
 const std::string kTarget = "/var/packages/Camvora/target";
 const Steps kDevicePackCopy = {"IsExistDir " + kTarget + "/device_pack.default"};

@@ -3,6 +3,7 @@
 #include "fake/json.h"
 #include "fake/script.h"
 #include "fake/session.h"
+#include "fake/steps.h"
 #include "fake/webapi.h"
 #include "webapi/apitable.h"
 
@@ -13,12 +14,8 @@
 
 namespace {
 
-using Steps = std::vector<std::string>;
-
-Steps operator+(Steps first, const Steps& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+using fake::Steps;
+using fake::operator+;
 
 const std::string kLockAddOns = "BeginCriticalSection /tmp/cv_addons_lock 30000";
 const Steps kUnlockAddOns = {"EndCriticalSection 0", "RemoveFileIfExist /tmp/cv_addons_lock"};

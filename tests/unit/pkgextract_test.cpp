@@ -4,6 +4,7 @@
 #include "fake/journal.h"
 #include "fake/script.h"
 #include "fake/session.h"
+#include "fake/steps.h"
 
 #include <gtest/gtest.h>
 
@@ -14,12 +15,8 @@
 
 namespace {
 
-using Steps = std::vector<std::string>;
-
-Steps operator+(Steps first, const Steps& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
+using fake::Steps;
+using fake::operator+;
 
 // Without the looks at the tree.
 std::string Calls() {
