@@ -1,8 +1,8 @@
 #include "e2e/processes.h"
 
-#include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <sstream>
 #include <thread>
 
@@ -22,11 +22,6 @@ int CountEntries(const fs::path& folder) {
     return gone ? 0 : static_cast<int>(std::distance(begin(entries), end(entries)));
 }
 
-std::vector<pid_t> ChildrenOf(pid_t pid) {
-    std::ifstream children(ProcOf(pid) / "task" / std::to_string(pid) / "children");
-    return {std::istream_iterator<pid_t>(children), std::istream_iterator<pid_t>()};
-}
-
 // The text after `key` in the process's status.
 std::string StatusOf(pid_t pid, const std::string& key) {
     std::ifstream status(ProcOf(pid) / "status");
@@ -38,16 +33,37 @@ std::string StatusOf(pid_t pid, const std::string& key) {
     return "";
 }
 
+// Each process with its parent. The kernel's own list of a process's children may lack one
+// while another ends.
+std::map<pid_t, pid_t> Parents() {
+    std::map<pid_t, pid_t> parents;
+    for (const auto& entry : fs::directory_iterator("/proc")) {
+        const std::string name = entry.path().filename();
+        if (name.find_first_not_of("0123456789") == std::string::npos) {
+            const pid_t pid = std::stoi(name);
+            parents[pid] = std::stoi("0" + StatusOf(pid, "PPid:"));
+        }
+    }
+    return parents;
+}
+
 }  // namespace
 
 std::vector<pid_t> Descendants(pid_t ancestor, const std::function<bool(pid_t)>& isSo) {
-    std::vector<pid_t> all = ChildrenOf(ancestor);
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        const std::vector<pid_t> below = ChildrenOf(all[i]);
-        all.insert(all.end(), below.begin(), below.end());
-    }
+    const std::map<pid_t, pid_t> parents = Parents();
+    const auto isBelow = [&](pid_t pid) {
+        while (pid > 0 && pid != ancestor) {
+            const auto entry = parents.find(pid);
+            pid = entry == parents.end() ? 0 : entry->second;
+        }
+        return pid == ancestor;
+    };
     std::vector<pid_t> found;
-    std::copy_if(all.begin(), all.end(), std::back_inserter(found), isSo);
+    for (const auto& [pid, parent] : parents) {
+        if (pid != ancestor && isBelow(pid) && isSo(pid)) {
+            found.push_back(pid);
+        }
+    }
     return found;
 }
 
