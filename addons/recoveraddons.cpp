@@ -8,9 +8,13 @@
 #include "addons/pkgrecovery.h"
 #include "addons/scopedlockfile.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace {
+
+constexpr int kUsage = 2;
 
 bool Recover(ADDON_SERVICE service, bool isRunning) {
     const ScopedLockFile lock(GetPkgLockFile(service), kPackageLockWaitMs);
@@ -30,7 +34,11 @@ bool Recover(ADDON_SERVICE service, bool isRunning) {
 
 int main(int argc, char** argv) {
     const bool isRunning = argc == 2 && std::string(argv[1]) == "--running";
+    if (argc > 1 && !isRunning) {
+        (void)std::fputs("usage: recover-addons [--running]\n", stderr);
+        return kUsage;
+    }
     const bool hasDevicePack = Recover(ADDON_SERVICE_DEVICE_PACK, isRunning);
     const bool hasLocalDisplay = Recover(ADDON_SERVICE_LOCAL_DISPLAY, isRunning);
-    return hasDevicePack && hasLocalDisplay ? 0 : 1;
+    return hasDevicePack && hasLocalDisplay ? EXIT_SUCCESS : EXIT_FAILURE;
 }
