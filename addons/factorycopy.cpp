@@ -36,7 +36,9 @@ bool MakeCopy(const AddOnPackage& package) {
 }
 
 bool MoveCopy(const AddOnPackage& package) {
-    return rename(CopyOf(package).c_str(), package.place) == 0;
+    const std::string place = package.place;
+    return rename(CopyOf(package).c_str(), place.c_str()) == 0 &&
+           SyncFolder(place.substr(0, place.rfind('/')));
 }
 
 bool ReplaceWithCopy(const AddOnPackage& package) {

@@ -7,6 +7,7 @@
 #include "addons/pkgcontrol.h"
 #include "addons/pkgrecovery.h"
 #include "addons/scopedlockfile.h"
+#include "platform/log.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,15 +20,18 @@ constexpr int kUsage = 2;
 bool Recover(ADDON_SERVICE service, bool isRunning) {
     const ScopedLockFile lock(GetPkgLockFile(service), kPackageLockWaitMs);
     if (!lock.IsHeld()) {
+        CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__, "Failed to lock [%s].\n",
+                 lock.Path().c_str());
         return false;
     }
     const bool isRecovered = RecoverAddOn(service);
     if (isRunning) {
         return isRecovered;
     }
+    const bool isFilled = FillEmptyPlace(service);
     const bool isForgotten = ForgetUnpacked(service, false);
     const bool isForgottenFromHost = ForgetUnpacked(service, true);
-    return isRecovered && FillEmptyPlace(service) && isForgotten && isForgottenFromHost;
+    return isRecovered && isFilled && isForgotten && isForgottenFromHost;
 }
 
 }  // namespace

@@ -129,7 +129,8 @@ void AddOnsHandler::HandleSetAutoUpdate() {
 void AddOnsHandler::HandlePkgUpdate() {
     const int service = m_pRequest->GetParam("service", 0).asInt();
     const std::string path = m_pRequest->GetParam("filePath", "").asString();
-    AddOns addOns(static_cast<ADDON_SERVICE>(service));
+    AddOns addOns(ADDON_SERVICE_NONE);
+    addOns.InitService(static_cast<ADDON_SERVICE>(service));
     if (addOns.ExecuteUpdate(path) == 0) {
         m_pResponse->SetSuccess(Json::Value());
     } else {

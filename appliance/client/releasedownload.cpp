@@ -60,14 +60,14 @@ private:
             if (interrupt_.HasCome()) {
                 throw Cancelled();
             }
+            const Json::Value record = DownloadOf(host_, service_);  // first: it may begin in between
             const Json::Value answer = host_.Call("DownloadProgress", params_);
-            const Json::Value record = DownloadOf(host_, service_);
             const Json::Value status = Member(answer, "status");
             if (status == Json::Value(kReady)) {
                 return VersionIn(answer);
             }
             if (status == Json::Value(kFailed) && !IsEarlierFailure(record)) {
-                throw Failed(record);
+                throw Failed(DownloadOf(host_, service_));
             }
             if (steady_clock::now() - begin_ >= limit_) {
                 throw Failure(ExitStatus::kTimedOut, "After " + std::to_string(limit_.count()) +

@@ -27,8 +27,8 @@ bool IsReady(const Download& download) {
 Download StateOfDownload(Store& store, ADDON_SERVICE service, const std::string& lockFile) {
     auto record = LastDownload(store, service);
     if (SaysRunning(record) && !IsDownloading(lockFile)) {
-        record = LastDownload(store, service);  // it may have ended in between
-        if (SaysRunning(record)) {
+        record = LastDownload(store, service);  // it may have ended in between, or another begun
+        if (SaysRunning(record) && !IsDownloading(lockFile)) {
             record->status = kDownloadFailed;
             record->problem = "the download was killed";
         }

@@ -3,6 +3,7 @@
 #include "libcamvora/weburl.h"
 
 #include <algorithm>
+#include <csignal>
 
 namespace camvora {
 
@@ -11,9 +12,21 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr milliseconds kConnectLimit{10000};
+constexpr milliseconds kConnectLimit{3000};  // for each address that the server's name has
 constexpr milliseconds kAfterWatch{200};
 constexpr int kRedirectionLimit = 3;
+
+// What is written to a server that has gone would end the process.
+class PipeSignalIgnored {
+public:
+    PipeSignalIgnored() : before_(std::signal(SIGPIPE, SIG_IGN)) {}
+    ~PipeSignalIgnored() { (void)std::signal(SIGPIPE, before_); }
+    PipeSignalIgnored(const PipeSignalIgnored&) = delete;
+    PipeSignalIgnored& operator=(const PipeSignalIgnored&) = delete;
+
+private:
+    void (*before_)(int);
+};
 
 struct Answer {
     HttpEnd end;
@@ -97,6 +110,7 @@ Answer Ask(const HttpGet& get, const WebUrl& url, milliseconds period) {
 }  // namespace
 
 HttpEnd Fetch(const HttpGet& get) {
+    const PipeSignalIgnored ignored;
     const auto deadline = steady_clock::now() + get.pace.period;
     std::string address = get.url;
     for (int redirections = 0; redirections <= kRedirectionLimit; ++redirections) {
