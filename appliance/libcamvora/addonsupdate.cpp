@@ -36,6 +36,11 @@ int PercentOf(const camvora::Download& download) {
     return static_cast<int>(std::clamp(percent, 0LL, 100LL));
 }
 
+camvora::Download DownloadOf(ADDON_SERVICE service) {
+    return camvora::HasReleases(service) ? camvora::StateOfDownload(TheStore(), camvora::SettingsOf(service))
+                                         : camvora::Download{};
+}
+
 }  // namespace
 
 AddonsUpdate::AddonsUpdate(ADDON_SERVICE service) : service_(service) {}
@@ -57,8 +62,7 @@ int AddonsUpdate::Download() {
 
 int AddonsUpdate::GetDownloadStatus(std::string& version, int& percent, APP_DOWNLOAD_STATUS& status) {
     return Attempt("read the download", service_, [&] {
-        const camvora::Download download =
-            camvora::StateOfDownload(TheStore(), service_, camvora::DownloadLockFile(service_));
+        const camvora::Download download = DownloadOf(service_);
         status = download.status;
         if (status != camvora::kNoDownload) {
             version = download.info.version;
@@ -77,8 +81,7 @@ int AddonsUpdate::CancelDownload() {
 
 int AddonsUpdate::ReadDownloadInfoFile(bool& ready, APP_DOWNLOAD_INFO& info) {
     return Attempt("read the last download", service_, [&] {
-        const camvora::Download download =
-            camvora::StateOfDownload(TheStore(), service_, camvora::DownloadLockFile(service_));
+        const camvora::Download download = DownloadOf(service_);
         ready = download.status == camvora::kDownloadReady;
         if (ready) {
             info = download.info;

@@ -44,7 +44,7 @@ void CancelDownload(Store& store, const UpdateSettings& settings) {
         std::this_thread::sleep_for(kLookAgain);
     }
     const auto last = LastDownload(store, settings.service);
-    if (!last || !IsReady(*last)) {
+    if (!last || !IsReady(*last, settings.installedVersion)) {
         RemoveAll(store, settings, "");
     } else if (!RemoveDownloadFiles(settings, last->info.filePath)) {
         throw UpdateFailure("the files of an older download cannot be removed");

@@ -62,7 +62,7 @@ public:
 private:
     void Download() {
         const auto last = LastDownload(store_, settings_.service);
-        const bool isReady = last && IsReady(*last);
+        const bool isReady = last && IsReady(*last, settings_.installedVersion);
         if (!isReady) {
             Record();
         }

@@ -23,7 +23,7 @@ std::vector<DownloadState> DownloadStates() {
     std::vector<DownloadState> states;
     for (const int number : RecordedServices()) {
         const auto service = static_cast<ADDON_SERVICE>(number);
-        const Download download = StateOfDownload(TheStore(), service, DownloadLockFile(service));
+        const Download download = StateOfDownload(TheStore(), SettingsOf(service));
         if (download.status != kNoDownload) {
             states.push_back({number, download.info.version, download.status, download.bytes,
                               download.sizeBytes, download.problem});

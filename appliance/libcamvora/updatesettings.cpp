@@ -25,12 +25,8 @@ UpdateSettings SettingsOf(ADDON_SERVICE service) {
         TextOfKey((std::string(entry->folder) + kAddOnConfName).c_str(), "version", "");
     settings.mainVersion = TextOfKey(kPackageInfo, "version", "");
     settings.downloadFolder = kDownloadFolder;
-    settings.lockFile = DownloadLockFile(service);
+    settings.lockFile = std::string(kRunFolder) + "/download-" + settings.shortName + ".lock";
     return settings;
-}
-
-std::string DownloadLockFile(ADDON_SERVICE service) {
-    return std::string(kRunFolder) + "/download-" + GetServiceStr(service) + ".lock";
 }
 
 std::string FeedAddress(const ReleasesConf& conf, const std::string& fileName) {

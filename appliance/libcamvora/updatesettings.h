@@ -25,7 +25,7 @@ struct UpdateSettings {
     std::string installedVersion;  // empty when it is not installed
     std::string mainVersion;       // of the main package
     std::string downloadFolder;
-    std::string lockFile;
+    std::string lockFile;  // of the service's downloads
     std::chrono::milliseconds checkLimit{10000};
     Pace downloadPace{std::chrono::milliseconds(30000), 30 << 10};
     std::vector<std::chrono::milliseconds> pauses{std::chrono::milliseconds(1000),
@@ -37,9 +37,6 @@ bool HasReleases(ADDON_SERVICE service);
 
 // The settings of `service` on this appliance. Throws UpdateFailure for one without releases.
 UpdateSettings SettingsOf(ADDON_SERVICE service);
-
-// The lock file of the service's downloads.
-std::string DownloadLockFile(ADDON_SERVICE service);
 
 // The address of a file of the feed.
 std::string FeedAddress(const ReleasesConf& conf, const std::string& fileName);

@@ -134,7 +134,7 @@ protected:
         return Start([this] { return Outcome().empty(); });
     }
 
-    Download State() { return camvora::StateOfDownload(store_, settings_.service, settings_.lockFile); }
+    Download State() { return camvora::StateOfDownload(store_, settings_); }
 
     void WaitForBytes(long long bytes) {
         for (int i = 0; i < 500 && State().bytes < bytes; ++i) {
@@ -371,6 +371,11 @@ TEST_F(DownloadTest, OfTheSameVersionIsNotRepeatedAndOfAnOlderOneReplaced) {
     EXPECT_EQ("", Outcome());
     ExpectReady();
     EXPECT_EQ("2.3.0-0150", State().info.version);
+    for (const char* installed : {"2.3.0-0150", "2.3.0-0151"}) {  // by an upload
+        settings_.installedVersion = installed;
+        EXPECT_EQ(camvora::kNoDownload, State().status);
+    }
+    settings_.installedVersion.clear();
 
     std::filesystem::remove(State().info.filePath);
     EXPECT_EQ(camvora::kNoDownload, State().status);

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <map>
 #include <string>
@@ -225,6 +226,16 @@ TEST_F(ReleaseCheck, FollowsARedirectionAndKeepsWhatItFound) {
     EXPECT_EQ(0U, server_.Requests().at(1).rfind("GET /b?x=%20 ", 0));
     EXPECT_EQ("2.2.0-0140", Kept()->newest.version);
     EXPECT_EQ("Better.\n", Kept()->newest.notes);
+}
+
+// As a secure connection does where the server has gone.
+TEST_F(ReleaseCheck, OutlivesAWriteToNobody) {
+    (void)std::signal(SIGPIPE, SIG_DFL);
+    script_ = [this](const std::string&, std::size_t) {
+        (void)raise(SIGPIPE);
+        return ScriptedServer::Answer{HttpAnswer("200 OK", Index(1, "2.2.0-0140")), ""};
+    };
+    EXPECT_EQ("2.2.0-0140", Outcome());
 }
 
 TEST_F(ReleaseCheck, RefusesAnOlderIndexOfTheSameKey) {
