@@ -107,6 +107,13 @@ bool ForgetUnpacked(ADDON_SERVICE service, bool fromHost) {
     return true;
 }
 
+bool DropUnpacked(ADDON_SERVICE service, bool fromHost) {
+    const AddOnPackage* package = FindAddOnPackage(service);
+    const std::string workDir = GetWorkDir(service, fromHost);
+    const bool isRemoved = package == nullptr || CVRm(workDir + "/" + package->tree) == 0;
+    return isRemoved || MarkPartial(workDir, package);
+}
+
 bool IsWholeUnpacking(const std::string& dir) {
     return IsAbsent(PartialMark(dir.substr(0, dir.size() - 1)));
 }

@@ -103,9 +103,9 @@ void TreeSwap::Drop() const {
     (void)CVRm(Dropped(place_));
 }
 
-bool RecoverTree(const std::string& place, const std::string& fresh1, const std::string& fresh2) {
+bool RecoverTree(const std::string& place, const std::function<bool()>& dropFresh) {
     if (IsAbsent(Aside(place))) {
         return IsAbsent(Dropped(place)) || CVRm(Dropped(place)) == 0;
     }
-    return IsPresent(Aside(place)) && CVRm(fresh1) == 0 && CVRm(fresh2) == 0 && PutAsideBack(place);
+    return IsPresent(Aside(place)) && dropFresh() && PutAsideBack(place);
 }

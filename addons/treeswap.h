@@ -13,6 +13,7 @@
 
 #include "addons/disktree.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -50,5 +51,6 @@ private:
 
 // What a replacement left that did not come to its end: what was set aside is in its place again afterwards.
 // Returns false when it is not, or when something is left that stands in the way of the next replacement.
-//   fresh1, fresh2   where new trees may lie: they are removed before, as a cut move may have thinned them
-bool RecoverTree(const std::string& place, const std::string& fresh1, const std::string& fresh2);
+//   dropFresh   called before: sees to it that no new tree counts, as a cut move may have thinned it; returns
+//               false when one may still count, and nothing is put back then
+bool RecoverTree(const std::string& place, const std::function<bool()>& dropFresh);

@@ -67,8 +67,6 @@ const Steps kReadPkgInfo = {R"(GetParam pkgInfo "")",
                             "GetParam isRedirectCgi false",
                             "GetServiceStr 6",
                             "BeginCriticalSection /tmp/cv_AddOns_Package_name6.lock 3000",
-                            "GetServiceStr 6",
-                            "GetServiceStr 6",
                             "lstat /var/packages/Camvora/target/local_display.aside",
                             "lstat /var/packages/Camvora/target/local_display.dropped"};
 const Steps kInvalidFile = {

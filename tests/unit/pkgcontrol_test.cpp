@@ -273,6 +273,13 @@ TEST(PkgControl, KnowsNoMinimumVersionOfAServiceWithoutPackages) {
               fake::Journal());
 }
 
+TEST(UnpackedTree, IsMarkedWhereItCannotBeRemoved) {
+    const fake::Session session;
+    fake::Answer("CVRm", -1);
+    EXPECT_TRUE(DropUnpacked(ADDON_SERVICE_DEVICE_PACK, false));
+    EXPECT_EQ(fake::Lines({"CVRm " + kDir + "/device_pack", "mkdir " + kDir + ".partial"}), Calls());
+}
+
 TEST(ErrorInfo, LeavesOtherMembers) {
     Json::Value errInfo = fake::ParseJson(R"({"param1":"old","more":1})");
     SetErrInfo(errInfo, "s", "k", "1", "2", "3");

@@ -121,10 +121,7 @@ TEST_P(Fetch, FailsWithoutUnpacking) {
     EXPECT_EQ(
         -1, package.GetPkgInfo(fake::ParseJson(R"({"filePath":"/up/1","fileName":"a.spk"})"), result, true));
     EXPECT_EQ("invalid_file", result["errinfo"]["key"].asString());
-    Steps steps = {"GetServiceStr 1",
-                   "BeginCriticalSection /tmp/cv_AddOns_Package_name1.lock 3000",
-                   "GetServiceStr 1",
-                   "GetServiceStr 1",
+    Steps steps = {"GetServiceStr 1", "BeginCriticalSection /tmp/cv_AddOns_Package_name1.lock 3000",
                    "lstat /var/packages/Camvora/target/device_pack.aside",
                    "lstat /var/packages/Camvora/target/device_pack.dropped"};
     steps.insert(steps.end(), GetParam().steps.begin(), GetParam().steps.end());

@@ -2,6 +2,7 @@
 // Shell commands stand for the programs, and for what a power cut leaves.
 #include "addons/treeswap.h"
 
+#include "platform/files.h"
 #include "support/temporaryfolder.h"
 
 #include <gtest/gtest.h>
@@ -32,8 +33,9 @@ protected:
     TreeSwap Swap() const { return {folder_.PathOf("place"), folder_.PathOf("work/tree")}; }
 
     bool Recover() const {
-        return RecoverTree(folder_.PathOf("place"), folder_.PathOf("work/tree"),
-                           folder_.PathOf("work_host/tree"));
+        return RecoverTree(folder_.PathOf("place"), [this] {
+            return CVRm(folder_.PathOf("work/tree")) == 0 && CVRm(folder_.PathOf("work_host/tree")) == 0;
+        });
     }
 
     std::string List() const {
@@ -134,7 +136,9 @@ const CutCase kCutCases[] = {
 TEST_F(Trees, AreLeftAloneWhenNothingIsKnown) {
     const std::string place = folder_.PathOf(std::string(250, 'x'));
     ASSERT_TRUE(fs::create_directory(place));
-    EXPECT_FALSE(RecoverTree(place, folder_.PathOf("work/tree"), folder_.PathOf("work_host/tree")));
+    bool isDropped = false;
+    EXPECT_FALSE(RecoverTree(place, [&isDropped] { return isDropped = true; }));
+    EXPECT_FALSE(isDropped);
     EXPECT_TRUE(fs::is_directory(place));
     EXPECT_TRUE(fs::is_directory(folder_.PathOf("work/tree")));
 }
