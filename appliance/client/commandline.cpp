@@ -2,6 +2,7 @@
 
 #include "client/command.h"
 #include "client/commands.h"
+#include "client/examples.h"
 #include "client/exitstatus.h"
 #include "client/failure.h"
 #include "client/jsontext.h"
@@ -15,6 +16,7 @@
 #include <cctype>
 #include <cstring>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace client {
@@ -79,11 +81,24 @@ void AddOptions(CLI::App& program, GlobalOptions& options) {
         ->option_text("NAME");
 }
 
+void AddExamples(CLI::App& program) {
+    std::vector<std::pair<CLI::App*, std::string>> parents = {{&program, ""}};
+    while (!parents.empty()) {
+        const auto [parent, path] = parents.back();
+        parents.pop_back();
+        for (CLI::App* const command : parent->get_subcommands({})) {
+            const std::string name = path + command->get_name();
+            command->footer(ExamplesOf(name) + kCommandFooter);
+            parents.emplace_back(command, name + " ");
+        }
+    }
+}
+
 void AddCommands(CLI::App& program, Session& session) {
-    program.footer(kCommandFooter);  // handed down to the commands
     for (const auto add : kCommands) {
         add(Command(program), session);
     }
+    AddExamples(program);
     program.footer(kExamples + ExitStatusHelp());
 }
 

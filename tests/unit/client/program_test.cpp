@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
+
 namespace {
 
 const std::string kDevicePack =
@@ -104,6 +107,37 @@ TEST(ProgramRequestTest, AsksForTheServiceThatWasNamed) {
     EXPECT_EQ("{}\n", appliance.Run("status cms --json").out);
     ASSERT_EQ(2U, appliance.Requests().size());
     EXPECT_EQ(R"(GetInfo Bearer secret {"service":2})", appliance.Requests()[1]);
+}
+
+// The words at the begin of the lines below a title of the help, up to an empty line.
+std::vector<std::string> LinesBelow(const std::string& title, const std::string& help) {
+    std::vector<std::string> lines;
+    std::istringstream text(help.substr(std::min(help.find("\n" + title + "\n"), help.size())));
+    std::string line;
+    std::getline(text, line);
+    std::getline(text, line);
+    while (std::getline(text, line) && !line.empty()) {
+        lines.push_back(line.substr(2));
+    }
+    return lines;
+}
+
+// Nobody serves there: examples get as far as that, or to a file that is not there.
+TEST(ProgramHelpTest, ShowsExamplesOfEachCommandThatAreUnderstood) {
+    const TemporaryFolder folder;
+    const std::string nobody = " --url http://127.0.0.1:1 --timeout 1 --dir " + folder.Path();
+    for (const std::string& entry : LinesBelow("Subcommands:", StartClient("--help").Wait().out)) {
+        const std::string command = entry.substr(0, entry.find_first_of(", "));
+        const auto examples = LinesBelow("Examples:", StartClient(command + " --help").Wait().out);
+        EXPECT_FALSE(examples.empty()) << command;
+        for (const std::string& example : examples) {
+            EXPECT_EQ(0U, example.rfind("camvoractl " + command, 0)) << example;
+            if (command != "feed") {  // as that would make files
+                const Outcome outcome = StartClient(example.substr(example.find(' ') + 1) + nobody).Wait();
+                EXPECT_EQ(std::string::npos, outcome.err.find("See camvoractl --help")) << outcome.err;
+            }
+        }
+    }
 }
 
 TEST(ProgramHelpTest, ListsCommandsAndExitStatuses) {

@@ -1,0 +1,70 @@
+#include "client/examples.h"
+
+namespace client {
+
+namespace {
+
+// Each begins with its command.
+constexpr const char* kExamples[] = {
+    "list",
+    "list --json",
+    "status device_pack",
+    "status 6 --json",
+    "start local_display",
+    "start local_display --no-wait",
+    "stop device_pack",
+    "stop device_pack --json",
+    "restart device_pack",
+    "restart device_pack --server recorder",
+    "install device_pack-2.2.0-0140.spk",
+    "install device_pack-2.2.0-0140.spk --dry-run",
+    "upload local_display-1.6.0-0071.spk local_display",
+    "updates",
+    "updates --exit-code --json",
+    "download device_pack",
+    "cancel device_pack",
+    "update device_pack",
+    "update local_display --yes",
+    "auto-update device_pack on",
+    "auto-update local_display off",
+    "restore device_pack --dry-run",
+    "restore device_pack --yes",
+    "check device_pack-2.2.0-0140.spk",
+    "check device_pack-2.2.0-0140.spk --json",
+    "pkg build my-device-pack -o device_pack-2.2.0-0140.spk",
+    "pkg build my-device-pack --settings beta.conf -o beta.spk",
+    "feed key feed.key",
+    "feed build www/feed --key feed.key",
+    "events",
+    "events --json",
+    "log",
+    "log --follow",
+    "log 336f563be6a9a2bd",
+    "apps",
+    "apps --lang de --json",
+    "methods",
+    "call List",
+    "call GetInfo service=1 --json",
+    "pair code recorder",
+    "pair join http://cms.example:5000 ABCD-EFGH --as cms",
+    "pair list",
+    "pair remove recorder",
+};
+
+bool IsOf(const std::string& command, const std::string& example) {
+    return (example + " ").rfind(command + " ", 0) == 0;
+}
+
+}  // namespace
+
+std::string ExamplesOf(const std::string& command) {
+    std::string lines;
+    for (const std::string example : kExamples) {
+        if (IsOf(command, example)) {
+            lines += "  camvoractl " + example + "\n";
+        }
+    }
+    return lines.empty() ? "" : "Examples:\n" + lines + "\n";
+}
+
+}  // namespace client
