@@ -73,10 +73,13 @@ void Limit(__rlimit_resource resource, const std::optional<rlim_t>& bytes) {
     }
 }
 
-// A program that cannot be started ends as one that was killed.
+// A program that cannot be started ends as one that was killed. Under its limit of memory nothing is
+// allocated.
 [[noreturn]] void BecomeProgram(const Program& program, pid_t keeper, int output) noexcept {
     std::vector<std::string> words = {program.path};
     words.insert(words.end(), program.arguments.begin(), program.arguments.end());
+    const std::vector<char*> arguments = Pointers(words);
+    const std::vector<char*> environment = Pointers(program.environment);
     (void)setpgid(0, 0);
     (void)prctl(PR_SET_PDEATHSIG, SIGKILL);
     ResetSignals();
@@ -85,7 +88,7 @@ void Limit(__rlimit_resource resource, const std::optional<rlim_t>& bytes) {
     Limit(RLIMIT_FSIZE, program.fileSizeLimitBytes);
     Limit(RLIMIT_AS, program.memoryLimitBytes);
     if (getppid() == keeper) {
-        (void)execve(program.path.c_str(), Pointers(words).data(), Pointers(program.environment).data());
+        (void)execve(program.path.c_str(), arguments.data(), environment.data());
     }
     (void)kill(getpid(), SIGKILL);
     _exit(EXIT_FAILURE);
