@@ -73,8 +73,9 @@ bool operator==(const FolderIdentity& one, const FolderIdentity& other) {
     return one.device == other.device && one.number == other.number;
 }
 
-bool SyncFolder(const std::string& path) {
-    const int folder = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+bool SyncParent(const std::string& path) {
+    const std::string parent = path.substr(0, path.rfind('/'));
+    const int folder = open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder < 0) {
         return false;
     }

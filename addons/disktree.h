@@ -16,8 +16,8 @@ bool IsPresent(const std::string& path);
 bool IsFolder(const std::string& path);
 bool IsFile(const std::string& path);
 
-// Writes out the folder's list of names. Returns false on failure.
-bool SyncFolder(const std::string& path);
+// Writes out the names in the folder that `path` lies in. Returns false on failure.
+bool SyncParent(const std::string& path);
 
 // Writes out all that the system still holds, and waits for that: a tree has too many files to order, and
 // wait for, the disk's own cache once for each.

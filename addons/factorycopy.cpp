@@ -36,9 +36,7 @@ bool MakeCopy(const AddOnPackage& package) {
 }
 
 bool MoveCopy(const AddOnPackage& package) {
-    const std::string place = package.place;
-    return rename(CopyOf(package).c_str(), place.c_str()) == 0 &&
-           SyncFolder(place.substr(0, place.rfind('/')));
+    return rename(CopyOf(package).c_str(), package.place) == 0;
 }
 
 bool ReplaceWithCopy(const AddOnPackage& package) {
@@ -75,7 +73,7 @@ bool FillEmptyPlace(ADDON_SERVICE service) {
         (void)CVRm(CopyOf(*package));
         return true;
     }
-    return Tell(*package, MakeCopy(*package) && MoveCopy(*package));
+    return Tell(*package, MakeCopy(*package) && MoveCopy(*package) && SyncParent(package->place));
 }
 
 bool RestoreFactoryCopy(ADDON_SERVICE service) {

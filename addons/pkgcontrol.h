@@ -27,13 +27,9 @@ inline constexpr int kPackageLockWaitMs = 3000;
 // package lock held.
 void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service);
 
-// Removes the unpacked tree from the work directory. Returns false when a part of it may be left. To be
-// called when the appliance starts, with the package lock held.
+// Removes the unpacked tree from the work directory; one that cannot be removed is marked as cut. Returns
+// false when it may still count. To be called with the package lock held.
 bool ForgetUnpacked(ADDON_SERVICE service, bool fromHost);
-
-// Removes the unpacked tree from the work directory, or marks it as none to be installed where that fails.
-// Returns false when neither could be done. To be called with the package lock held.
-bool DropUnpacked(ADDON_SERVICE service, bool fromHost);
 
 // False while the work directory `dir`, with its final "/", is filled or cleared, and after that was killed.
 bool IsWholeUnpacking(const std::string& dir);

@@ -99,19 +99,12 @@ void ExtractPkg(std::string& filePath, bool fromHost, ADDON_SERVICE service) {
 bool ForgetUnpacked(ADDON_SERVICE service, bool fromHost) {
     const AddOnPackage* package = FindAddOnPackage(service);
     const std::string workDir = GetWorkDir(service, fromHost);
-    (void)MarkPartial(workDir, package);
+    const bool isMarked = MarkPartial(workDir, package);
     if (package != nullptr && CVRm(workDir + "/" + package->tree) != 0) {
-        return false;
+        return isMarked;
     }
     (void)rmdir(PartialMark(workDir).c_str());
     return true;
-}
-
-bool DropUnpacked(ADDON_SERVICE service, bool fromHost) {
-    const AddOnPackage* package = FindAddOnPackage(service);
-    const std::string workDir = GetWorkDir(service, fromHost);
-    const bool isRemoved = package == nullptr || CVRm(workDir + "/" + package->tree) == 0;
-    return isRemoved || MarkPartial(workDir, package);
 }
 
 bool IsWholeUnpacking(const std::string& dir) {

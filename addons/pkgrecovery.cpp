@@ -10,8 +10,9 @@ bool RecoverAddOn(ADDON_SERVICE service) {
     if (package == nullptr) {
         return true;
     }
-    const bool isRecovered = RecoverTree(
-        package->place, [service] { return DropUnpacked(service, false) && DropUnpacked(service, true); });
+    const bool isRecovered = RecoverTree(package->place, [service] {
+        return ForgetUnpacked(service, false) && ForgetUnpacked(service, true);
+    });
     if (!isRecovered) {
         CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, __func__, "Failed to recover [%s].\n",
                  package->place);

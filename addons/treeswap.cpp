@@ -22,10 +22,6 @@ std::string Dropped(const std::string& place) {
     return place + ".dropped";
 }
 
-std::string ParentOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
-}
-
 bool Rename(const std::string& from, const std::string& to) {
     return rename(from.c_str(), to.c_str()) == 0;
 }
@@ -41,7 +37,7 @@ bool PutAsideBack(const std::string& place) {
                  place.c_str());
         return false;
     }
-    (void)SyncFolder(ParentOf(place));
+    (void)SyncParent(place);
     CVPrintf(0, nullptr, nullptr, "addonsservice", __LINE__, "PutBack", "Put back [%s].\n", place.c_str());
     (void)CVRm(dropped);
     return true;
@@ -65,7 +61,7 @@ bool TreeSwap::Prepare() {
 bool TreeSwap::SetAside() const {
     const std::string aside = Aside(place_);
     const bool isAside = IsAbsent(place_) ? mkdir(aside.c_str(), kFolderMode) == 0 : Rename(place_, aside);
-    return isAside && SyncFolder(ParentOf(place_));
+    return isAside && SyncParent(place_);
 }
 
 bool TreeSwap::IsPlaceFree() const {
@@ -79,14 +75,14 @@ bool TreeSwap::Seal() const {
         return false;
     }
     if (*arrived == *freshIdentity_) {
-        (void)SyncFolder(ParentOf(place_));
+        (void)SyncParent(place_);
     } else {
         SyncAll();
     }
     if (!Rename(Aside(place_), Dropped(place_))) {
         return false;
     }
-    (void)SyncFolder(ParentOf(place_));  // before anything of what is dropped is removed
+    (void)SyncParent(place_);  // before anything of what is dropped is removed
     return true;
 }
 
@@ -103,9 +99,9 @@ void TreeSwap::Drop() const {
     (void)CVRm(Dropped(place_));
 }
 
-bool RecoverTree(const std::string& place, const std::function<bool()>& dropFresh) {
+bool RecoverTree(const std::string& place, const std::function<bool()>& forgetFresh) {
     if (IsAbsent(Aside(place))) {
         return IsAbsent(Dropped(place)) || CVRm(Dropped(place)) == 0;
     }
-    return IsPresent(Aside(place)) && dropFresh() && PutAsideBack(place);
+    return IsPresent(Aside(place)) && forgetFresh() && PutAsideBack(place);
 }

@@ -29,17 +29,6 @@ constexpr void (*kCommands[])(Command, Session&) = {
     AddLog,    AddApps,       AddMethods, AddCall,    AddPair,
 };
 
-constexpr char kExamples[] =
-    "Examples:\n"
-    "  camvoractl list\n"
-    "  camvoractl status device_pack\n"
-    "  camvoractl start local_display\n"
-    "  camvoractl check device_pack-2.2.0-0140.spk\n"
-    "  camvoractl install device_pack-2.2.0-0140.spk\n"
-    "  camvoractl update device_pack\n"
-    "  camvoractl apps --lang de --json\n"
-    "  camvoractl call GetInfo service=1\n\n";
-
 constexpr char kCommandFooter[] = "Options for all commands, and exit statuses: camvoractl --help\n";
 
 constexpr int kLongestTimeoutSeconds = 24 * 60 * 60;
@@ -99,7 +88,7 @@ void AddCommands(CLI::App& program, Session& session) {
         add(Command(program), session);
     }
     AddExamples(program);
-    program.footer(kExamples + ExitStatusHelp());
+    program.footer(ProgramExamples() + ExitStatusHelp());
 }
 
 int Report(const Failure& failure, bool json) {

@@ -4,6 +4,17 @@ namespace client {
 
 namespace {
 
+constexpr const char* kProgramExamples[] = {
+    "list",
+    "status device_pack",
+    "start local_display",
+    "check device_pack-2.2.0-0140.spk",
+    "install device_pack-2.2.0-0140.spk",
+    "update device_pack",
+    "apps --lang de --json",
+    "call GetInfo service=1",
+};
+
 // Each begins with its command.
 constexpr const char* kExamples[] = {
     "list",
@@ -55,16 +66,32 @@ bool IsOf(const std::string& command, const std::string& example) {
     return (example + " ").rfind(command + " ", 0) == 0;
 }
 
+std::string Line(const std::string& example) {
+    return "  camvoractl " + example + "\n";
+}
+
+std::string Titled(const std::string& lines) {
+    return lines.empty() ? "" : "Examples:\n" + lines + "\n";
+}
+
 }  // namespace
+
+std::string ProgramExamples() {
+    std::string lines;
+    for (const char* const example : kProgramExamples) {
+        lines += Line(example);
+    }
+    return Titled(lines);
+}
 
 std::string ExamplesOf(const std::string& command) {
     std::string lines;
-    for (const std::string example : kExamples) {
+    for (const char* const example : kExamples) {
         if (IsOf(command, example)) {
-            lines += "  camvoractl " + example + "\n";
+            lines += Line(example);
         }
     }
-    return lines.empty() ? "" : "Examples:\n" + lines + "\n";
+    return Titled(lines);
 }
 
 }  // namespace client

@@ -33,8 +33,8 @@ std::string StatusOf(pid_t pid, const std::string& key) {
     return "";
 }
 
-// Each process with its parent. The kernel's own list of a process's children may lack one
-// while another ends.
+// Each process with its parent. The kernel's own list of a process's children may lack one while another
+// ends.
 std::map<pid_t, pid_t> Parents() {
     std::map<pid_t, pid_t> parents;
     for (const auto& entry : fs::directory_iterator("/proc")) {

@@ -276,8 +276,8 @@ TEST(PkgControl, KnowsNoMinimumVersionOfAServiceWithoutPackages) {
 TEST(UnpackedTree, IsMarkedWhereItCannotBeRemoved) {
     const fake::Session session;
     fake::Answer("CVRm", -1);
-    EXPECT_TRUE(DropUnpacked(ADDON_SERVICE_DEVICE_PACK, false));
-    EXPECT_EQ(fake::Lines({"CVRm " + kDir + "/device_pack", "mkdir " + kDir + ".partial"}), Calls());
+    EXPECT_TRUE(ForgetUnpacked(ADDON_SERVICE_DEVICE_PACK, false));
+    EXPECT_EQ(fake::Lines({"mkdir " + kDir + ".partial", "CVRm " + kDir + "/device_pack"}), Calls());
 }
 
 TEST(ErrorInfo, LeavesOtherMembers) {

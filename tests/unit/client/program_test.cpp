@@ -126,12 +126,14 @@ std::vector<std::string> LinesBelow(const std::string& title, const std::string&
 TEST(ProgramHelpTest, ShowsExamplesOfEachCommandThatAreUnderstood) {
     const TemporaryFolder folder;
     const std::string nobody = " --url http://127.0.0.1:1 --timeout 1 --dir " + folder.Path();
-    for (const std::string& entry : LinesBelow("Subcommands:", StartClient("--help").Wait().out)) {
+    const auto commands = LinesBelow("Subcommands:", StartClient("--help").Wait().out);
+    ASSERT_FALSE(commands.empty());
+    for (const std::string& entry : commands) {
         const std::string command = entry.substr(0, entry.find_first_of(", "));
         const auto examples = LinesBelow("Examples:", StartClient(command + " --help").Wait().out);
         EXPECT_FALSE(examples.empty()) << command;
         for (const std::string& example : examples) {
-            EXPECT_EQ(0U, example.rfind("camvoractl " + command, 0)) << example;
+            EXPECT_EQ(0U, (example + " ").rfind("camvoractl " + command + " ", 0)) << example;
             if (command != "feed") {  // as that would make files
                 const Outcome outcome = StartClient(example.substr(example.find(' ') + 1) + nobody).Wait();
                 EXPECT_EQ(std::string::npos, outcome.err.find("See camvoractl --help")) << outcome.err;
