@@ -28,9 +28,9 @@ bool Recover(ADDON_SERVICE service, bool isRunning) {
     if (isRunning) {
         return isRecovered;
     }
-    const bool isFilled = FillEmptyPlace(service);
     const bool isForgotten = ForgetUnpacked(service, false);
     const bool isForgottenFromHost = ForgetUnpacked(service, true);
+    const bool isFilled = FillEmptyPlace(service);  // with the room that the unpacked trees took
     return isRecovered && isFilled && isForgotten && isForgottenFromHost;
 }
 

@@ -51,7 +51,7 @@ private:
 
 // What a replacement left that did not come to its end: what was set aside is in its place again afterwards.
 // Returns false when it is not, or when something is left that stands in the way of the next replacement.
-//   forgetFresh   called before: sees to it that no new tree counts, as a cut move may have thinned it;
-//   returns
-//               false when one may still count, and nothing is put back then
+//   forgetFresh   called before, as a cut move may have thinned a new tree: sees to it that none counts;
+//   nothing
+//                 is put back when it returns false
 bool RecoverTree(const std::string& place, const std::function<bool()>& forgetFresh);

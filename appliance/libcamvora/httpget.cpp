@@ -12,7 +12,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr milliseconds kConnectLimit{3000};  // for each address that the server's name has
+constexpr milliseconds kConnectLimit{3000};  // for each address of the server, and each wait of a handshake
 constexpr milliseconds kAfterWatch{200};
 constexpr int kRedirectionLimit = 3;
 
