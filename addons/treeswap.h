@@ -52,6 +52,5 @@ private:
 // What a replacement left that did not come to its end: what was set aside is in its place again afterwards.
 // Returns false when it is not, or when something is left that stands in the way of the next replacement.
 //   forgetFresh   called before, as a cut move may have thinned a new tree: sees to it that none counts;
-//   nothing
-//                 is put back when it returns false
+//                 nothing is put back when it returns false
 bool RecoverTree(const std::string& place, const std::function<bool()>& forgetFresh);
