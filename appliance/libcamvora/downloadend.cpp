@@ -44,7 +44,7 @@ void CancelDownload(Store& store, const UpdateSettings& settings) {
         std::this_thread::sleep_for(kLookAgain);
     }
     const auto last = LastDownload(store, settings.service);
-    if (!last || !IsReady(*last, settings.installedVersion)) {
+    if (!last || !IsReady(*last, "")) {  // a cancel takes nothing away that was there before it
         RemoveAll(store, settings, "");
     } else if (!RemoveDownloadFiles(settings, last->info.filePath)) {
         throw UpdateFailure("the files of an older download cannot be removed");

@@ -374,8 +374,10 @@ TEST_F(DownloadTest, OfTheSameVersionIsNotRepeatedAndOfAnOlderOneReplaced) {
     for (const char* installed : {"2.3.0-0150", "2.3.0-0151"}) {  // by an upload
         settings_.installedVersion = installed;
         EXPECT_EQ(camvora::kNoDownload, State().status);
+        camvora::CancelDownload(store_, settings_);
     }
     settings_.installedVersion.clear();
+    ExpectReady();
 
     std::filesystem::remove(State().info.filePath);
     EXPECT_EQ(camvora::kNoDownload, State().status);
