@@ -44,7 +44,7 @@ void Check(const Session& session, const std::string& path) {
 }  // namespace
 
 void AddCheck(Command program, Session& session) {
-    Command command = program.Add("check", "Tell whether the appliance would take a package file");
+    Command command = program.Add("check", "Tell whether the appliance would take it");
     const auto path = std::make_shared<std::string>();
     command.Argument("FILE", *path, "Package file");
     command.Run([&session, path] { Check(session, *path); });

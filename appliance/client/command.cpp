@@ -5,9 +5,45 @@
 #include <utility>
 
 namespace client {
+namespace {
+
+OptionDescription Describe(const CLI::Option& option) {
+    OptionDescription description{{}, option.get_option_text(), option.get_description()};
+    for (const std::string& name : option.get_snames()) {
+        description.names.push_back("-" + name);
+    }
+    for (const std::string& name : option.get_lnames()) {
+        description.names.push_back("--" + name);
+    }
+    return description;
+}
+
+ArgumentDescription DescribeArgument(const CLI::Option& option) {
+    return {option.get_name(), option.get_description(), option.get_required(),
+            option.get_items_expected_max() > 1};
+}
+
+// NOLINTNEXTLINE(misc-no-recursion): commands are two levels deep
+CommandDescription Describe(const CLI::App& app) {
+    CommandDescription description{
+        app.get_name(), app.get_aliases(), app.get_description(), app.get_group(), {}, {}, {}};
+    for (const CLI::Option* option : app.get_options()) {
+        if (option->get_positional()) {
+            description.arguments.push_back(DescribeArgument(*option));
+        } else {
+            description.options.push_back(Describe(*option));
+        }
+    }
+    for (const CLI::App* command : app.get_subcommands({})) {
+        description.commands.push_back(Describe(*command));
+    }
+    return description;
+}
+
+}  // namespace
 
 Command Command::Add(const char* name, const char* help) {
-    return Command(*app_->add_subcommand(name, help));
+    return Command(*app_->add_subcommand(name, help)->group("Commands"));
 }
 
 void Command::NeedsCommand() {
@@ -44,6 +80,10 @@ void Command::Flag(const char* name, bool& value, const char* help) {
 
 void Command::Exclude(const char* name, const char* other) {
     app_->get_option(name)->excludes(app_->get_option(other));
+}
+
+CommandDescription Command::Description() const {
+    return Describe(*app_);
 }
 
 void Command::Run(std::function<void()> run) {

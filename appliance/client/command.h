@@ -3,6 +3,8 @@
 // The commands use the parsing library through this class alone: it costs the compiler seconds per source.
 #pragma once
 
+#include "client/commandtree.h"
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -34,6 +36,9 @@ public:
     void Flag(const char* name, bool& value, const char* help);  // "!--no-x" sets to false
 
     void Exclude(const char* name, const char* other);  // the two are not given together
+
+    // What has been given to it so far.
+    CommandDescription Description() const;
 
     void Run(std::function<void()> run);  // once the whole line has been parsed; may throw Failure
 

@@ -73,7 +73,7 @@ std::string WhatWasSeen(const Service& service, const Json::Value& info) {
 void Run(Session& session, const Control& control, const ControlArguments& arguments) {
     const Appliance& host = session.Host();
     const Service service = ResolveListedService(host, arguments.service);
-    auto progress = std::make_unique<Progress>(!session.IsForPrograms());
+    auto progress = std::make_unique<Progress>(session.ShowsProgress());
     progress->Step("Asking the appliance to " + std::string(control.command) + " " + service.name);
     const std::string requestId = host.Ask(control.method, Params(control, service)).requestId;
     if (!arguments.isWaiting) {

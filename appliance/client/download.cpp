@@ -60,9 +60,9 @@ void AddOne(Command program, Session& session, const char* name, const char* hel
 }  // namespace
 
 void AddDownload(Command program, Session& session) {
-    AddOne(program, session, "download", "Have the appliance download the newer release; Ctrl-C cancels it",
+    AddOne(program, session, "download", "Download it without installing; Ctrl-C cancels",
            Download);
-    AddOne(program, session, "cancel", "End the download of a release", Cancel);
+    AddOne(program, session, "cancel", "End the download", Cancel);
 }
 
 }  // namespace client

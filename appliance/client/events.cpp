@@ -80,7 +80,7 @@ void Follower::Take(const Event& event) {
     }
     if (event.name == "snapshot") {
         TakeSnapshot(data);
-    } else {
+    } else if (event.name == "notification") {
         session_.Print(data, Line(data));
     }
 }
@@ -113,7 +113,7 @@ Table Follower::Line(const Json::Value& notification) const {
 }  // namespace
 
 void AddEvents(Command program, Session& session) {
-    program.Add("events", "Show what happens to the services, as it happens, until Ctrl-C").Run([&session] {
+    program.Add("events", "Follow what happens to the services").Run([&session] {
         Follower(session).Follow();
     });
 }

@@ -140,7 +140,7 @@ void AddNamed(Command pair, Session& session, const char* name, const char* help
 }  // namespace
 
 void AddPair(Command program, Session& session) {
-    Command pair = program.Add("pair", "Pair a recording server with a CMS host");
+    Command pair = program.Add("pair", "Pair recording servers with a CMS host");
     pair.NeedsCommand();
     AddNamed(pair, session, "code", "On the host: make a one-time code for a recording server", MakeCode);
     AddJoin(pair, session);

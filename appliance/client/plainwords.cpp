@@ -39,6 +39,19 @@ std::string SizeWords(std::uint64_t sizeBytes) {
     return words.str();
 }
 
+std::string DurationWords(std::chrono::milliseconds span) {
+    constexpr int kTenths = 10;
+    constexpr int kMinute = 60;
+    const auto tenths = span.count() / 100;
+    const auto seconds = tenths / kTenths;
+    if (seconds < kTenths) {
+        return std::to_string(seconds) + "." + std::to_string(tenths % kTenths) + " s";
+    }
+    return seconds < kMinute
+               ? std::to_string(seconds) + " s"
+               : std::to_string(seconds / kMinute) + " min " + std::to_string(seconds % kMinute) + " s";
+}
+
 std::string FirstLine(const std::string& text) {
     return text.substr(0, text.find_first_of("\r\n"));
 }

@@ -83,7 +83,7 @@ void Restore(Session& session, const RestoreArguments& arguments) {
 
 void AddRestore(Command program, Session& session) {
     Command command =
-        program.Add("restore", "Put the factory copy of an add-on in place of the installed one");
+        program.Add("restore", "Put an add-on's factory copy in its place");
     const auto arguments = std::make_shared<RestoreArguments>();
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");
     arguments->consent.AddTo(command);

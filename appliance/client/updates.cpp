@@ -27,7 +27,7 @@ struct Update {
 std::vector<Update> LookForUpdates(Session& session) {
     const Appliance& host = session.Host();
     const Json::Value listData = host.Call("List", Json::objectValue);
-    Progress progress(!session.IsForPrograms());
+    Progress progress(session.ShowsProgress());
     std::vector<Update> updates;
     for (const Service& service : ServicesWithPackagesIn(listData)) {
         progress.Step("Checking for a release of " + service.name);

@@ -6,12 +6,14 @@
 #include "host/downloads.h"
 #include "host/frameworkerrors.h"
 #include "host/httpreply.h"
+#include "host/jsontext.h"
 #include "host/operations.h"
 #include "host/programs.h"
 #include "host/relay.h"
 #include "host/releases.h"
 #include "host/uploads.h"
 
+#include "interface/openapi.h"
 #include "libcamvora/diagnosticlog.h"
 #include "platform/log.h"
 
@@ -53,6 +55,7 @@ struct Routes::Page {
 const Routes::Page Routes::kPages[] = {
     // clang-format off
     {"GET", "/api", false, &Routes::AnswerApis},
+    {"GET", "/api/openapi.json", false, &Routes::AnswerOpenApi},
     {"GET", "/health", false, &Routes::AnswerHealth},
     {"GET", "/log", true, &Routes::AnswerLog},
     {"GET", "/operations", true, &Routes::AnswerOperations},
@@ -217,6 +220,11 @@ void Routes::AnswerApis(const httplib::Request& /*request*/, httplib::Response& 
     Json::Value data(Json::objectValue);
     data["apis"] = apis;
     Write(response, SuccessReply(data));
+}
+
+// A document of its own form, without the envelope.
+void Routes::AnswerOpenApi(const httplib::Request& /*request*/, httplib::Response& response) {
+    Write(response, {200, ToRawJsonText(interface::OpenApiDocument())});
 }
 
 void Routes::AnswerHealth(const httplib::Request& /*request*/, httplib::Response& response) {

@@ -48,6 +48,7 @@ private:
 
     void AnswerApis(const httplib::Request& request, httplib::Response& response);
     void AnswerHealth(const httplib::Request& request, httplib::Response& response);
+    void AnswerOpenApi(const httplib::Request& request, httplib::Response& response);
     void AnswerLog(const httplib::Request& request, httplib::Response& response);
     void AnswerOperations(const httplib::Request& request, httplib::Response& response);
     void AnswerPrograms(const httplib::Request& request, httplib::Response& response);

@@ -39,7 +39,7 @@ const FailureCase kFailureCases[] = {
      "There is no service \"cns\". Did you mean \"cms\"?\n"},
     {"unknown_number", "start 7", "List", Success(R"({"list":[]})"), 3,
      "There is no service 7. \"camvoractl list\" shows all\n"},
-    {"unreachable", "list --url http://127.0.0.1:1", "", FakeReply(), 6,
+    {"unreachable", "list --host http://127.0.0.1:1", "", FakeReply(), 6,
      "No appliance answers at http://127.0.0.1:1\n"},
     {"huge_service", "status 99999999999", "", FakeReply(), 2,
      "99999999999 is beyond the numbers a service can have\n"},
