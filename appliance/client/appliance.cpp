@@ -76,7 +76,7 @@ Json::Value Appliance::OperationsOf(const std::string& requestId) const {
 
 Json::Value Appliance::Operations(const std::multimap<std::string, std::string>& query) const {
     constexpr char kWhat[] = "The operation log";
-    return ListIn(Checked(http_.Get("/operations", query), kWhat).data, "operations", kWhat);
+    return ListIn(Checked(http_.Get("/operationlog", query), kWhat).data, "entries", kWhat);
 }
 
 Json::Value Appliance::Programs(const std::string& requestId) const {

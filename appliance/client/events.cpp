@@ -80,7 +80,7 @@ void Follower::Take(const Event& event) {
     }
     if (event.name == "snapshot") {
         TakeSnapshot(data);
-    } else {
+    } else if (event.name == "notification") {
         session_.Print(data, Line(data));
     }
 }

@@ -16,8 +16,8 @@ const FakeReply kDone = Success(R"({"blDone":true})");
 const FakeReply kNotDone = Success(R"({"blDone":false})");
 
 // What the operation log says of the request.
-const FakeReply kNothing = Success(R"({"operations":[]})");
-const FakeReply kSuccess = Success(R"({"operations":[{"id":9}]})");
+const FakeReply kNothing = Success(R"({"entries":[]})");
+const FakeReply kSuccess = Success(R"({"entries":[{"id":9}]})");
 
 const std::string kAsked = "Asking the appliance to start Display\n";
 const std::string kWaiting = "Waiting for Display\n";
@@ -33,7 +33,7 @@ FakeReplies Replies(const FakeReply& info, const FakeReply& checkDone, const Fak
         {"Restart", Success("null")},
         {"GetInfo", info},
         {"CheckEnableDone", checkDone},
-        {"GET /operations?request=r1", operations},
+        {"GET /operationlog?request=r1", operations},
         {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
     };
 }
