@@ -13,7 +13,10 @@ namespace {
 
 class OperationsTest : public ApplianceTest {
 protected:
-    static void SetUpTestSuite() { Start(); }
+    static void SetUpTestSuite() {
+        Start();
+        ASSERT_EQ(200, appliance_->Owner().Get("/health").status);  // the database is there now
+    }
 
     // The newest one in short.
     std::string Newest() {

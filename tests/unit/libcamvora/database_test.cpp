@@ -44,7 +44,8 @@ TEST_F(DatabaseFile, OfANewerVersionIsRefusedAndLeftAlone) {
 
 TEST_F(DatabaseFile, OfAnOlderVersionIsBroughtUpToDate) {
     Open().exec(
-        "DROP TABLE operations; DROP TABLE schedule; ALTER TABLE operation_log DROP COLUMN who; DROP TABLE downloads; DROP TABLE "
+        "DROP TABLE operations; DROP TABLE schedule; ALTER TABLE operation_log DROP COLUMN who; DROP TABLE "
+        "downloads; DROP TABLE "
         "feeds;"
         "DROP TABLE programs; ALTER TABLE pairs DROP COLUMN address; PRAGMA user_version = 1;"
         "INSERT INTO settings VALUES('kept', 'yes')");
