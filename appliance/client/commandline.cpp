@@ -56,7 +56,8 @@ void AddSetting(CLI::App& program, GlobalSettings& settings, const SettingKind& 
             .add_option_function<std::string>(
                 name, [&](const std::string& value) { settings.Set(kind, value); }, kind.help)
             ->check(ValidatorOf(kind))
-            ->option_text(kind.valueText);
+            ->option_text(kind.valueText)
+            ->take_last();
     }
 }
 

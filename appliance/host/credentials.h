@@ -1,4 +1,4 @@
-// Who calls, as far as it is told by a token.
+// Who calls, as far as the host itself can tell.
 #pragma once
 
 #include "host/accesstoken.h"
@@ -12,6 +12,7 @@ namespace host {
 enum class Caller : std::int32_t {
     kStranger,  // without a token; the module may know it
     kClient,    // with the owner's token
+    kConsole,   // who has signed in to the web console
     kSchedule   // with the token of this run, which the appliance's own programs find in a file
 };
 
@@ -25,6 +26,7 @@ public:
     // Who shows `authorization`, the value of that HTTP header.
     Caller Identify(const std::string& authorization) const;
 
+    const std::string& ClientToken() const { return client_.Text(); }
     const std::string& ScheduleToken() const { return schedule_.Text(); }
 
 private:

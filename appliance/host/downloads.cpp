@@ -19,12 +19,17 @@ Json::Value ToJson(const camvora::DownloadState& download) {
 
 }  // namespace
 
+Json::Value Downloads() {
+    Json::Value all(Json::arrayValue);
+    for (const camvora::DownloadState& download : camvora::DownloadStates()) {
+        all.append(ToJson(download));
+    }
+    return all;
+}
+
 Reply ReplyWithDownloads() {
     Json::Value data(Json::objectValue);
-    data["downloads"] = Json::Value(Json::arrayValue);
-    for (const camvora::DownloadState& download : camvora::DownloadStates()) {
-        data["downloads"].append(ToJson(download));
-    }
+    data["downloads"] = Downloads();
     return SuccessReply(data);
 }
 

@@ -5,8 +5,11 @@
 
 namespace host {
 
-// Answers with one entry for each service that has a download, be it under way, ready or failed. Any thread
-// may call. Throws std::exception when the store cannot be read.
+// One entry for each service that has a download, be it under way, ready or failed. Any thread may call.
+// Throws std::exception when the store cannot be read.
+Json::Value Downloads();
+
+// Answers with these. Throws as above.
 Reply ReplyWithDownloads();
 
 }  // namespace host

@@ -1,8 +1,9 @@
 #include "host/events.h"
 
+#include "host/appliancestate.h"
+
 #include "libcamvora/notifications.h"
 #include "platform/log.h"
-#include "platform/services.h"
 
 #include <json/writer.h>
 
@@ -17,22 +18,17 @@ namespace {
 
 constexpr std::chrono::milliseconds kPollInterval{100};
 constexpr std::size_t kBatch = 100;
+constexpr int kPollsPerState = 3;
 constexpr char kHeartbeat[] = ": still here\n\n";
 
-std::string EventText(const char* event, long long id, const Json::Value& data) {
+std::string EventText(const char* event, const Json::Value& data) {
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";
-    return "id: " + std::to_string(id) + "\nevent: " + event + "\ndata: " + Json::writeString(builder, data) +
-           "\n\n";
+    return std::string("event: ") + event + "\ndata: " + Json::writeString(builder, data) + "\n\n";
 }
 
-Json::Value Snapshot(long long newestId) {
-    Json::Value snapshot(Json::objectValue);
-    snapshot["lastNotification"] = Json::Int64{newestId};
-    for (int service = ADDON_SERVICE_DEVICE_PACK; service <= ADDON_SERVICE_LOCAL_DISPLAY; ++service) {
-        snapshot["services"].append(GetServiceInfo(static_cast<ADDON_SERVICE>(service)));
-    }
-    return snapshot;
+std::string EventText(const char* event, long long id, const Json::Value& data) {
+    return "id: " + std::to_string(id) + "\n" + EventText(event, data);
 }
 
 std::string NotificationText(const camvora::Notification& notification) {
@@ -57,7 +53,8 @@ EventStream::~EventStream() {
 
 std::string EventStream::Next() {
     try {
-        return std::exchange(hasBegun_, true) ? hub_.Continue(*lastSeen_) : hub_.Begin(lastSeen_);
+        return std::exchange(hasBegun_, true) ? hub_.Continue(*lastSeen_, stateSeen_)
+                                              : hub_.Begin(lastSeen_, stateSeen_);
     } catch (const std::exception& error) {
         CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Event stream ends: %s\n", error.what());
         return "";
@@ -97,22 +94,30 @@ void EventHub::Leave() {
 // The snapshot carries the id after which notifications follow, so that a client that loses the connection
 // next resumes in the right place. The newest id is read first: what comes meanwhile is then seen twice, not
 // lost.
-std::string EventHub::Begin(std::optional<long long>& lastSeen) {
+std::string EventHub::Begin(std::optional<long long>& lastSeen, long long& stateSeen) {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        stateSeen = stateNumber_;
+    }
     const long long newestId = camvora::LastNotificationId();
     lastSeen = std::min(lastSeen.value_or(newestId), newestId);
-    return EventText("snapshot", *lastSeen, Snapshot(newestId));
+    Json::Value snapshot = ApplianceState();
+    snapshot["lastNotification"] = Json::Int64{newestId};
+    return EventText("snapshot", *lastSeen, snapshot);
 }
 
-std::string EventHub::Continue(long long& lastSeen) {
+std::string EventHub::Continue(long long& lastSeen, long long& stateSeen) {
     std::unique_lock<std::mutex> lock(mutex_);
-    changed_.wait_for(lock, heartbeat_, [&] { return isStopped_ || newestId_ > lastSeen; });
+    changed_.wait_for(lock, heartbeat_,
+                      [&] { return isStopped_ || newestId_ > lastSeen || stateNumber_ > stateSeen; });
     if (isStopped_) {
         return "";
     }
     const long long newestId = newestId_;
+    std::string text = stateNumber_ > stateSeen ? state_ : "";
+    stateSeen = stateNumber_;
     lock.unlock();
 
-    std::string text;
     const std::vector<camvora::Notification> missed =
         camvora::NotificationsAfter(lastSeen, static_cast<int>(kBatch));
     for (const camvora::Notification& notification : missed) {
@@ -127,25 +132,39 @@ std::string EventHub::Continue(long long& lastSeen) {
 
 void EventHub::Poll() {
     std::unique_lock<std::mutex> lock(mutex_);
-    while (!isStopped_) {
+    for (int polls = 0; !isStopped_; ++polls) {
         changed_.wait(lock, [this] { return isStopped_ || streams_ > 0; });
         lock.unlock();
         const long long newestId = ReadNewestId();
+        const std::string state = polls % kPollsPerState == 0 ? ReadState() : "";
         lock.lock();
         if (newestId > newestId_) {
             newestId_ = newestId;
+            changed_.notify_all();
+        }
+        if (!state.empty() && state != state_) {
+            state_ = state;
+            ++stateNumber_;
             changed_.notify_all();
         }
         changed_.wait_for(lock, kPollInterval, [this] { return isStopped_; });
     }
 }
 
-// 0 when the store cannot be read: the streams notice that themselves.
+// Both tell nothing when the store cannot be read: the streams notice that themselves.
 long long EventHub::ReadNewestId() {
     try {
         return camvora::LastNotificationId();
     } catch (const std::exception&) {
         return 0;
+    }
+}
+
+std::string EventHub::ReadState() {
+    try {
+        return EventText("state", ApplianceState());
+    } catch (const std::exception&) {
+        return "";
     }
 }
 

@@ -1,4 +1,4 @@
-// Client notifications as streams of server-sent events.
+// Client notifications, and how the appliance stands, as streams of server-sent events.
 #pragma once
 
 #include <atomic>
@@ -22,7 +22,8 @@ public:
     EventStream& operator=(const EventStream&) = delete;
 
     // Waits for what comes next, in the form of server-sent events: first a snapshot, then notifications,
-    // oldest first, and a comment when there is nothing for a while. Empty when the stream is at its end.
+    // oldest first, the state whenever it has changed, and a comment when there is nothing for a while. Empty
+    // when the stream is at its end.
     std::string Next();
 
 private:
@@ -31,10 +32,11 @@ private:
 
     EventHub& hub_;
     std::optional<long long> lastSeen_;
+    long long stateSeen_ = 0;
     bool hasBegun_ = false;
 };
 
-// All streams, and the one thread that looks for new notifications while there are any.
+// All streams, and the one thread that looks for what is new while there are any.
 class EventHub {
 public:
     //   streamLimit  streams at a time
@@ -57,11 +59,12 @@ public:
 private:
     friend class EventStream;
 
-    std::string Begin(std::optional<long long>& lastSeen);
-    std::string Continue(long long& lastSeen);
+    std::string Begin(std::optional<long long>& lastSeen, long long& stateSeen);
+    std::string Continue(long long& lastSeen, long long& stateSeen);
     void Leave();
     void Poll();
-    long long ReadNewestId();
+    static long long ReadNewestId();
+    static std::string ReadState();
 
     const int streamLimit_;
     const std::chrono::seconds heartbeat_;
@@ -69,6 +72,8 @@ private:
     std::condition_variable changed_;
     std::atomic<int> streams_ = 0;
     long long newestId_ = 0;
+    std::string state_;          // as an event
+    long long stateNumber_ = 0;  // grows with each that is another than the one before
     bool isStopped_ = false;
     std::thread poller_;
 };

@@ -38,10 +38,11 @@ constexpr ErrorEntry kErrors[] = {
     {500, "The upload could not be stored"},
     {403, "The pairing code is wrong or no longer valid"},
     {502, "The paired server does not answer"},
+    {403, "The sign-in code is wrong or no longer valid"},
 };
 
 static_assert(sizeof(kErrors) / sizeof(kErrors[0]) ==
-              static_cast<std::size_t>(FrameworkError::kServerAway) + 1);
+              static_cast<std::size_t>(FrameworkError::kWrongSignInCode) + 1);
 
 }  // namespace
 

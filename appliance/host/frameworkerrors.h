@@ -32,6 +32,7 @@ enum class FrameworkError {
     kUploadNotStored,
     kWrongPairingCode,
     kServerAway,
+    kWrongSignInCode,
 };
 
 // The answer for `error`; its data is {"text": ...}, a sentence for people, with `detail` where given.

@@ -7,6 +7,7 @@
 #include "host/uploadarea.h"
 
 #include "libcamvora/notifications.h"
+#include "libcamvora/operations.h"
 #include "libcamvora/uploadfolder.h"
 #include "platform/log.h"
 
@@ -46,6 +47,7 @@ int RunHttpProcess(UniqueFd listener, UniqueFd intake, const Module& module, con
                    const Options& options) {
     const sigset_t stopSignal = HoldBackStopSignal();
     KeepStoreOpen();
+    camvora::LoseRunningOperations();  // of an HTTP process that has ended
     RequestClient client(std::move(intake), options.requestLimit, options.requestTimeS);
     EventHub events(options.streamLimit, std::chrono::seconds(options.heartbeatS));
     const UploadArea uploadArea(camvora::UploadFolder());

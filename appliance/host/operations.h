@@ -1,15 +1,26 @@
-// The operation log as a page.
+// What requests do to the add-ons: which methods are operations, and the page that lists them.
 #pragma once
 
 #include "host/reply.h"
 
 #include <httplib.h>
 
+#include <string>
+
 namespace host {
 
-// Answers with the entries of the operation log, at most a thousand, oldest first. Without parameters these
-// are the newest; "request" asks for those of one request, "after" for those that follow an id. Any thread
-// may call. Throws std::exception when the store cannot be read.
+// True for a method that changes an add-on, or takes its time over one.
+bool IsOperation(const std::string& method);
+
+// True for an operation that goes on after its answer.
+bool IsDetached(const std::string& method);
+
+// Those that run, as in the answer of the page below but without the time that they have taken so far. Any
+// thread may call. Throws std::exception when the store cannot be read.
+Json::Value RunningOperations();
+
+// Answers with the newest thousand operations, in the order of their begins; "id" asks for one alone. Any
+// thread may call. Throws std::exception when the store cannot be read.
 Reply ReplyWithOperations(const httplib::Request& request);
 
 }  // namespace host

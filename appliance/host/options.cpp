@@ -15,6 +15,7 @@ void AddPlaces(CLI::App& app, Options& options) {
     app.add_option("--port", options.port, "Port to listen on, 0 for a free one")
         ->check(CLI::Range(0, 65535));
     app.add_option("--module", options.modulePath, "The web API module to serve");
+    app.add_option("--console-folder", options.consoleFolder, "The files of the web console");
     app.add_option("--address-file", options.addressFile,
                    "File that holds the address while the host serves");
     app.add_option("--schedule-token-file", options.scheduleTokenFile,
@@ -40,7 +41,7 @@ void AddLimits(CLI::App& app, Options& options) {
                    "Connections at a time, besides event streams")
         ->check(CLI::Range(1, 500));
     app.add_option("--stream-limit", options.streamLimit, "Event streams at a time")
-        ->check(CLI::Range(1, 100));
+        ->check(CLI::Range(1, 500));
     app.add_option("--idle-time", options.idleTimeS, "Seconds that a connection may be idle")->check(seconds);
     app.add_option("--read-time", options.readTimeS, "Seconds that a client may be silent within a request")
         ->check(seconds);

@@ -10,6 +10,7 @@ struct Options {
     std::string listenAddress = "127.0.0.1";
     int port = 8417;  // 0 picks a free one
     std::string modulePath = "/var/packages/Camvora/target/webapi/ORVA.Camvora.AddOns.so";
+    std::string consoleFolder = "/var/packages/Camvora/target/console";
     std::string addressFile = "/var/packages/Camvora/target/@CVData/run/address";
     std::string scheduleTokenFile = "/var/packages/Camvora/target/@CVData/run/schedule-token";
     int tokenFd = -1;
@@ -21,7 +22,7 @@ struct Options {
     int requestLimit = 64;
     int requestTimeS = 7200;
     int connectionLimit = 256;
-    int streamLimit = 16;
+    int streamLimit = 128;
     int idleTimeS = 5;
     int readTimeS = 10;
     int drainTimeS = 30;

@@ -55,7 +55,7 @@ Reply Pairing::MakeCode(const std::string& body) {
     }
     Json::Value data(Json::objectValue);
     data["code"] = codes_.Make(name);
-    data["validS"] = Json::Int64{PairingCodes::kValidity.count()};
+    data["validS"] = Json::Int64{OneTimeCodes::kValidity.count()};
     return SuccessReply(data);
 }
 
@@ -80,7 +80,7 @@ Reply Pairing::RedeemCode(const std::string& body) {
     data["secretOut"] = server.secretIn;
     const std::lock_guard<std::mutex> lock(mutex_);
     DropOutdated();
-    made_[server.name] = {server, std::chrono::steady_clock::now() + PairingCodes::kValidity};
+    made_[server.name] = {server, std::chrono::steady_clock::now() + OneTimeCodes::kValidity};
     return SuccessReply(data);
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/frameworkerrors.h"
-#include "host/pairingcodes.h"
+#include "host/onetimecodes.h"
 
 #include "libcamvora/pairs.h"
 
@@ -45,7 +45,7 @@ private:
 
     void DropOutdated();  // with the mutex held
 
-    PairingCodes codes_;
+    OneTimeCodes codes_;
     std::mutex mutex_;
     std::map<std::string, Made> made_;  // by name; each can be confirmed again: its answer may be lost
 };

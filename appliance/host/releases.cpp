@@ -19,12 +19,17 @@ Json::Value ToJson(const camvora::CheckedService& service) {
 
 }  // namespace
 
+Json::Value Releases() {
+    Json::Value all(Json::arrayValue);
+    for (const camvora::CheckedService& service : camvora::CheckedServices()) {
+        all.append(ToJson(service));
+    }
+    return all;
+}
+
 Reply ReplyWithReleases() {
     Json::Value data(Json::objectValue);
-    data["releases"] = Json::Value(Json::arrayValue);
-    for (const camvora::CheckedService& service : camvora::CheckedServices()) {
-        data["releases"].append(ToJson(service));
-    }
+    data["releases"] = Releases();
     return SuccessReply(data);
 }
 

@@ -5,8 +5,11 @@
 
 namespace host {
 
-// Answers with one entry for each service that was ever checked. Any thread may call. Throws std::exception
-// when the store cannot be read.
+// What the last check of each add-on has found. Any thread may call. Throws std::exception when the store
+// cannot be read.
+Json::Value Releases();
+
+// Answers with that. Throws as above.
 Reply ReplyWithReleases();
 
 }  // namespace host

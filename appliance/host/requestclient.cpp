@@ -45,19 +45,21 @@ Reply ReplyForEnd(int waitStatus) {
 RequestClient::RequestClient(UniqueFd intake, int requestLimit, int requestTimeS)
     : intake_(std::move(intake)), requestLimit_(requestLimit), requestTimeS_(requestTimeS) {}
 
-Reply RequestClient::Call(const std::string& requestId, const Request& request) {
+Reply RequestClient::Call(const std::string& requestId, const Request& request, UniqueFd& connection) {
     const Slot slot(running_, requestLimit_);
-    return slot.IsFree() ? Exchange(requestId, request, requestTimeS_ + kExtraWaitS)
+    return slot.IsFree() ? Exchange(requestId, request, requestTimeS_ + kExtraWaitS, connection)
                          : ReplyFor(FrameworkError::kTooBusy);
 }
 
 Reply RequestClient::Ping(const std::string& requestId) const {
-    Reply reply = Exchange(requestId, Request(), kPingWaitS);
+    UniqueFd connection;
+    Reply reply = Exchange(requestId, Request(), kPingWaitS, connection);
     return reply.httpStatus == 200 ? reply : ReplyFor(FrameworkError::kRequestServerAway);
 }
 
-Reply RequestClient::Exchange(const std::string& requestId, const Request& request, int waitLimitS) const {
-    const UniqueFd connection = Connect(intake_.Get(), requestId, waitLimitS);
+Reply RequestClient::Exchange(const std::string& requestId, const Request& request, int waitLimitS,
+                              UniqueFd& connection) const {
+    connection = Connect(intake_.Get(), requestId, waitLimitS);
     if (!connection.IsOpen() || !SendText(connection.Get(), Encode(request))) {
         return ReplyFor(FrameworkError::kRequestServerAway);
     }

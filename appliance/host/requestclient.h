@@ -19,14 +19,17 @@ public:
     RequestClient(UniqueFd intake, int requestLimit, int requestTimeS);
 
     // Hands the request in and waits for the reply: the module's, or the framework's error when none comes.
-    Reply Call(const std::string& requestId, const Request& request);
+    //   connection  becomes what all processes that work for the request hold the other end of; closed where
+    //               nobody has taken the request in
+    Reply Call(const std::string& requestId, const Request& request, UniqueFd& connection);
 
     // Asks whether requests are served: success, or that the request server is away. Takes a few seconds at
     // most, and no place of a request.
     Reply Ping(const std::string& requestId) const;
 
 private:
-    Reply Exchange(const std::string& requestId, const Request& request, int waitLimitS) const;
+    Reply Exchange(const std::string& requestId, const Request& request, int waitLimitS,
+                   UniqueFd& connection) const;
 
     UniqueFd intake_;
     int requestLimit_;

@@ -3,9 +3,11 @@
 #include "host/cookies.h"
 #include "host/exceptiontype.h"
 #include "host/jsonparams.h"
+#include "host/operations.h"
 #include "host/records.h"
 #include "host/request.h"
 
+#include "libcamvora/operations.h"
 #include "libcamvora/pairedcaller.h"
 #include "libcamvora/requestcontent.h"
 #include "libcamvora/requestid.h"
@@ -70,12 +72,25 @@ const char* OriginOf(Caller caller) {
     switch (caller) {
         case Caller::kClient:
             return camvora::kClientOrigin;
+        case Caller::kConsole:
+            return camvora::kConsoleOrigin;
         case Caller::kSchedule:
             return camvora::kScheduleOrigin;
         case Caller::kStranger:
             break;
     }
     return "";
+}
+
+// Of a caller who is not known yet, the begin is recorded when he has proved who he is.
+void BeginOperation(const MethodRow& row, const Json::Value& params) {
+    if (!IsOperation(row.method)) {
+        return;
+    }
+    camvora::PlanOperation(row.method, params["service"].isInt() ? params["service"].asInt() : 0);
+    if (!camvora::RequestOrigin().empty()) {
+        camvora::BeginPlannedOperation();
+    }
 }
 
 Reply Answer(const Request& request, const Module& module) {
@@ -95,6 +110,7 @@ Reply Answer(const Request& request, const Module& module) {
     content.method = row.method;
     content.cookies = ParseCookies(request.cookies);
     camvora::SetRequestOrigin(OriginOf(request.caller));
+    BeginOperation(row, content.params);
     return CallHandler(request, row, content);
 }
 

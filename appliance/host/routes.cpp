@@ -1,5 +1,6 @@
 #include "host/routes.h"
 
+#include "host/appliancestate.h"
 #include "host/bodysize.h"
 #include "host/callpath.h"
 #include "host/decimal.h"
@@ -7,6 +8,8 @@
 #include "host/frameworkerrors.h"
 #include "host/httpreply.h"
 #include "host/jsontext.h"
+#include "host/operationend.h"
+#include "host/operationlog.h"
 #include "host/operations.h"
 #include "host/programs.h"
 #include "host/relay.h"
@@ -28,9 +31,26 @@ namespace {
 
 using HandlerResponse = httplib::Server::HandlerResponse;
 
+// Paths of more than one page.
+constexpr char kConsolePaths[] = "/console/";
+constexpr char kRelayedCalls[] = "/servers/";
+
+constexpr char kSetCookie[] = "Set-Cookie";
+
 void RefuseHttpMethod(httplib::Response& response, const std::string& allowed) {
     response.set_header("Allow", allowed);
     Write(response, ReplyFor(FrameworkError::kWrongHttpMethod));
+}
+
+// A browser sends the cookie along with whatever another page at this address, on another port, makes it
+// send. What such a page has it read it cannot see, so it must only not change anything.
+bool IsOfConsole(const httplib::Request& request) {
+    if (request.method == "GET") {
+        return true;
+    }
+    const std::string origin = request.get_header_value("Origin");
+    const std::string host = request.get_header_value("Host");
+    return origin == "http://" + host || origin == "https://" + host;
 }
 
 void AnswerNotAuthorized(httplib::Response& response) {
@@ -42,23 +62,33 @@ void AnswerNotAuthorized(httplib::Response& response) {
 
 struct Routes::Page {
     const char* httpMethod;
-    const char* path;  // null for those of calls that are relayed
+    const char* path;
     bool needsToken;
     Answer answer;
 
     bool IsAt(const std::string& requested) const {
-        return path == nullptr ? FindRelayTarget(requested).has_value() : requested == path;
+        if (path == kRelayedCalls) {
+            return FindRelayTarget(requested).has_value();
+        }
+        return path == kConsolePaths ? requested.rfind(path, 0) == 0 : requested == path;
     }
 };
 
 // Everything else is a method of the module, called with POST.
 const Routes::Page Routes::kPages[] = {
     // clang-format off
+    {"GET", "/", false, &Routes::AnswerConsole},
+    {"GET", kConsolePaths, false, &Routes::AnswerConsole},
+    {"POST", "/session/codes", true, &Routes::AnswerMakeSignInCode},
+    {"POST", "/session", false, &Routes::AnswerSignIn},
+    {"DELETE", "/session", false, &Routes::AnswerSignOut},
+    {"GET", "/appliance", true, &Routes::AnswerAppliance},
     {"GET", "/api", false, &Routes::AnswerApis},
     {"GET", "/api/openapi.json", false, &Routes::AnswerOpenApi},
     {"GET", "/health", false, &Routes::AnswerHealth},
     {"GET", "/log", true, &Routes::AnswerLog},
     {"GET", "/operations", true, &Routes::AnswerOperations},
+    {"GET", "/operationlog", true, &Routes::AnswerOperationLog},
     {"GET", "/programs", true, &Routes::AnswerPrograms},
     {"GET", "/releases", true, &Routes::AnswerReleases},
     {"GET", "/downloads", true, &Routes::AnswerDownloads},
@@ -69,7 +99,7 @@ const Routes::Page Routes::kPages[] = {
     {"POST", "/pairs", true, &Routes::AnswerKeepHost},
     {"GET", "/pairs", true, &Routes::AnswerPairs},
     {"DELETE", "/pairs", true, &Routes::AnswerForget},
-    {"POST", nullptr, true, &Routes::AnswerRelay},
+    {"POST", kRelayedCalls, true, &Routes::AnswerRelay},
     // clang-format on
 };
 
@@ -80,7 +110,10 @@ Routes::Routes(const Module& module, const Credentials& credentials, const Optio
       options_(options),
       uploadArea_(uploadArea),
       client_(client),
-      events_(events) {}
+      events_(events),
+      consoleFiles_(options.consoleFolder),
+      signIn_(credentials.ClientToken()),
+      operations_(RecordOutcome) {}
 
 void Routes::AddTo(httplib::Server& server) {
     server.set_pre_routing_handler(
@@ -199,11 +232,56 @@ void Routes::AnswerCall(std::int32_t row, const httplib::Request& request, httpl
         Write(response, std::move(*refusal));
         return;
     }
-    Reply reply = client_.Call(GiveRequestId(response), call);
+    const std::string requestId = GiveRequestId(response);
+    UniqueFd connection;
+    Reply reply = client_.Call(requestId, call, connection);
     if (IsSuccess(reply)) {
         uploads.Keep();
     }
+    RecordOperation(module_.Rows().at(static_cast<std::size_t>(row)).method, requestId, reply,
+                    std::move(connection));
     Write(response, std::move(reply));
+}
+
+void Routes::RecordOperation(const std::string& method, const std::string& requestId, const Reply& reply,
+                             UniqueFd connection) {
+    if (IsDetached(method) && IsSuccess(reply)) {
+        operations_.Follow(requestId, std::move(connection));
+    } else if (IsOperation(method)) {
+        RecordAnswered(requestId, reply);
+    }
+}
+
+void Routes::AnswerConsole(const httplib::Request& request, httplib::Response& response) {
+    if (!consoleFiles_.Answer(request.path, request, response)) {
+        Write(response, ReplyFor(FrameworkError::kNotFound));
+    }
+}
+
+// A session must not beget further ones.
+void Routes::AnswerMakeSignInCode(const httplib::Request& request, httplib::Response& response) {
+    if (CallerOf(request) == Caller::kClient) {
+        Write(response, signIn_.MakeCode());
+    } else {
+        AnswerNotAuthorized(response);
+    }
+}
+
+void Routes::AnswerSignIn(const httplib::Request& request, httplib::Response& response) {
+    std::string cookie;
+    Write(response, signIn_.Begin(request.body, cookie));
+    if (!cookie.empty()) {
+        response.set_header(kSetCookie, cookie);
+    }
+}
+
+void Routes::AnswerSignOut(const httplib::Request& /*request*/, httplib::Response& response) {
+    Write(response, SuccessReply(Json::Value()));
+    response.set_header(kSetCookie, signIn_.Sessions().End());
+}
+
+void Routes::AnswerAppliance(const httplib::Request& /*request*/, httplib::Response& response) {
+    Write(response, ReplyWithAppliance());
 }
 
 void Routes::AnswerApis(const httplib::Request& /*request*/, httplib::Response& response) {
@@ -243,6 +321,10 @@ void Routes::AnswerLog(const httplib::Request& request, httplib::Response& respo
 
 void Routes::AnswerOperations(const httplib::Request& request, httplib::Response& response) {
     Write(response, ReplyWithOperations(request));
+}
+
+void Routes::AnswerOperationLog(const httplib::Request& request, httplib::Response& response) {
+    Write(response, ReplyWithOperationLog(request));
 }
 
 void Routes::AnswerPrograms(const httplib::Request& request, httplib::Response& response) {
@@ -326,12 +408,16 @@ BodyLimits Routes::LimitsOf(const httplib::Request& request) const {
 }
 
 Caller Routes::CallerOf(const httplib::Request& request) const {
-    return credentials_.Identify(request.get_header_value("Authorization"));
+    const Caller caller = credentials_.Identify(request.get_header_value("Authorization"));
+    const bool isConsole = caller == Caller::kStranger && IsOfConsole(request) &&
+                           signIn_.Sessions().IsCarriedBy(request.get_header_value("Cookie"));
+    return isConsole ? Caller::kConsole : caller;
 }
 
 // To all that the host serves itself.
 bool Routes::IsAuthorized(const httplib::Request& request) const {
-    return CallerOf(request) == Caller::kClient;
+    const Caller caller = CallerOf(request);
+    return caller == Caller::kClient || caller == Caller::kConsole;
 }
 
 }  // namespace host

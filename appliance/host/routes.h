@@ -1,13 +1,16 @@
 // What the host serves at which path.
 #pragma once
 
+#include "host/consolefiles.h"
 #include "host/credentials.h"
 #include "host/events.h"
 #include "host/module.h"
+#include "host/operationwatch.h"
 #include "host/options.h"
 #include "host/pairing.h"
 #include "host/requestbody.h"
 #include "host/requestclient.h"
+#include "host/signin.h"
 #include "host/uploadarea.h"
 
 #include <httplib.h>
@@ -46,11 +49,17 @@ private:
     void AnswerCall(std::int32_t row, const httplib::Request& request, httplib::Response& response,
                     const httplib::ContentReader& reader);
 
+    void AnswerConsole(const httplib::Request& request, httplib::Response& response);
+    void AnswerMakeSignInCode(const httplib::Request& request, httplib::Response& response);
+    void AnswerSignIn(const httplib::Request& request, httplib::Response& response);
+    void AnswerSignOut(const httplib::Request& request, httplib::Response& response);
+    void AnswerAppliance(const httplib::Request& request, httplib::Response& response);
     void AnswerApis(const httplib::Request& request, httplib::Response& response);
     void AnswerHealth(const httplib::Request& request, httplib::Response& response);
     void AnswerOpenApi(const httplib::Request& request, httplib::Response& response);
     void AnswerLog(const httplib::Request& request, httplib::Response& response);
     void AnswerOperations(const httplib::Request& request, httplib::Response& response);
+    void AnswerOperationLog(const httplib::Request& request, httplib::Response& response);
     void AnswerPrograms(const httplib::Request& request, httplib::Response& response);
     void AnswerReleases(const httplib::Request& request, httplib::Response& response);
     void AnswerDownloads(const httplib::Request& request, httplib::Response& response);
@@ -63,6 +72,8 @@ private:
     void AnswerForget(const httplib::Request& request, httplib::Response& response);
     void AnswerRelay(const httplib::Request& request, httplib::Response& response);
 
+    void RecordOperation(const std::string& method, const std::string& requestId, const Reply& reply,
+                         UniqueFd connection);
     bool TakesBody(const httplib::Request& request) const;
     BodyLimits LimitsOf(const httplib::Request& request) const;
     Caller CallerOf(const httplib::Request& request) const;
@@ -74,7 +85,10 @@ private:
     const UploadArea& uploadArea_;
     RequestClient& client_;
     EventHub& events_;
+    const ConsoleFiles consoleFiles_;
+    SignIn signIn_;
     Pairing pairing_;
+    OperationWatch operations_;
 };
 
 }  // namespace host

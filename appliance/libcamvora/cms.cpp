@@ -1,5 +1,6 @@
 #include "platform/cms.h"
 
+#include "libcamvora/operations.h"
 #include "libcamvora/pairedcaller.h"
 #include "libcamvora/pairproof.h"
 #include "libcamvora/pairs.h"
@@ -39,6 +40,7 @@ void TakeAsCaller(const std::string& role) {
         camvora::SetRequestOrigin(role == camvora::kHostRole ? camvora::kPairedHostOrigin
                                                              : camvora::kPairedServerOrigin);
     }
+    camvora::BeginPlannedOperation();
 }
 
 // True when a server of the role `role` made the proof.

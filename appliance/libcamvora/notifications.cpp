@@ -12,7 +12,7 @@ void CVClientNotify::Notify(CLIENT_NOTIFY_TYPE type, const std::string& text1, c
     (void)camvora::TheStore().Write([&](SQLite::Database& database) {  // a failure is in the log
         camvora::AddNotification(database, type, texts);
         if (installation) {
-            camvora::AddOperation(database, camvora::kAddOnEvent, 0, *installation);
+            camvora::AddLogEntry(database, camvora::kAddOnEvent, 0, *installation);
         }
     });
 }
@@ -23,6 +23,12 @@ long long LastNotificationId() {
     long long id = 0;
     TheStore().Query([&id](SQLite::Database& database) { id = LastNotificationId(database); });
     return id;
+}
+
+bool HasNotified(const std::string& requestId) {
+    bool hasNotified = false;
+    TheStore().Query([&](SQLite::Database& database) { hasNotified = HasNotified(database, requestId); });
+    return hasNotified;
 }
 
 std::vector<Notification> NotificationsAfter(long long id, int limit) {

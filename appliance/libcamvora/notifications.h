@@ -19,6 +19,9 @@ struct Notification {
 // be read.
 long long LastNotificationId();
 
+// True when the request `requestId` has caused one that is still kept. Throws as above.
+bool HasNotified(const std::string& requestId);
+
 // At most `limit` notifications with ids above `id`, oldest first. Old ones are dropped in time, so the
 // first may not be the one that follows `id`. Throws std::exception when the store cannot be read.
 std::vector<Notification> NotificationsAfter(long long id, int limit);

@@ -7,23 +7,23 @@
 void CVLog(CV_LOG_TYPE type, long long number, const std::string& text1, const std::string& text2,
            const std::string& text3) {
     (void)camvora::TheStore().Write([&](SQLite::Database& database) {  // a failure is in the log
-        camvora::AddOperation(database, type, number, {text1, text2, text3});
+        camvora::AddLogEntry(database, type, number, {text1, text2, text3});
     });
 }
 
 namespace camvora {
 
-long long LastOperationId() {
+long long LastLogEntryId() {
     long long id = 0;
-    TheStore().Query([&id](SQLite::Database& database) { id = LastOperationId(database); });
+    TheStore().Query([&id](SQLite::Database& database) { id = LastLogEntryId(database); });
     return id;
 }
 
-std::vector<Operation> OperationsAfter(long long id, const std::string& requestId, int limit) {
-    std::vector<Operation> operations;
+std::vector<LogEntry> LogEntriesAfter(long long id, const std::string& requestId, int limit) {
+    std::vector<LogEntry> entries;
     TheStore().Query(
-        [&](SQLite::Database& database) { operations = OperationsAfter(database, id, requestId, limit); });
-    return operations;
+        [&](SQLite::Database& database) { entries = LogEntriesAfter(database, id, requestId, limit); });
+    return entries;
 }
 
 }  // namespace camvora

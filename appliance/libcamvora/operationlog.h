@@ -7,7 +7,7 @@
 
 namespace camvora {
 
-struct Operation {
+struct LogEntry {
     long long id;           // grows by the order of writing, never used twice
     std::string time;       // UTC, as in "2026-03-01T12:00:00.123Z"
     std::string requestId;  // empty when no request caused it
@@ -18,11 +18,11 @@ struct Operation {
 };
 
 // The id of the newest entry, 0 when there is none yet. Throws std::exception when the store cannot be read.
-long long LastOperationId();
+long long LastLogEntryId();
 
 // At most `limit` entries with ids above `id`, oldest first; only those that the request `requestId` caused,
 // where that is not empty. Old ones are dropped in time, so the first may not be the one that follows `id`.
 // Throws std::exception when the store cannot be read.
-std::vector<Operation> OperationsAfter(long long id, const std::string& requestId, int limit);
+std::vector<LogEntry> LogEntriesAfter(long long id, const std::string& requestId, int limit);
 
 }  // namespace camvora

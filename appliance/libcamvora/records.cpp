@@ -38,7 +38,7 @@ Notification NotificationOf(const SQLite::Statement& row) {
             {row.getColumn(4).getString(), row.getColumn(5).getString(), row.getColumn(6).getString()}};
 }
 
-Operation OperationOf(const SQLite::Statement& row) {
+LogEntry LogEntryOf(const SQLite::Statement& row) {
     return {row.getColumn(0).getInt64(),
             row.getColumn(1).getString(),
             row.getColumn(2).getString(),
@@ -68,15 +68,15 @@ ProgramRun ProgramRunOf(const SQLite::Statement& row) {
 
 }  // namespace
 
-void AddOperation(SQLite::Database& database, int event, long long number,
-                  const std::array<std::string, 3>& texts) {
+void AddLogEntry(SQLite::Database& database, int event, long long number,
+                 const std::array<std::string, 3>& texts) {
     SQLite::Statement statement(database,
                                 "INSERT INTO operation_log(time, request, event, number, text1, text2, text3,"
                                 " who) VALUES(?, ?, ?, ?, ?, ?, ?, ?)");
     SQLite::bind(statement, UtcTimeText(), RequestId(), event, std::int64_t{number}, Shortened(texts[0]),
                  Shortened(texts[1]), Shortened(texts[2]), RequestOrigin());
     statement.exec();
-    Drop(database, "DELETE FROM operation_log WHERE id <= last_insert_rowid() - ?", kOperationsKept);
+    Drop(database, "DELETE FROM operation_log WHERE id <= last_insert_rowid() - ?", kLogEntriesKept);
 }
 
 void AddNotification(SQLite::Database& database, int type, const std::array<std::string, 3>& texts) {
@@ -107,26 +107,32 @@ void AddProgramRun(SQLite::Database& database, const std::string& path,
     Drop(database, "DELETE FROM programs WHERE id <= last_insert_rowid() - ?", kProgramRunsKept);
 }
 
-long long LastOperationId(SQLite::Database& database) {
+long long LastLogEntryId(SQLite::Database& database) {
     return database.execAndGet("SELECT coalesce(max(id), 0) FROM operation_log").getInt64();
 }
 
-std::vector<Operation> OperationsAfter(SQLite::Database& database, long long id, const std::string& requestId,
-                                       int limit) {
+std::vector<LogEntry> LogEntriesAfter(SQLite::Database& database, long long id, const std::string& requestId,
+                                      int limit) {
     SQLite::Statement statement(
         database,
         "SELECT id, time, request, event, number, text1, text2, text3, who FROM operation_log"
         " WHERE id > ?1 AND (?2 = '' OR request = ?2) ORDER BY id LIMIT ?3");
     SQLite::bind(statement, std::int64_t{id}, requestId, limit);
-    std::vector<Operation> operations;
+    std::vector<LogEntry> entries;
     while (statement.executeStep()) {
-        operations.push_back(OperationOf(statement));
+        entries.push_back(LogEntryOf(statement));
     }
-    return operations;
+    return entries;
 }
 
 long long LastNotificationId(SQLite::Database& database) {
     return database.execAndGet("SELECT coalesce(max(id), 0) FROM notifications").getInt64();
+}
+
+bool HasNotified(SQLite::Database& database, const std::string& requestId) {
+    SQLite::Statement statement(database, "SELECT 1 FROM notifications WHERE request = ? LIMIT 1");
+    statement.bind(1, requestId);
+    return statement.executeStep();
 }
 
 std::vector<Notification> NotificationsAfter(SQLite::Database& database, long long id, int limit) {

@@ -17,7 +17,7 @@
 namespace camvora {
 
 inline constexpr int kNotificationsKept = 1000;
-inline constexpr int kOperationsKept = 10000;
+inline constexpr int kLogEntriesKept = 10000;
 inline constexpr int kProgramRunsKept = 10000;
 inline constexpr std::size_t kRecordTextLimitBytes = 1024;
 
@@ -25,17 +25,18 @@ inline constexpr std::size_t kRecordTextLimitBytes = 1024;
 // origin), and drops the ones that are too old.
 // Texts are cut to their limit.
 // Called inside a transaction. Throws std::exception when that fails.
-void AddOperation(SQLite::Database& database, int event, long long number,
-                  const std::array<std::string, 3>& texts);
+void AddLogEntry(SQLite::Database& database, int event, long long number,
+                 const std::array<std::string, 3>& texts);
 void AddNotification(SQLite::Database& database, int type, const std::array<std::string, 3>& texts);
 void AddProgramRun(SQLite::Database& database, const std::string& path,
                    const std::vector<std::string>& arguments, const ProgramEnd& end);
 
 // What the functions of the same names give, from this database.
-long long LastOperationId(SQLite::Database& database);
-std::vector<Operation> OperationsAfter(SQLite::Database& database, long long id, const std::string& requestId,
-                                       int limit);
+long long LastLogEntryId(SQLite::Database& database);
+std::vector<LogEntry> LogEntriesAfter(SQLite::Database& database, long long id, const std::string& requestId,
+                                      int limit);
 long long LastNotificationId(SQLite::Database& database);
+bool HasNotified(SQLite::Database& database, const std::string& requestId);
 std::vector<Notification> NotificationsAfter(SQLite::Database& database, long long id, int limit);
 std::vector<ProgramRun> ProgramRunsOf(SQLite::Database& database, const std::string& requestId, int limit);
 

@@ -6,6 +6,7 @@
 namespace camvora {
 
 inline constexpr char kClientOrigin[] = "client";
+inline constexpr char kConsoleOrigin[] = "console";
 inline constexpr char kScheduleOrigin[] = "schedule";
 inline constexpr char kPairedHostOrigin[] = "paired host";
 inline constexpr char kPairedServerOrigin[] = "paired server";

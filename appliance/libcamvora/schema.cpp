@@ -43,6 +43,12 @@ constexpr const char* kSteps[] = {
     "ALTER TABLE operation_log ADD COLUMN who TEXT NOT NULL DEFAULT '';"
     "CREATE TABLE schedule(line TEXT PRIMARY KEY,"
     " last INTEGER NOT NULL) WITHOUT ROWID;",
+    "CREATE TABLE operations(id INTEGER PRIMARY KEY AUTOINCREMENT, request TEXT NOT NULL, who TEXT NOT NULL,"
+    " method TEXT NOT NULL, service INTEGER NOT NULL, from_version TEXT NOT NULL, begin TEXT NOT NULL,"
+    " duration_ms INTEGER NOT NULL DEFAULT 0, outcome TEXT NOT NULL DEFAULT 'running',"
+    " to_version TEXT NOT NULL DEFAULT '', code INTEGER NOT NULL DEFAULT 0,"
+    " problem TEXT NOT NULL DEFAULT '');"
+    "CREATE INDEX running_operations ON operations(id) WHERE outcome = 'running';",
 };
 
 }  // namespace

@@ -49,7 +49,8 @@ TEST_F(AdmissionTest, AnExceptionOnBehalfOfAStrangerIsARefusal) {
 }
 
 TEST_F(AdmissionTest, LogAndEventsAreForTheOwnerOnly) {
-    for (const char* path : {"/log?request=0123456789abcdef", "/operations", "/events"}) {
+    for (const char* path :
+         {"/log?request=0123456789abcdef", "/operationlog", "/operations", "/appliance", "/events"}) {
         const Answer answer = stranger_.Get(path);
         EXPECT_EQ(401, answer.status) << path;
         EXPECT_EQ(1013, answer.Code()) << path;

@@ -97,9 +97,9 @@ protected:
         return rows;
     }
     static std::vector<std::string> OperationLog(const std::string& query = "") {
-        const Answer answer = appliance_->Owner().Get("/operations" + query);
+        const Answer answer = appliance_->Owner().Get("/operationlog" + query);
         std::vector<std::string> entries;
-        for (const Json::Value& entry : answer.Data()["operations"]) {
+        for (const Json::Value& entry : answer.Data()["entries"]) {
             const Json::Value& texts = entry["texts"];
             entries.push_back(entry["event"].asString() + " " + entry["number"].asString() + " " +
                               texts[0].asString() + " " + texts[1].asString() + texts[2].asString());

@@ -78,7 +78,7 @@ TEST_F(ScheduleTest, IsNamedInTheOperationLog) {
     const std::string token = line.substr(0, line.find('\n'));
     EXPECT_EQ(64U, token.size());
     HttpCalls schedule(appliance_.Url(), token);
-    EXPECT_EQ(401, schedule.Get("/operations").status);
+    EXPECT_EQ(401, schedule.Get("/operationlog").status);
     for (const auto& [who, caller] : {std::pair("schedule", &schedule), std::pair("client", &owner_)}) {
         Arrange(appliance_, kLocalDisplay, AddOnTree(kLocalDisplay, "1.0.0-0001"),
                 AddOnTree(kLocalDisplay, "2.0.0-0002"));
@@ -86,9 +86,9 @@ TEST_F(ScheduleTest, IsNamedInTheOperationLog) {
         params["filePath"] = FilePath(kLocalDisplay);
         const Answer answer = caller->AddOns("Update", params);
         ASSERT_TRUE(answer.Succeeded()) << answer.body;
-        const Answer log = owner_.Get("/operations?request=" + answer.requestId);
-        ASSERT_EQ(1U, log.Data()["operations"].size()) << log.body;
-        const Json::Value& entry = log.Data()["operations"][0];
+        const Answer log = owner_.Get("/operationlog?request=" + answer.requestId);
+        ASSERT_EQ(1U, log.Data()["entries"].size()) << log.body;
+        const Json::Value& entry = log.Data()["entries"][0];
         EXPECT_EQ(who, entry["who"].asString());
         EXPECT_EQ("Local Display", entry["texts"][0].asString());
         EXPECT_EQ("Updated to 2.0.0-0002", entry["texts"][1].asString());
@@ -140,8 +140,8 @@ protected:
 
     std::string Operations() const {
         std::string entries;
-        const Answer log = appliance_.Owner().Get("/operations");
-        for (const Json::Value& entry : log.Data()["operations"]) {
+        const Answer log = appliance_.Owner().Get("/operationlog");
+        for (const Json::Value& entry : log.Data()["entries"]) {
             entries += entry["who"].asString() + ": " + entry["texts"][0].asString() + " " +
                        entry["texts"][1].asString() + "\n";
         }

@@ -46,7 +46,7 @@ const std::string kReason = "The request was 336f563be6a9a2bd\nThe appliance log
 
 const OperationCase kOperationCases[] = {
     {"all", "operations", Operations(""), 0,
-     "ID  Begin                By      What                Version         Outcome            Duration\n"
+     "ID  Begin                By      What                Version         Outcome          Duration\n"
      "12  2026-03-01 12:03:07  client  Update device_pack  2.1-9 -> 2.2-1  failed: no \\x1B  1 min 15 s\n",
      ""},
     {"one", "operations 12", Operations(Operation("done")), 0,

@@ -114,7 +114,7 @@ TEST(ProgramErrorTest, IsJsonForWrongUsageToo) {
     EXPECT_EQ(2, outcome.status);
     EXPECT_EQ("", outcome.err);
     EXPECT_EQ(R"({"error":{"code":0,"data":null,"log":[],"request":"","status":2,)"
-              R"("text":"--timeout: Value 0 not in range 1 to 86400. See camvoractl --help"}})"
+              R"("text":"--timeout: \"0\" is no number of seconds from 1 to 86400. See camvoractl --help"}})"
               "\n",
               outcome.out);
 }

@@ -44,7 +44,8 @@ TEST_F(DatabaseFile, OfANewerVersionIsRefusedAndLeftAlone) {
 
 TEST_F(DatabaseFile, OfAnOlderVersionIsBroughtUpToDate) {
     Open().exec(
-        "DROP TABLE schedule; ALTER TABLE operation_log DROP COLUMN who; DROP TABLE downloads; DROP TABLE "
+        "DROP TABLE operations; DROP TABLE schedule; ALTER TABLE operation_log DROP COLUMN who; DROP TABLE "
+        "downloads; DROP TABLE "
         "feeds;"
         "DROP TABLE programs; ALTER TABLE pairs DROP COLUMN address; PRAGMA user_version = 1;"
         "INSERT INTO settings VALUES('kept', 'yes')");
@@ -123,28 +124,28 @@ TEST_F(Records, ProgramsComeBackWholeAndOldOnesGo) {
 
 TEST_F(Records, OperationsComeBackWholeAndOldOnesGo) {
     SQLite::Transaction transaction(database_);
-    for (int i = 0; i < camvora::kOperationsKept + 1; ++i) {
-        camvora::AddOperation(database_, 0x133000B5, 1LL << 40, {std::to_string(i), "started", ""});
+    for (int i = 0; i < camvora::kLogEntriesKept + 1; ++i) {
+        camvora::AddLogEntry(database_, 0x133000B5, 1LL << 40, {std::to_string(i), "started", ""});
     }
     camvora::SetRequestId("r-2");
-    camvora::AddOperation(database_, 1, -1, {"x", "", ""});
-    const long long last = camvora::LastOperationId(database_);
-    EXPECT_EQ(camvora::kOperationsKept + 2, last);
-    const auto all = camvora::OperationsAfter(database_, 0, "", 2 * camvora::kOperationsKept);
-    ASSERT_EQ(static_cast<std::size_t>(camvora::kOperationsKept), all.size());
+    camvora::AddLogEntry(database_, 1, -1, {"x", "", ""});
+    const long long last = camvora::LastLogEntryId(database_);
+    EXPECT_EQ(camvora::kLogEntriesKept + 2, last);
+    const auto all = camvora::LogEntriesAfter(database_, 0, "", 2 * camvora::kLogEntriesKept);
+    ASSERT_EQ(static_cast<std::size_t>(camvora::kLogEntriesKept), all.size());
     EXPECT_EQ(3, all[0].id);
     EXPECT_EQ("r-1", all[0].requestId);
     EXPECT_EQ(0x133000B5, all[0].event);
     EXPECT_EQ(1LL << 40, all[0].number);
     EXPECT_EQ((std::array<std::string, 3>{"2", "started", ""}), all[0].texts);
-    const auto ofRequest = camvora::OperationsAfter(database_, 0, "r-2", 10);
+    const auto ofRequest = camvora::LogEntriesAfter(database_, 0, "r-2", 10);
     ASSERT_EQ(1U, ofRequest.size());
     EXPECT_EQ(last, ofRequest[0].id);
-    EXPECT_EQ(2U, camvora::OperationsAfter(database_, last - 5, "", 2).size());
+    EXPECT_EQ(2U, camvora::LogEntriesAfter(database_, last - 5, "", 2).size());
     const std::string cut(camvora::kRecordTextLimitBytes - 1, 'x');
-    camvora::AddOperation(database_, 1, 0, {"", cut + "\xc3\xa4" + std::string(2'000'000, 'y'), ""});
-    EXPECT_EQ(cut, camvora::OperationsAfter(database_, last, "", 1)[0].texts[1]);
-    EXPECT_TRUE(camvora::OperationsAfter(database_, last + 1, "", 10).empty());
+    camvora::AddLogEntry(database_, 1, 0, {"", cut + "\xc3\xa4" + std::string(2'000'000, 'y'), ""});
+    EXPECT_EQ(cut, camvora::LogEntriesAfter(database_, last, "", 1)[0].texts[1]);
+    EXPECT_TRUE(camvora::LogEntriesAfter(database_, last + 1, "", 10).empty());
 }
 
 TEST_F(Records, OfDownloadsTheLastOfEachServiceIsKept) {

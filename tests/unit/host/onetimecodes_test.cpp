@@ -1,5 +1,5 @@
 // One-time codes.
-#include "host/pairingcodes.h"
+#include "host/onetimecodes.h"
 
 #include <gtest/gtest.h>
 
@@ -10,14 +10,14 @@
 
 namespace {
 
-using host::PairingCodes;
+using host::OneTimeCodes;
 
 constexpr char kWrong[] = "AAAA-AAAA-AAAA";
 
 class Codes : public testing::Test {
 protected:
-    PairingCodes codes_;
-    const PairingCodes::Clock::time_point start_ = PairingCodes::Clock::now();
+    OneTimeCodes codes_;
+    const OneTimeCodes::Clock::time_point start_ = OneTimeCodes::Clock::now();
 };
 
 TEST_F(Codes, AreForOneNameAndOneUse) {
@@ -36,11 +36,11 @@ TEST_F(Codes, AreForOneNameAndOneUse) {
 
 TEST_F(Codes, EndAfterTenMinutesOrWithTheNext) {
     const std::string code = codes_.Make("one", start_);
-    EXPECT_FALSE(codes_.Redeem(code, start_ + PairingCodes::kValidity));
+    EXPECT_FALSE(codes_.Redeem(code, start_ + OneTimeCodes::kValidity));
     const std::string replaced = codes_.Make("one", start_);
     const std::string next = codes_.Make("one", start_);
     EXPECT_FALSE(codes_.Redeem(replaced, start_));
-    EXPECT_EQ("one", codes_.Redeem(next, start_ + PairingCodes::kValidity - std::chrono::seconds(1)));
+    EXPECT_EQ("one", codes_.Redeem(next, start_ + OneTimeCodes::kValidity - std::chrono::seconds(1)));
 }
 
 TEST_F(Codes, AreSixteenAtMost) {

@@ -1,4 +1,4 @@
-#include "host/pairingcodes.h"
+#include "host/onetimecodes.h"
 
 #include <openssl/crypto.h>
 #include <openssl/rand.h>
@@ -53,7 +53,7 @@ std::string Plain(const std::string& typed) {
 
 }  // namespace
 
-std::string PairingCodes::Make(const std::string& name, Clock::time_point now) {
+std::string OneTimeCodes::Make(const std::string& name, Clock::time_point now) {
     const std::lock_guard<std::mutex> lock(mutex_);
     EndOld(now);
     entries_.erase(std::remove_if(entries_.begin(), entries_.end(),
@@ -66,7 +66,7 @@ std::string PairingCodes::Make(const std::string& name, Clock::time_point now) {
     return InGroups(entries_.back().code);
 }
 
-std::optional<std::string> PairingCodes::Redeem(const std::string& code, Clock::time_point now) {
+std::optional<std::string> OneTimeCodes::Redeem(const std::string& code, Clock::time_point now) {
     const std::lock_guard<std::mutex> lock(mutex_);
     EndOld(now);
     const std::string plain = Plain(code);
@@ -87,7 +87,7 @@ std::optional<std::string> PairingCodes::Redeem(const std::string& code, Clock::
     return name;
 }
 
-void PairingCodes::EndOld(Clock::time_point now) {
+void OneTimeCodes::EndOld(Clock::time_point now) {
     while (!entries_.empty() && entries_.front().end <= now) {
         entries_.pop_front();
     }

@@ -1,4 +1,4 @@
-// The one-time codes by which recording servers pair with this host.
+// One-time codes, by which somebody is let in whom the owner has given one.
 #pragma once
 
 #include <chrono>
@@ -10,14 +10,14 @@
 namespace host {
 
 // Codes live in memory only. Used by all threads of the HTTP process at once.
-class PairingCodes {
+class OneTimeCodes {
 public:
     using Clock = std::chrono::steady_clock;
 
     static constexpr std::chrono::seconds kValidity{600};
 
-    // A new code for the recording server `name`, in place of any that it had: three groups of four letters
-    // and digits. Of more than 16 the oldest ends.
+    // A new code for `name`, in place of any that it had: three groups of four letters and digits. Of more
+    // than 16 the oldest ends.
     //   throws  std::runtime_error when there are no random numbers
     std::string Make(const std::string& name, Clock::time_point now = Clock::now());
 

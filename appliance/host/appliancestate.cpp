@@ -1,0 +1,62 @@
+#include "host/appliancestate.h"
+
+#include "host/downloads.h"
+#include "host/operations.h"
+#include "host/releases.h"
+
+#include "platform/cms.h"
+#include "platform/plibc.h"
+#include "platform/services.h"
+#include "platform/settings.h"
+
+#include <unistd.h>
+
+#include <array>
+
+namespace host {
+
+namespace {
+
+constexpr char kPackageFile[] = "/var/packages/Camvora/INFO";
+
+std::string HostName() {
+    std::array<char, 256> name{};
+    return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+}
+
+std::string PackageVersion() {
+    std::array<char, 256> version{};
+    (void)PLIBCFileGetKeyValue(kPackageFile, "version", version.data(), static_cast<int>(version.size()), 0);
+    return version.data();
+}
+
+Json::Value Services() {
+    Json::Value services(Json::arrayValue);
+    for (int service = ADDON_SERVICE_DEVICE_PACK; service <= ADDON_SERVICE_LOCAL_DISPLAY; ++service) {
+        services.append(GetServiceInfo(static_cast<ADDON_SERVICE>(service)));
+    }
+    return services;
+}
+
+}  // namespace
+
+Json::Value ApplianceState() {
+    Json::Value state(Json::objectValue);
+    state["services"] = Services();
+    state["downloads"] = Downloads();
+    state["releases"] = Releases();
+    state["operations"] = RunningOperations();
+    return state;
+}
+
+Reply ReplyWithAppliance() {
+    Json::Value data(Json::objectValue);
+    data["name"] = HostName();
+    data["model"] = GetHxModelName("");
+    data["version"] = PackageVersion();
+    data["blCmsHost"] = IsCmsHost();
+    data["blStarted"] = IsCVRunning();
+    return SuccessReply(data);
+}
+
+}  // namespace host

@@ -1,0 +1,111 @@
+// What requests do, from begin to end, as others see it.
+#include "e2e/appliance.h"
+#include "e2e/downloads.h"
+#include "e2e/packages.h"
+#include "e2e/processes.h"
+#include "e2e/rawconnection.h"
+
+#include <csignal>
+#include <string>
+
+namespace e2e {
+namespace {
+
+class OperationsTest : public ApplianceTest {
+protected:
+    static void SetUpTestSuite() {
+        Start();
+        ASSERT_EQ(200, appliance_->Owner().Get("/health").status);  // the database is there now
+    }
+
+    // The newest one in short.
+    std::string Newest() {
+        const Json::Value operations = owner_.Get("/operations").Data()["operations"];
+        return operations.empty() ? "" : Short(operations[operations.size() - 1]);
+    }
+    static std::string Short(const Json::Value& operation) {
+        return operation["who"].asString() + " " + operation["method"].asString() + " " +
+               operation["service"].asString() + ": " + operation["fromVersion"].asString() + " > " +
+               operation["toVersion"].asString() + " " + operation["outcome"].asString() + " " +
+               operation["code"].asString();
+    }
+    bool WaitForNewest(const std::string& expected) {
+        const bool came = WaitUntil([&] { return Newest() == expected; });
+        EXPECT_TRUE(came) << Newest();
+        return came;
+    }
+    pid_t Daemon() { return owner_.AddOns("GetInfo", Param("service", 3)).Data()["pid"].asInt(); }
+
+    // Makes the next start of service 3 take two seconds: its daemon does not end.
+    void HoldDaemon() {
+        ASSERT_TRUE(owner_.AddOns("Enable", Param("service", 3)).Succeeded());
+        ASSERT_TRUE(WaitForNewest("client Enable 3:  >  done 0"));
+        for (const pid_t pid :
+             Descendants(appliance_->Supervisor(), [](pid_t p) { return NameOf(p) == "camvora-daemon"; })) {
+            kill(pid, SIGSTOP);
+        }
+        ASSERT_TRUE(owner_.AddOns("Enable", Param("service", 3)).Succeeded());
+        ASSERT_TRUE(WaitForNewest("client Enable 3:  >  running 0"));
+    }
+
+    void KillWorkers() {
+        for (const pid_t pid : Descendants(appliance_->Supervisor())) {
+            if (NameOf(pid) == "camvora-host" && pid != appliance_->RequestServer() &&
+                pid != appliance_->HttpProcess()) {
+                kill(pid, SIGKILL);
+            }
+        }
+    }
+};
+
+TEST_F(OperationsTest, EndAsTheirAnswersSay) {
+    PutDownload(*appliance_, kDevicePackService, CAMVORA_BUILD_FOLDER "/packages/device_pack-2.3.0-0152.spk");
+    const Answer update = owner_.AddOns("Update", Param("service", kDevicePackService));
+    EXPECT_TRUE(update.Succeeded());
+    EXPECT_EQ("client Update 1: 2.1.0-0130 > 2.3.0-0152 done 0", Newest());
+    const Json::Value all = owner_.Get("/operations").Data()["operations"];
+    const Json::Value& newest = all[all.size() - 1];
+    EXPECT_EQ(update.requestId, newest["request"].asString());
+    EXPECT_LT(0, newest["durationMs"].asInt());
+    const Json::Value one = owner_.Get("/operations?id=" + newest["id"].asString()).Data()["operations"];
+    ASSERT_EQ(1U, one.size());
+    EXPECT_EQ(newest, one[0]);
+
+    EXPECT_TRUE(owner_.AddOns("Restore", Param("service", kDevicePackService)).Succeeded());
+    EXPECT_EQ("client Restore 1: 2.3.0-0152 > 2.0.3-0112 done 0", Newest());
+    EXPECT_EQ(400, owner_.AddOns("DownloadStart", Param("service", kDevicePackService)).Code());
+    EXPECT_EQ("client DownloadStart 1: 2.0.3-0112 >  failed 400", Newest());
+}
+
+TEST_F(OperationsTest, AreThoseOfCallersWhoAreAdmitted) {
+    ASSERT_TRUE(owner_.AddOns("Restore", Param("service", 3)).Succeeded());
+    const std::string before = Newest();
+    EXPECT_EQ(105, stranger_.AddOns("Restore", Param("service", 6)).Code());
+    EXPECT_TRUE(owner_.AddOns("List").Succeeded());
+    EXPECT_EQ(before, Newest());
+}
+
+TEST_F(OperationsTest, AreSeenToTheEndOfTheirDetachedWork) {
+    HoldDaemon();
+    RawConnection stream = OpenStream(appliance_->Url(), appliance_->Token());
+    EXPECT_NE(std::string::npos,
+              stream.ReceiveUntil("\n\n").find(R"("method":"Enable","outcome":"running")"));
+    EXPECT_TRUE(WaitForNewest("client Enable 3:  >  done 0"));
+    EXPECT_NE(std::string::npos, stream.ReceiveUntil(R"("operations":[],)").find("event: state"));
+
+    HoldDaemon();
+    KillWorkers();
+    EXPECT_TRUE(WaitForNewest("client Enable 3:  >  failed 0"));
+}
+
+TEST_F(OperationsTest, AreLostWithTheProcessThatWatchesThem) {
+    HoldDaemon();
+    const pid_t before = appliance_->HttpProcess();
+    kill(before, SIGKILL);
+    ASSERT_TRUE(
+        WaitUntil([before] { return appliance_->HttpProcess() > 0 && appliance_->HttpProcess() != before; }));
+    EXPECT_TRUE(WaitForNewest("client Enable 3:  >  lost 0"));
+}
+
+}  // namespace
+}  // namespace e2e
