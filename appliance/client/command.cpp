@@ -8,7 +8,8 @@ namespace client {
 namespace {
 
 OptionDescription Describe(const CLI::Option& option) {
-    OptionDescription description{{}, option.get_option_text(), option.get_description()};
+    OptionDescription description{
+        {}, option.get_option_text(), option.get_description(), option.get_required()};
     for (const std::string& name : option.get_snames()) {
         description.names.push_back("-" + name);
     }
@@ -25,12 +26,17 @@ ArgumentDescription DescribeArgument(const CLI::Option& option) {
 
 // NOLINTNEXTLINE(misc-no-recursion): commands are two levels deep
 CommandDescription Describe(const CLI::App& app) {
-    CommandDescription description{
-        app.get_name(), app.get_aliases(), app.get_description(), app.get_group(), {}, {}, {}};
+    CommandDescription description;
+    description.name = app.get_name();
+    description.aliases = app.get_aliases();
+    description.help = app.get_description();
+    description.more = app.get_footer();
+    description.group = app.get_group();
+    const bool isProgram = app.get_parent() == nullptr;
     for (const CLI::Option* option : app.get_options()) {
         if (option->get_positional()) {
             description.arguments.push_back(DescribeArgument(*option));
-        } else {
+        } else if (isProgram || option != app.get_help_ptr()) {
             description.options.push_back(Describe(*option));
         }
     }
@@ -52,6 +58,10 @@ void Command::NeedsCommand() {
 
 void Command::Alias(const char* name) {
     app_->alias(name);
+}
+
+void Command::Explain(const char* sentences) {
+    app_->footer(sentences);
 }
 
 void Command::Argument(const char* name, std::string& value, const char* help) {

@@ -25,6 +25,7 @@ public:
     Command Add(const char* name, const char* help);  // a command below this one
     void NeedsCommand();                              // to be called with one of those
     void Alias(const char* name);
+    void Explain(const char* sentences);  // what the help of this command says beyond its line
 
     void Argument(const char* name, std::string& value, const char* help);
     void OptionalArgument(const char* name, std::string& value, const char* help);

@@ -147,7 +147,8 @@ int RunCommandLine(int argc, const char* const* argv) {
         return PrintInformation(program, wish, settings.IsOn("json"));
     } catch (const CLI::ParseError& error) {
         const Failure failure(ExitStatus::kUsage, WhatIsWrong(program, error) + ". See camvoractl --help");
-        const bool isForPrograms = program.count("--json") > 0 || settings.IsOn("json");  // it may not be set yet
+        const bool isForPrograms =
+            program.count("--json") > 0 || settings.IsOn("json");  // it may not be set yet
         return Report(failure, isForPrograms);
     } catch (const Failure& failure) {
         return Report(failure, settings.IsOn("json"));

@@ -8,6 +8,9 @@ std::string UsageOf(const CommandDescription& command) {
         const std::string words = argument.name + (argument.isRepeated ? "..." : "");
         usage += argument.isRequired ? " " + words : " [" + words + "]";
     }
+    for (const OptionDescription& option : command.options) {
+        usage += option.isRequired ? " " + option.names.front() + " " + option.value : "";
+    }
     return usage;
 }
 

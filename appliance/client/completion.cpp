@@ -15,7 +15,8 @@ namespace {
 void PrintScript(const Session& session, const std::string& shell) {
     const std::string script = CompletionScript(shell);
     if (script.empty()) {
-        throw Failure(ExitStatus::kUsage, "There is no completion for \"" + shell + "\", only for bash and zsh");
+        throw Failure(ExitStatus::kUsage,
+                      "There is no completion for \"" + shell + "\", only for bash and zsh");
     }
     Json::Value data;
     data["shell"] = shell;
@@ -23,7 +24,8 @@ void PrintScript(const Session& session, const std::string& shell) {
     session.PrintText(data, script);
 }
 
-void PrintWords(const Session& session, const CommandDescription& program, const std::vector<std::string>& typed) {
+void PrintWords(const Session& session, const CommandDescription& program,
+                const std::vector<std::string>& typed) {
     std::string lines;
     for (const CompletionWord& word : CompletionWords(program, typed, session)) {
         lines += Printable(word.word) + "\t" + Printable(word.help) + "\n";
@@ -35,6 +37,11 @@ void PrintWords(const Session& session, const CommandDescription& program, const
 
 void AddCompletion(Command program, Session& session) {
     Command command = program.Add("completion", "Print the script for completion in a shell");
+    command.Explain(
+        "For bash, put it into ~/.local/share/bash-completion/completions/camvoractl; for zsh, into a folder "
+        "of "
+        "$fpath as _camvoractl. Services, methods and operations are then offered as the appliance has "
+        "them.");
     const auto shell = std::make_shared<std::string>();
     command.Argument("SHELL", *shell, "\"bash\" or \"zsh\"");
     command.Run([&session, shell] { PrintScript(session, *shell); });

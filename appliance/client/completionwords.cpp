@@ -80,15 +80,15 @@ Words ParameterValues(Session& session, const interface::Field& field) {
 }
 
 bool IsTyped(const TypedLine& line, const std::string& parameter) {
-    return std::any_of(line.arguments.begin(), line.arguments.end(), [&parameter](const std::string& word) {
-        return word.rfind(parameter + "=", 0) == 0;
-    });
+    return std::any_of(line.arguments.begin(), line.arguments.end(),
+                       [&parameter](const std::string& word) { return word.rfind(parameter + "=", 0) == 0; });
 }
 
 Words ParameterWords(Session& session, const TypedLine& line) {
     const interface::Method* method = interface::FindMethod(line.arguments.front());
     Words words;
-    for (const interface::Field& field : method == nullptr ? std::vector<interface::Field>{} : method->parameters) {
+    for (const interface::Field& field :
+         method == nullptr ? std::vector<interface::Field>{} : method->parameters) {
         if (line.last.rfind(std::string(field.name) + "=", 0) == 0) {
             return ParameterValues(session, field);
         }
@@ -192,10 +192,11 @@ Words AllOptions(const CommandDescription& program, const TypedLine& line) {
     Words words = OptionWords(*line.command);
     if (line.command != &program) {
         const Words global = OptionWords(program);
-        std::copy_if(global.begin(), global.end(), std::back_inserter(words), [&words](const CompletionWord& word) {
-            return std::none_of(words.begin(), words.end(),
-                                [&word](const CompletionWord& own) { return own.word == word.word; });
-        });
+        std::copy_if(
+            global.begin(), global.end(), std::back_inserter(words), [&words](const CompletionWord& word) {
+                return std::none_of(words.begin(), words.end(),
+                                    [&word](const CompletionWord& own) { return own.word == word.word; });
+            });
     }
     return words;
 }

@@ -30,9 +30,12 @@ void MakeLink(Session& session) {
 }  // namespace
 
 void AddConsole(Command program, Session& session) {
-    program.Add("console", "Print a link that signs a browser in").Run([&session] {
-        MakeLink(session);
-    });
+    Command command = program.Add("console", "Print a link that signs a browser in");
+    command.Explain(
+        "It opens the appliance's web console, once, within ten minutes, and for whoever has it: the browser "
+        "may "
+        "then do all that you may.");
+    command.Run([&session] { MakeLink(session); });
 }
 
 }  // namespace client

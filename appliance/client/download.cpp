@@ -49,9 +49,10 @@ void Cancel(Session& session, const std::string& name) {
     session.Print(data, table);
 }
 
-void AddOne(Command program, Session& session, const char* name, const char* help,
+void AddOne(Command program, Session& session, const char* name, const char* help, const char* more,
             void (*run)(Session&, const std::string&)) {
     Command command = program.Add(name, help);
+    command.Explain(more);
     const auto service = std::make_shared<std::string>();
     command.Argument("SERVICE", *service, "Number or short name of the service");
     command.Run([&session, service, run] { run(session, *service); });
@@ -61,8 +62,8 @@ void AddOne(Command program, Session& session, const char* name, const char* hel
 
 void AddDownload(Command program, Session& session) {
     AddOne(program, session, "download", "Download it without installing; Ctrl-C cancels",
-           Download);
-    AddOne(program, session, "cancel", "End the download", Cancel);
+           "The appliance downloads the newer release by itself, and this program follows.", Download);
+    AddOne(program, session, "cancel", "End the download", "One that is complete stays.", Cancel);
 }
 
 }  // namespace client

@@ -21,7 +21,8 @@ constexpr const char* kOffWords[] = {"no", "off", "false", "0"};
 
 template <std::size_t Count>
 bool IsAmong(const std::string& value, const char* const (&words)[Count]) {
-    return std::any_of(std::begin(words), std::end(words), [&value](const char* word) { return value == word; });
+    return std::any_of(std::begin(words), std::end(words),
+                       [&value](const char* word) { return value == word; });
 }
 
 std::string ProblemOfFlag(const std::string& value) {
@@ -38,9 +39,11 @@ std::string ProblemOfTimeout(const std::string& value) {
     int seconds = 0;
     const char* end = value.data() + value.size();
     const auto [stop, error] = std::from_chars(value.data(), end, seconds);
-    const bool isGood = stop == end && error == std::errc() && seconds >= 1 && seconds <= kLongestTimeoutSeconds;
-    return isGood ? "" : "\"" + value + "\" is no number of seconds from 1 to " +
-                             std::to_string(kLongestTimeoutSeconds);
+    const bool isGood =
+        stop == end && error == std::errc() && seconds >= 1 && seconds <= kLongestTimeoutSeconds;
+    return isGood ? ""
+                  : "\"" + value + "\" is no number of seconds from 1 to " +
+                        std::to_string(kLongestTimeoutSeconds);
 }
 
 // The name becomes a part of the address.
@@ -76,15 +79,17 @@ const char* Variable(const char* name) {
 const std::array<SettingKind, kSettingCount> kSettingKinds = {{
     {"host", "CAMVORA_HOST", "http://HOST:PORT", "Address of the appliance, instead of the folder's",
      AddressProblem},
-    {"dir", "CAMVORA_DIR", "DIR", "The appliance's folder. Default: the folder of this program", ProblemOfText},
+    {"dir", "CAMVORA_DIR", "DIR", "The appliance's folder. Default: the folder of this program",
+     ProblemOfText},
     {"token-file", "CAMVORA_TOKEN_FILE", "FILE", "File of the token, instead of the folder's", ProblemOfText},
-    {"server", "CAMVORA_SERVER", "NAME", "Call methods on this recording server, which is paired with the appliance",
-     ProblemOfServer},
+    {"server", "CAMVORA_SERVER", "NAME",
+     "Call methods on this recording server, which is paired with the appliance", ProblemOfServer},
     {"timeout", "CAMVORA_TIMEOUT", "SECONDS",
      "Longest time to wait for a reply or an outcome. Default: 60, and longer where the work takes longer",
      ProblemOfTimeout},
     {"json", "CAMVORA_JSON", "", "Write JSON, errors too, to standard output", ProblemOfFlag},
-    {"quiet", "CAMVORA_QUIET", "", "Write no progress and no remarks, only the outcome and errors", ProblemOfFlag},
+    {"quiet", "CAMVORA_QUIET", "", "Write no progress and no remarks, only the outcome and errors",
+     ProblemOfFlag},
 }};
 
 const SettingKind& KindOf(const char* name) {
@@ -204,9 +209,12 @@ std::string PrecedenceText() {
         variables += (variables.empty() ? "" : ", ") + std::string(kind.variable);
     }
     return "Each of them can also be set in the environment (" + variables +
-           ") and in the file $XDG_CONFIG_HOME/camvora/camvoractl.conf, or ~/.config/camvora/camvoractl.conf, with "
-           "lines as \"timeout=30\" or \"quiet=yes\". The command line comes before the environment, that before "
-           "the file. A host or a file of the token that was set farther away than the folder does not count.";
+           ") and in the file $XDG_CONFIG_HOME/camvora/camvoractl.conf, or "
+           "~/.config/camvora/camvoractl.conf, with "
+           "lines as \"timeout=30\" or \"quiet=yes\". The command line comes before the environment, that "
+           "before "
+           "the file. A host or a file of the token that was set farther away than the folder does not "
+           "count.";
 }
 
 std::string SettingsFile() {

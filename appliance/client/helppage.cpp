@@ -156,7 +156,9 @@ std::string AliasText(const CommandDescription& command) {
 std::string ProgramHelp(const CommandDescription& program) {
     return "Usage: camvoractl COMMAND [ARGUMENT...] [OPTION...]\n\n" + Paragraph(program.help) +
            CommandSections(program) +
-           Paragraph("\"camvoractl COMMAND --help\" says more about a command. A SERVICE is a number or a short name.") +
+           Paragraph(
+               "\"camvoractl COMMAND --help\" says more about a command. A SERVICE is a number or a short "
+               "name.") +
            Section("Options for all commands", OptionEntries(program)) + Paragraph(PrecedenceText()) +
            ExitStatusSection() + ExampleSection(ProgramExamples());
 }
@@ -165,7 +167,8 @@ std::string CommandHelp(const CommandDescription& command, const std::string& pa
     std::string usage = path + UsageOf(command).substr(command.name.size());
     usage += command.commands.empty() ? "" : " COMMAND";
     usage += command.options.empty() ? "" : " [OPTION...]";
-    return "Usage: camvoractl " + usage + "\n\n" + Paragraph(command.help + "." + AliasText(command)) +
+    return "Usage: camvoractl " + usage + "\n\n" +
+           Paragraph(command.help + "." + AliasText(command) + " " + command.more) +
            Section("Arguments", ArgumentEntries(command)) + CommandSections(command) +
            Section("Options", OptionEntries(command)) + ExampleSection(ExamplesOf(path)) +
            "Options for all commands, and exit statuses: camvoractl --help\n";

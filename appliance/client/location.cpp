@@ -52,7 +52,8 @@ void CheckFolder(const std::string& dir) {
 
 std::string ReadAddress(const std::string& dir) {
     if (dir.empty()) {
-        throw Failure(ExitStatus::kUsage, "Where is the appliance? Give --dir DIR or --host URL, or set CAMVORA_DIR");
+        throw Failure(ExitStatus::kUsage,
+                      "Where is the appliance? Give --dir DIR or --host URL, or set CAMVORA_DIR");
     }
     const std::optional<std::string> address = FirstLine(dir + kAddressFile);
     if (!address && (errno == ENOENT || errno == ENOTDIR)) {
@@ -101,7 +102,8 @@ std::string FindToken(const LocationOptions& options, const std::string& dir) {
 
 std::string AddressProblem(const std::string& url) {
     static const std::regex form(R"(http://([A-Za-z0-9._-]+|\[[0-9A-Fa-f:.]+\]):[0-9]{1,5}/?)");
-    return std::regex_match(url, form) ? "" : "\"" + url + "\" is not an address of the form http://HOST:PORT";
+    return std::regex_match(url, form) ? ""
+                                       : "\"" + url + "\" is not an address of the form http://HOST:PORT";
 }
 
 Location Locate(const LocationOptions& options, const std::string& programDir) {

@@ -17,9 +17,9 @@ void PrintPage(const Session& session, const CommandDescription& program) {
 }  // namespace
 
 void AddMan(Command program, Session& session) {
-    program.Add("man", "Print the manual page").Run([&session, program] {
-        PrintPage(session, program.Description());
-    });
+    Command command = program.Add("man", "Print the manual page");
+    command.Explain("To read it: camvoractl man | man -l -");
+    command.Run([&session, program] { PrintPage(session, program.Description()); });
 }
 
 }  // namespace client

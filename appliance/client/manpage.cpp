@@ -20,7 +20,8 @@ constexpr Entry kFiles[] = {
     {"DIR/token", "The access token of the appliance in the folder DIR."},
     {"DIR/var/packages/Camvora/target/@CVData/run/address", "The address of the appliance while it runs."},
     {"$XDG_CONFIG_HOME/camvora/camvoractl.conf, ~/.config/camvora/camvoractl.conf",
-     "Settings: the options for all commands, without their dashes, as in \"timeout=30\". \"#\" begins a comment."},
+     "Settings: the options for all commands, without their dashes, as in \"timeout=30\". \"#\" begins a "
+     "comment."},
 };
 
 // Text of which nothing is a request or an escape of roff.
@@ -77,6 +78,7 @@ std::string CommandItem(const CommandDescription& command, const std::string& pa
     for (const std::string& alias : command.aliases) {
         help += " Also: " + alias + ".";
     }
+    help += command.more.empty() ? "" : " " + command.more;
     std::string details;
     for (const ArgumentDescription& argument : command.arguments) {
         details += Item(argument.name, Sentence(argument.help));
@@ -115,7 +117,8 @@ std::string CommandSection(const CommandDescription& program) {
 std::string EnvironmentSection() {
     std::string section = Section("ENVIRONMENT");
     for (const SettingKind& kind : kSettingKinds) {
-        section += Item(kind.variable, std::string("As --") + kind.name + (kind.IsFlag() ? ": \"yes\" or \"no\"." : "."));
+        section += Item(kind.variable,
+                        std::string("As --") + kind.name + (kind.IsFlag() ? ": \"yes\" or \"no\"." : "."));
     }
     return section + Item("NO_COLOR", "When it is set, nothing is coloured.");
 }
@@ -153,8 +156,10 @@ std::string ManualPage(const CommandDescription& program) {
            "camvoractl \\- " + Escaped("manages the add-on services of a Camvora appliance") + "\n" +
            Section("SYNOPSIS") + ".B camvoractl\n.I COMMAND\n[\\fIARGUMENT\\fR...] [\\fIOPTION\\fR...]\n" +
            Section("DESCRIPTION") + Line(program.help) +
-           Line("A SERVICE is a number or a short name. The outcome goes to standard output, everything else to "
-                "standard error; with --json the outcome and errors are JSON.") +
+           Line(
+               "A SERVICE is a number or a short name. The outcome goes to standard output, everything else "
+               "to "
+               "standard error; with --json the outcome and errors are JSON.") +
            CommandSection(program) + Section("OPTIONS FOR ALL COMMANDS") + OptionItems(program) + ".PP\n" +
            Line(PrecedenceText()) + EnvironmentSection() + FileSection() + ExitStatusSection() +
            ExampleSection(program);

@@ -100,8 +100,8 @@ void ShowAll(Session& session) {
     for (const ServedMethod& method : ServedMethods(session.Host())) {
         data["methods"].append(Document(method));
         const bool isKnown = method.description != nullptr;
-        table.AddRow({method.name, isKnown ? method.description->summary : "",
-                      isKnown ? ParameterWords(method) : ""});
+        table.AddRow(
+            {method.name, isKnown ? method.description->summary : "", isKnown ? ParameterWords(method) : ""});
     }
     session.Print(data, table);
 }
@@ -118,8 +118,9 @@ ServedMethod FindServed(const Appliance& host, const std::string& name) {
 
 void AddFields(Table& table, const char* label, const std::vector<interface::Field>& fields) {
     for (const interface::Field& field : fields) {
-        table.AddRow({label, std::string(field.name) + ", " + WordFor(field.type) + ": " + field.meaning +
-                                 (field.byDefault == nullptr ? "" : std::string(". Default: ") + field.byDefault)});
+        table.AddRow(
+            {label, std::string(field.name) + ", " + WordFor(field.type) + ": " + field.meaning +
+                        (field.byDefault == nullptr ? "" : std::string(". Default: ") + field.byDefault)});
     }
 }
 
@@ -148,6 +149,8 @@ void ShowOne(Session& session, const std::string& name) {
 
 void AddMethods(Command program, Session& session) {
     Command command = program.Add("methods", "Show the web API's methods, or all about one");
+    command.Explain(
+        "Of one, the parameters and what it answers are shown. Parameters in brackets may be left out.");
     const auto name = std::make_shared<std::string>();
     command.OptionalArgument("METHOD", *name, "Name of the method");
     command.Run([&session, name] { name->empty() ? ShowAll(session) : ShowOne(session, *name); });

@@ -27,8 +27,7 @@ std::string EventOf(const Json::Value& entry) {
 
 void AddEntry(Table& table, const Json::Value& entry) {
     table.AddRow({LocalTime(LeafText(Member(entry, "time")), "%Y-%m-%d %H:%M:%S"), EventOf(entry),
-                  EntryText(entry), LeafText(Member(entry, "who")),
-                  LeafText(Member(entry, "request"))});
+                  EntryText(entry), LeafText(Member(entry, "who")), LeafText(Member(entry, "request"))});
 }
 
 // Shows the entries of the operation log as they come, the present ones first.

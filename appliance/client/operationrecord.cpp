@@ -15,9 +15,8 @@ constexpr std::size_t kRequestIdSize = 16;
 
 // The id of a request may consist of digits, too.
 bool IsNumber(const std::string& id) {
-    return !id.empty() && id.size() < kRequestIdSize && std::all_of(id.begin(), id.end(), [](char byte) {
-        return byte >= '0' && byte <= '9';
-    });
+    return !id.empty() && id.size() < kRequestIdSize &&
+           std::all_of(id.begin(), id.end(), [](char byte) { return byte >= '0' && byte <= '9'; });
 }
 
 Json::Value OperationOfRequest(const Appliance& host, const std::string& requestId) {
@@ -46,8 +45,9 @@ std::map<int, std::string> ServiceNames(const Appliance& host) {
 Json::Value FindOperation(const Appliance& host, const std::string& id) {
     Json::Value operation = IsNumber(id) ? host.OperationOf(id) : OperationOfRequest(host, id);
     if (operation.isNull()) {
-        throw Failure(ExitStatus::kNotFound, "There is no operation " + id +
-                                                 ", or it is too old. \"camvoractl operations\" shows the newest");
+        throw Failure(
+            ExitStatus::kNotFound,
+            "There is no operation " + id + ", or it is too old. \"camvoractl operations\" shows the newest");
     }
     return operation;
 }

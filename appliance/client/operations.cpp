@@ -23,7 +23,8 @@ Table OperationTable(const Json::Value& operations, const Names& names) {
     constexpr std::size_t kOutcomeColumn = 5;
     Table table({"ID", "Begin", "By", "What", "Version", "Outcome", "Duration"});
     for (const Json::Value& operation : operations) {
-        table.AddRow({LeafText(Member(operation, "id")), LocalTime(LeafText(Member(operation, "begin")), kTimeForm),
+        table.AddRow({LeafText(Member(operation, "id")),
+                      LocalTime(LeafText(Member(operation, "begin")), kTimeForm),
                       LeafText(Member(operation, "who")), OperationName(operation, names),
                       OperationVersions(operation), OutcomeWords(operation), OperationDuration(operation)});
         table.Paint(kOutcomeColumn, OutcomeColour(operation));
@@ -65,6 +66,11 @@ void ShowOne(Session& session, const std::string& id) {
 
 void AddOperations(Command program, Session& session) {
     Command command = program.Add("operations", "Show what was done, or all about one operation");
+    command.Explain(
+        "An operation begins with a request and ends when its work has ended, which may be long after the "
+        "answer. "
+        "Of one, the timeline is shown: the programs that it ran, its log lines, and its operation-log "
+        "entries.");
     const auto id = std::make_shared<std::string>();
     command.OptionalArgument("ID", *id, "Number of the operation, or the id of its request");
     command.Run([&session, id] { id->empty() ? ShowAll(session) : ShowOne(session, *id); });

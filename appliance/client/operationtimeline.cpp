@@ -54,7 +54,8 @@ std::vector<Json::Value> MomentsOf(const Appliance& host, const std::string& req
 Json::Value EndOf(const Json::Value& operation) {
     const Json::Value durationMs = Member(operation, "durationMs");
     const std::chrono::milliseconds duration(durationMs.isInt64() ? durationMs.asInt64() : 0);
-    return Moment(TimeAfter(LeafText(Member(operation, "begin")), duration), IsRunning(operation) ? "now" : "end",
+    return Moment(TimeAfter(LeafText(Member(operation, "begin")), duration),
+                  IsRunning(operation) ? "now" : "end",
                   OutcomeWords(operation) + " after " + DurationWords(duration));
 }
 
@@ -62,8 +63,9 @@ Json::Value EndOf(const Json::Value& operation) {
 
 Json::Value TimelineOf(const Appliance& host, const Json::Value& operation) {
     Json::Value timeline(Json::arrayValue);
-    timeline.append(Moment(LeafText(Member(operation, "begin")), "begin",
-                           LeafText(Member(operation, "method")) + " by " + LeafText(Member(operation, "who"))));
+    timeline.append(
+        Moment(LeafText(Member(operation, "begin")), "begin",
+               LeafText(Member(operation, "method")) + " by " + LeafText(Member(operation, "who"))));
     for (const Json::Value& moment : MomentsOf(host, LeafText(Member(operation, "request")))) {
         timeline.append(moment);
     }

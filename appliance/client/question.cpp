@@ -14,7 +14,8 @@ bool CanAsk() {
 }
 
 bool IsAgreed(const std::string& text, const std::string& question) {
-    (void)WriteWhole(STDERR_FILENO, text + "\n" + Printable(question) + " [y/N] ");  // there is nowhere else to ask
+    (void)WriteWhole(STDERR_FILENO,
+                     text + "\n" + Printable(question) + " [y/N] ");  // there is nowhere else to ask
     std::string answer;
     if (!std::getline(std::cin, answer)) {
         (void)WriteWhole(STDERR_FILENO, "\n");

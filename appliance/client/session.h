@@ -60,8 +60,8 @@ public:
     void EndWith(ExitStatus status) { endStatus_ = status; }
     ExitStatus EndStatus() const { return endStatus_; }
 
-    // Tells a person something beside the outcome, on standard error; programs, and who wants it quiet, are not
-    // told.
+    // Tells a person something beside the outcome, on standard error; programs, and who wants it quiet, are
+    // not told.
     void Say(const std::string& text) const;
 
 private:

@@ -28,9 +28,10 @@ void ShowSettings(const Session& session) {
 }  // namespace
 
 void AddSettings(Command program, Session& session) {
-    program.Add("settings", "Show which options below are set, and where").Run([&session] {
-        ShowSettings(session);
-    });
+    Command command = program.Add("settings", "Show the settings, and where they come from");
+    command.Explain(
+        "Those are the options for all commands, which can also be set in the environment and in a file.");
+    command.Run([&session] { ShowSettings(session); });
 }
 
 }  // namespace client

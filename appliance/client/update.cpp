@@ -87,6 +87,8 @@ void Update(Session& session, const UpdateArguments& arguments) {
 
 void AddUpdate(Command program, Session& session) {
     Command command = program.Add("update", "Download the newer release and install it");
+    command.Explain(
+        "Shows the release and what would change, asks, has the appliance download it, and installs it.");
     const auto arguments = std::make_shared<UpdateArguments>();
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");
     arguments->consent.AddTo(command);

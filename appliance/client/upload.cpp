@@ -40,8 +40,10 @@ void Upload(Session& session, const UploadArguments& arguments) {
 }  // namespace
 
 void AddUpload(Command program, Session& session) {
-    Command command =
-        program.Add("upload", "Send it without installing; it is unpacked");
+    Command command = program.Add("upload", "Send it without installing; it is unpacked");
+    command.Explain(
+        "The appliance unpacks and checks the package, and keeps it until it is installed or another one "
+        "comes.");
     const auto arguments = std::make_shared<UploadArguments>();
     command.Argument("FILE", arguments->path, "Package file");
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");

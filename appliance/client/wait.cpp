@@ -20,7 +20,8 @@ constexpr std::chrono::milliseconds kPollInterval{250};
 constexpr std::chrono::hours kLongestWork{24};
 
 // Returns the operation when it is over.
-Json::Value AwaitEnd(const Session& session, const Appliance& host, Json::Value operation, const std::string& name) {
+Json::Value AwaitEnd(const Session& session, const Appliance& host, Json::Value operation,
+                     const std::string& name) {
     const std::chrono::seconds limit = session.TimeLimit(kLongestWork);
     const auto deadline = steady_clock::now() + limit;
     const std::string number = LeafText(Member(operation, "id"));
@@ -67,6 +68,10 @@ void Wait(Session& session, const std::string& id) {
 
 void AddWait(Command program, Session& session) {
     Command command = program.Add("wait", "Wait for its end, and fail when it has failed");
+    command.Explain(
+        "Ends with 0 when the operation is done, with 1 and its log when it has failed, with 9 when nobody "
+        "saw its "
+        "end, and with 8 when --timeout is over.");
     const auto id = std::make_shared<std::string>();
     command.Argument("ID", *id, "Number of the operation, or the id of its request, as --no-wait prints it");
     command.Run([&session, id] { Wait(session, *id); });

@@ -23,7 +23,7 @@ struct Method {
     const char* name;
     const char* summary;  // one line without its full stop
     std::vector<Field> parameters;
-    const char* answers;        // one line without its full stop
+    const char* answers;         // one line without its full stop
     std::vector<Field> members;  // of the answer's data; empty where there is none
     bool changes;                // something on the appliance
 };

@@ -7,11 +7,11 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-const FakeReply kList =
-    Success(R"({"list":[{"service":1,"info":{"shortName":"device_pack","blRunning":true,"blHasPackages":true}},)"
-            R"({"service":2,"info":{"shortName":"cms","blRunning":false}},)"
-            R"({"service":6,"info":{"shortName":"local_display","blRunning":false,"blHasPackages":true,)"
-            R"("blFactoryCopy":true}}]})");
+const FakeReply kList = Success(
+    R"({"list":[{"service":1,"info":{"shortName":"device_pack","blRunning":true,"blHasPackages":true}},)"
+    R"({"service":2,"info":{"shortName":"cms","blRunning":false}},)"
+    R"({"service":6,"info":{"shortName":"local_display","blRunning":false,"blHasPackages":true,)"
+    R"("blFactoryCopy":true}}]})");
 
 struct WordCase {
     const char* name;
@@ -51,7 +51,8 @@ class CompletionTest : public testing::TestWithParam<WordCase> {};
 TEST_P(CompletionTest, OffersWhatFits) {
     const FakeAppliance appliance(
         {{"List", kList},
-         {"GET /operations", Success(R"({"operations":[{"id":12,"outcome":"done"},{"id":13,"outcome":"running"}]})")},
+         {"GET /operations",
+          Success(R"({"operations":[{"id":12,"outcome":"done"},{"id":13,"outcome":"running"}]})")},
          {"GET /pairs", Success(R"({"pairs":[{"name":"r","role":"server"}]})")}});
     EXPECT_EQ(GetParam().words,
               Offered(GetParam().line, GetParam().last, {"CAMVORA_DIR=" + appliance.Dir()}));
@@ -68,10 +69,13 @@ TEST(CompletionTest, IsSilentWithoutAnAppliance) {
 
 // What bash makes of the line, whose words it has split as it does.
 std::string CompletedByBash(const FakeAppliance& appliance, const std::string& words) {
-    const std::string script = "eval \"$(\"$1\" completion bash)\"; compopt() { echo \"option $*\"; }; COMP_WORDS=(" +
-                               words + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _camvoractl \"$1\"; "
-                               "printf '%s\\n' \"${COMPREPLY[@]}\"";
-    return Program({"/bin/bash", "-c", script, "bash", CAMVORACTL}, {"CAMVORA_DIR=" + appliance.Dir()}).Wait().out;
+    const std::string script =
+        "eval \"$(\"$1\" completion bash)\"; compopt() { echo \"option $*\"; }; COMP_WORDS=(" + words +
+        "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _camvoractl \"$1\"; "
+        "printf '%s\\n' \"${COMPREPLY[@]}\"";
+    return Program({"/bin/bash", "-c", script, "bash", CAMVORACTL}, {"CAMVORA_DIR=" + appliance.Dir()})
+        .Wait()
+        .out;
 }
 
 TEST(CompletionScriptTest, WorksInBash) {
@@ -91,9 +95,10 @@ TEST(ManualPageTest, NamesAllCommandsAndNothingActsOnRoff) {
         }
         EXPECT_NE(std::string::npos, page.find("\\fB" + escaped)) << command;
     }
-    const Outcome checked = Program({"/bin/sh", "-c", "\"$1\" man | groff -man -Tutf8 -ww -z", "sh", CAMVORACTL},
-                                    {"PATH=/usr/bin:/bin"})
-                                .Wait();
+    const Outcome checked =
+        Program({"/bin/sh", "-c", "\"$1\" man | groff -man -Tutf8 -ww -z", "sh", CAMVORACTL},
+                {"PATH=/usr/bin:/bin"})
+            .Wait();
     EXPECT_EQ("", checked.err);
 }
 

@@ -33,10 +33,10 @@ const std::string kReleases =
     R"({"releases":[{"service":1,"version":"2.3-1","date":"2026-11-25","notes":"","size":3,"checked":"T"}]})";
 const std::string kDownloads =
     R"({"downloads":[{"service":1,"version":"2.2-1","status":2,"bytes":1,"size":4,"problem":""}]})";
-const std::string kEvents =
-    "id: 4\nevent: snapshot\ndata: {\"lastNotification\":4,\"services\":[" + kInfo +
-    "]}\n\nevent: state\ndata: {\"services\":[]}\n\n"
-    "id: 5\nevent: notification\ndata: {\"id\":5,\"time\":\"T\",\"type\":24,\"texts\":[\"1\",\"1\",\"0\"]}\n\n";
+const std::string kEvents = "id: 4\nevent: snapshot\ndata: {\"lastNotification\":4,\"services\":[" + kInfo +
+                            "]}\n\nevent: state\ndata: {\"services\":[]}\n\n"
+                            "id: 5\nevent: notification\ndata: "
+                            "{\"id\":5,\"time\":\"T\",\"type\":24,\"texts\":[\"1\",\"1\",\"0\"]}\n\n";
 
 FakeReplies Replies() {
     return {
@@ -55,7 +55,8 @@ FakeReplies Replies() {
         {"DownloadCancel", Success("null")},
         {"Upload", Success(R"({"pkgInfo":{}})")},
         {"GetPkgInfo", Success(R"({"version":"2.2-1","maintainer":"Me","filePath":"/w/","errinfo":null})")},
-        {"GET /api", Success(R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["List","X"]}]})")},
+        {"GET /api",
+         Success(R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["List","X"]}]})")},
         {"GET /releases", Success(kReleases)},
         {"GET /downloads", Success(kDownloads)},
         {"GET /programs", Success(kPrograms)},
@@ -80,9 +81,9 @@ FakeReplies Replies() {
 
 struct JsonCase {
     std::string command;
-    std::string line;           // "@" stands for the folder with files, "%" for the appliance's address
-    FakeReplies replies = {};   // other than those above
-    bool isStream = false;      // it is interrupted when it has asked twice
+    std::string line;          // "@" stands for the folder with files, "%" for the appliance's address
+    FakeReplies replies = {};  // other than those above
+    bool isStream = false;     // it is interrupted when it has asked twice
 };
 
 const JsonCase kJsonCases[] = {
@@ -186,9 +187,9 @@ INSTANTIATE_TEST_SUITE_P(All, JsonTest, testing::ValuesIn(kJsonCases), [](const 
 TEST(JsonSchemaTest, CoverEveryCommand) {
     for (const std::string& command : AllCommands()) {
         EXPECT_TRUE(std::filesystem::exists(SchemaOf(command))) << command;
-        EXPECT_TRUE(std::any_of(std::begin(kJsonCases), std::end(kJsonCases),
-                                [&command](const JsonCase& c) { return c.command == command; }))
-            << command;
+        EXPECT_TRUE(std::any_of(std::begin(kJsonCases), std::end(kJsonCases), [&command](const JsonCase& c) {
+            return c.command == command;
+        })) << command;
     }
 }
 

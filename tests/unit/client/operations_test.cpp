@@ -23,7 +23,8 @@ FakeReplies Replies(const FakeReply& one) {
         {"GET /operations?id=12", one},
         {"GET /operations?id=13", Operations("")},
         {"GET /log?request=336f563be6a9a2bd",
-         Success(R"({"lines":[{"time":"2026-03-01T12:03:09.000Z","source":"a","line":1,"function":"F","text":"t"}]})")},
+         Success(
+             R"({"lines":[{"time":"2026-03-01T12:03:09.000Z","source":"a","line":1,"function":"F","text":"t"}]})")},
         {"GET /programs?request=336f563be6a9a2bd",
          Success(R"({"programs":[{"time":"2026-03-01T12:03:08.000Z","path":"/bin/mv","arguments":["-f"],)"
                  R"("exitStatus":0}]})")},
@@ -42,7 +43,8 @@ struct OperationCase {
 };
 
 const std::string kWaiting = "Waiting for the end of Update device_pack\n";
-const std::string kReason = "The request was 336f563be6a9a2bd\nThe appliance logged:\n2026-03-01T12:03:09.000Z  a:1  F  t\n";
+const std::string kReason =
+    "The request was 336f563be6a9a2bd\nThe appliance logged:\n2026-03-01T12:03:09.000Z  a:1  F  t\n";
 
 const OperationCase kOperationCases[] = {
     {"all", "operations", Operations(""), 0,
@@ -69,14 +71,16 @@ const OperationCase kOperationCases[] = {
     {"unknown_number", "operations 13", Operations(""), 3, "",
      "camvoractl: There is no operation 13, or it is too old. \"camvoractl operations\" shows the newest\n"},
     {"unknown_request", "wait 0123456789012345", Operations(""), 3, "",
-     "camvoractl: There is no operation 0123456789012345, or it is too old. \"camvoractl operations\" shows the "
+     "camvoractl: There is no operation 0123456789012345, or it is too old. \"camvoractl operations\" shows "
+     "the "
      "newest\n"},
     {"wait", "wait 12", InTurn({Operations(Operation("running")), Operations(Operation("done"))}), 0,
      "Update device_pack is done, after 1 min 15 s\n", kWaiting},
     {"wait_for_a_failure", "wait 336f563be6a9a2bd", Operations(""), 1, "",
      kWaiting + "camvoractl: Update device_pack failed: no \\x1B\n" + kReason},
     {"wait_for_one_that_nobody_saw_end", "wait 12", Operations(Operation("lost")), 9, "",
-     kWaiting + "camvoractl: Nobody saw the end of Update device_pack: the appliance's HTTP process ended before\n" +
+     kWaiting +
+         "camvoractl: Nobody saw the end of Update device_pack: the appliance's HTTP process ended before\n" +
          kReason},
     {"wait_too_long", "wait 12 --timeout 1", Operations(Operation("running")), 8, "",
      kWaiting + "camvoractl: After 1 s, Update device_pack is still under way\n"},
