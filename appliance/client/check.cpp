@@ -45,7 +45,7 @@ void Check(const Session& session, const std::string& path) {
 }  // namespace
 
 void AddCheck(Command program, Session& session) {
-    Command command = program.Add("check", "Tell whether the appliance would take it");
+    Command command = program.Add("check", "Tell whether a package file would be taken");
     command.Explain(
         "No appliance has to run. What its folder says of its version and platform is compared with, too; "
         "without "

@@ -61,9 +61,10 @@ void AddOne(Command program, Session& session, const char* name, const char* hel
 }  // namespace
 
 void AddDownload(Command program, Session& session) {
-    AddOne(program, session, "download", "Download it without installing; Ctrl-C cancels",
-           "The appliance downloads the newer release by itself, and this program follows.", Download);
-    AddOne(program, session, "cancel", "End the download", "One that is complete stays.", Cancel);
+    AddOne(program, session, "download", "Download the newer release, without installing it",
+           "The appliance downloads it by itself, and this program follows; Ctrl-C cancels the download.",
+           Download);
+    AddOne(program, session, "cancel", "End a download", "One that is complete stays.", Cancel);
 }
 
 }  // namespace client

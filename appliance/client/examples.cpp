@@ -13,8 +13,9 @@ constexpr const char* kProgramExamples[] = {
     "check device_pack-2.2.0-0140.spk",
     "install device_pack-2.2.0-0140.spk",
     "update device_pack",
-    "apps --lang de --json",
+    "operations --json",
     "call GetInfo service=1",
+    "console",
 };
 
 // Each begins with its command.

@@ -42,8 +42,12 @@ std::string SizeWords(std::uint64_t sizeBytes) {
 std::string DurationWords(std::chrono::milliseconds span) {
     constexpr int kTenths = 10;
     constexpr int kMinute = 60;
-    const auto tenths = span.count() / 100;
-    const auto seconds = tenths / kTenths;
+    constexpr int kSecond = 1000;
+    const auto seconds = span.count() / kSecond;
+    if (seconds == 0) {
+        return std::to_string(span.count()) + " ms";
+    }
+    const auto tenths = span.count() * kTenths / kSecond;
     if (seconds < kTenths) {
         return std::to_string(seconds) + "." + std::to_string(tenths % kTenths) + " s";
     }

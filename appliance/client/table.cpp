@@ -9,28 +9,31 @@
 namespace client {
 namespace {
 
+using Widths = std::vector<std::size_t>;
+
 constexpr std::size_t kGap = 2;
 constexpr std::size_t kNarrowest = 4;
 
-// The widths when no column may be wider than `limit`.
-std::vector<std::size_t> Limited(std::vector<std::size_t> widths, std::size_t limit) {
-    for (std::size_t& width : widths) {
-        width = std::min(width, limit);
+std::size_t LineWidth(const Widths& widths) {
+    return std::accumulate(widths.begin(), widths.end(), kGap * (widths.size() - 1));
+}
+
+// As wide as each pair needs, where what is `cut` may be no wider than `limit`.
+Widths Limited(const Widths& kept, const Widths& cut, std::size_t limit) {
+    Widths widths = kept;
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+        widths[column] = std::max(kept[column], std::min(cut[column], limit));
     }
     return widths;
 }
 
-std::size_t LineWidth(const std::vector<std::size_t>& widths) {
-    return std::accumulate(widths.begin(), widths.end(), kGap * (widths.size() - 1));
-}
-
-// The widest columns are narrowed, by no more than is needed.
-std::vector<std::size_t> Fitted(const std::vector<std::size_t>& widths, std::size_t columns) {
-    std::size_t limit = *std::max_element(widths.begin(), widths.end());
-    while (limit > kNarrowest && LineWidth(Limited(widths, limit)) > columns) {
+// Narrows the widest of what is `cut` until the line fits, by no more than is needed.
+Widths Fitted(const Widths& kept, const Widths& cut, std::size_t columns) {
+    std::size_t limit = *std::max_element(cut.begin(), cut.end());
+    while (limit > kNarrowest && LineWidth(Limited(kept, cut, limit)) > columns) {
         --limit;
     }
-    return Limited(widths, limit);
+    return Limited(kept, cut, limit);
 }
 
 }  // namespace
@@ -52,11 +55,8 @@ void Table::Paint(std::size_t column, Colour colour) {
 }
 
 std::string Table::Text(const Terminal& terminal) const {
-    std::vector<std::size_t> widths = ColumnWidths();
     const bool isCut = isShortened_ && terminal.columns > 0;
-    if (isCut) {
-        widths = Fitted(widths, terminal.columns);
-    }
+    const Widths widths = isCut ? FittedWidths(terminal.columns) : ColumnWidths(rows_.begin());
     std::string text;
     for (const Row& row : rows_) {
         text += Line(row, widths, terminal) + "\n";
@@ -64,18 +64,30 @@ std::string Table::Text(const Terminal& terminal) const {
     return text;
 }
 
-std::vector<std::size_t> Table::ColumnWidths() const {
-    std::vector<std::size_t> widths;
-    for (const Row& row : rows_) {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            widths[column] = std::max(widths[column], WidthOf(row[column].text));
+// Headings are cut before what stands below them.
+Table::Widths Table::FittedWidths(std::size_t columns) const {
+    Widths headings;
+    for (const Cell& heading : rows_.front()) {
+        headings.push_back(WidthOf(heading.text));
+    }
+    Widths cells = ColumnWidths(rows_.begin() + 1);
+    cells.resize(headings.size());
+    const Widths widths = Fitted(cells, headings, columns);
+    return Fitted(Widths(widths.size()), widths, columns);
+}
+
+Table::Widths Table::ColumnWidths(std::vector<Row>::const_iterator first) const {
+    Widths widths;
+    for (auto row = first; row != rows_.end(); ++row) {
+        widths.resize(std::max(widths.size(), row->size()));
+        for (std::size_t column = 0; column < row->size(); ++column) {
+            widths[column] = std::max(widths[column], WidthOf((*row)[column].text));
         }
     }
     return widths;
 }
 
-std::string Table::Line(const Row& row, const std::vector<std::size_t>& widths, const Terminal& terminal) {
+std::string Table::Line(const Row& row, const Widths& widths, const Terminal& terminal) {
     std::string line;
     for (std::size_t column = 0; column < row.size(); ++column) {
         const std::string text = Shortened(row[column].text, widths[column]);

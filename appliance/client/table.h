@@ -28,8 +28,8 @@ public:
     void KeepWhole() { isShortened_ = false; }
 
     // The table as lines, each with its line end: cells printable, an empty one as "-", columns two blanks
-    // apart. On a terminal, one with headings has its widest cells cut so that no line is longer than the
-    // terminal is wide.
+    // apart. On a terminal, one with headings has these cut, then its widest cells, so that no line is
+    // longer than the terminal is wide.
     std::string Text(const Terminal& terminal = {}) const;
 
 private:
@@ -38,9 +38,11 @@ private:
         Colour colour = Colour::kNone;
     };
     using Row = std::vector<Cell>;
+    using Widths = std::vector<std::size_t>;
 
-    std::vector<std::size_t> ColumnWidths() const;
-    static std::string Line(const Row& row, const std::vector<std::size_t>& widths, const Terminal& terminal);
+    Widths FittedWidths(std::size_t columns) const;
+    Widths ColumnWidths(std::vector<Row>::const_iterator first) const;
+    static std::string Line(const Row& row, const Widths& widths, const Terminal& terminal);
 
     std::vector<Row> rows_;
     bool isShortened_ = false;

@@ -40,7 +40,7 @@ void Upload(Session& session, const UploadArguments& arguments) {
 }  // namespace
 
 void AddUpload(Command program, Session& session) {
-    Command command = program.Add("upload", "Send it without installing; it is unpacked");
+    Command command = program.Add("upload", "Send a package file without installing it");
     command.Explain(
         "The appliance unpacks and checks the package, and keeps it until it is installed or another one "
         "comes.");

@@ -67,7 +67,7 @@ void Wait(Session& session, const std::string& id) {
 }  // namespace
 
 void AddWait(Command program, Session& session) {
-    Command command = program.Add("wait", "Wait for its end, and fail when it has failed");
+    Command command = program.Add("wait", "Wait for the end of an operation");
     command.Explain(
         "Ends with 0 when the operation is done, with 1 and its log when it has failed, with 9 when nobody "
         "saw its "

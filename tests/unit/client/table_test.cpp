@@ -19,14 +19,19 @@ TEST(TableTest, AlignsByColumnsAndEndsLinesWithoutBlanks) {
 }
 
 TEST(TableTest, CutsItsWidestCellsToTheTerminal) {
-    Table table({"Name", "Notes", "On"});
+    Table table({"Name", "Notes", "Automatic"});
     table.AddRow({"device_pack", "better than before", "yes"});
     table.AddRow({"cms", "\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d", "no"});
     EXPECT_EQ(
-        "Name       Notes      On\n"
+        "Name         Notes              Auto\u2026\n"
+        "device_pack  better than befo\u2026  yes\n"
+        "cms          \u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d     no\n",
+        table.Text({37, false}));
+    EXPECT_EQ(
+        "Name       Notes      Aut\u2026\n"
         "device_p\u2026  better t\u2026  yes\n"
         "cms        \u4e2d\u6587\u4e2d\u6587\u2026  no\n",
-        table.Text({25, false}));
+        table.Text({26, false}));
     table.KeepWhole();
     EXPECT_EQ(table.Text(), table.Text({25, false}));
     Table plain;
