@@ -4,8 +4,11 @@
 #include "client/completionscripts.h"
 #include "client/completionwords.h"
 #include "client/failure.h"
+#include "client/output.h"
 #include "client/session.h"
 #include "client/terminaltext.h"
+
+#include <unistd.h>
 
 #include <memory>
 
@@ -24,13 +27,14 @@ void PrintScript(const Session& session, const std::string& shell) {
     session.PrintText(data, script);
 }
 
+// For a shell, whatever the settings say.
 void PrintWords(const Session& session, const CommandDescription& program,
                 const std::vector<std::string>& typed) {
     std::string lines;
     for (const CompletionWord& word : CompletionWords(program, typed, session)) {
         lines += Printable(word.word) + "\t" + Printable(word.help) + "\n";
     }
-    session.PrintText(Json::Value(), lines);
+    (void)WriteWhole(STDOUT_FILENO, lines);  // there is nowhere to say it
 }
 
 }  // namespace

@@ -237,7 +237,7 @@ GlobalSettings TypedSettings(GlobalSettings settings, const TypedLine& line) {
             settings.Set(kind, typed->second);
         }
     }
-    settings.Set(KindOf("timeout"), kLongestWaitSeconds);
+    settings.Set(*FindKind("timeout"), kLongestWaitSeconds);
     return settings;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "client/location.h"
+#include "client/settingkinds.h"
 
 #include <array>
 #include <cstddef>
@@ -21,25 +22,6 @@ struct GlobalOptions {
 
 enum class Source { kDefault, kFile, kEnvironment, kCommandLine };
 
-// One of the options; the row of a table.
-struct SettingKind {
-    const char* name;       // on the command line behind "--", in the file before "="
-    const char* variable;   // in the environment
-    const char* valueText;  // what the help shows for the value; empty for a flag
-    const char* help;
-
-    // What is wrong with a value; empty for nothing.
-    std::string (*problemOf)(const std::string& value);
-
-    bool IsFlag() const { return *valueText == '\0'; }
-};
-
-inline constexpr std::size_t kSettingCount = 7;
-extern const std::array<SettingKind, kSettingCount> kSettingKinds;
-
-// The row of that name; there is one.
-const SettingKind& KindOf(const char* name);
-
 struct Setting {
     std::string value;
     Source source = Source::kDefault;
@@ -54,8 +36,8 @@ public:
     // Takes what the command line says, which has been checked.
     void Set(const SettingKind& kind, const std::string& value);
 
-    // The options as they are in force. A folder that was named nearer than a host or a file of the token
-    // hides these: they belong to another appliance.
+    // The options as they are in force. A folder that was named nearer than a host, a file of the token or a
+    // server hides these: they belong to another appliance.
     //   throws  Failure (kUsage) for what the environment or the file should not say
     GlobalOptions InForce() const;
 

@@ -1,6 +1,7 @@
 #include "client/localtime.h"
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -34,7 +35,7 @@ std::string Formatted(const tm& parts, const char* format) {
 
 int Milliseconds(const std::string& fraction) {
     constexpr int kThousand = 1000;
-    return static_cast<int>(std::strtod(("0" + fraction).c_str(), nullptr) * kThousand + 0.5);
+    return static_cast<int>(std::lround(std::strtod(("0" + fraction).c_str(), nullptr) * kThousand));
 }
 
 }  // namespace

@@ -18,13 +18,14 @@ namespace {
 using Names = std::map<int, std::string>;
 
 constexpr char kTimeForm[] = "%Y-%m-%d %H:%M:%S";
+constexpr char kShortTimeForm[] = "%m-%d %H:%M:%S";
 
 Table OperationTable(const Json::Value& operations, const Names& names) {
     constexpr std::size_t kOutcomeColumn = 5;
     Table table({"ID", "Begin", "By", "What", "Version", "Outcome", "Duration"});
     for (const Json::Value& operation : operations) {
         table.AddRow({LeafText(Member(operation, "id")),
-                      LocalTime(LeafText(Member(operation, "begin")), kTimeForm),
+                      LocalTime(LeafText(Member(operation, "begin")), kShortTimeForm),
                       LeafText(Member(operation, "who")), OperationName(operation, names),
                       OperationVersions(operation), OutcomeWords(operation), OperationDuration(operation)});
         table.Paint(kOutcomeColumn, OutcomeColour(operation));

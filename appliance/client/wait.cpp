@@ -44,6 +44,8 @@ Failure FailureOf(const Session& session, const Appliance& host, const Json::Val
     Failure failure(isLost ? ExitStatus::kOtherOutcome : ExitStatus::kFailed,
                     isLost ? "Nobody saw the end of " + name + ": the appliance's HTTP process ended before"
                            : name + " " + OutcomeWords(operation));
+    const Json::Value code = Member(operation, "code");
+    failure.code = code.isInt() ? code.asInt() : 0;
     if (session.IsForPrograms()) {
         failure.data = operation;
     }

@@ -5,15 +5,14 @@
 namespace interface {
 namespace {
 
-const Field kService = {"service", Type::kInteger, "Number of the service", "0"};
-const Field kAddOn = {"service", Type::kInteger, "Number of the add-on, 1 or 6", "0"};
-const Field kServiceName = {"serviceName", Type::kText, "What the operation log calls the service", R"("")"};
-const Field kDescription = {"description", Type::kText, "What the operation log says of it", R"("")"};
+constexpr Field kService = {"service", Type::kInteger, "Number of the service", "0"};
+constexpr Field kAddOn = {"service", Type::kInteger, "Number of the add-on, 1 or 6", "0"};
+constexpr Field kServiceName = {"serviceName", Type::kText, "What the operation log calls the service",
+                                R"("")"};
+constexpr Field kDescription = {"description", Type::kText, "What the operation log says of it", R"("")"};
 
-}  // namespace
-
-const std::vector<Method>& Methods() {
-    static const std::vector<Method> methods = {
+std::vector<Method> ServiceMethods() {
+    return {
         {"List",
          "Describe the services 1 to 6",
          {},
@@ -63,6 +62,11 @@ const std::vector<Method>& Methods() {
          {{"blDone", Type::kBoolean, "False while one is under way"}},
          false},
         {"Restart", "Stop a service and start it again", {kService}, "Nothing, when both are done", {}, true},
+    };
+}
+
+std::vector<Method> PackageMethods() {
+    return {
         {"Upload",
          "Store a package file",
          {{"addonsSpkFile", Type::kFile, "The package file"}},
@@ -99,6 +103,11 @@ const std::vector<Method>& Methods() {
          "Nothing, when it is over",
          {},
          true},
+    };
+}
+
+std::vector<Method> ReleaseMethods() {
+    return {
         {"GetUpdateInfo",
          "Count the add-ons with a newer release",
          {},
@@ -140,6 +149,21 @@ const std::vector<Method>& Methods() {
          {},
          true},
     };
+}
+
+std::vector<Method> AllMethods() {
+    std::vector<Method> all;
+    for (const auto part : {ServiceMethods, PackageMethods, ReleaseMethods}) {
+        const std::vector<Method> methods = part();
+        all.insert(all.end(), methods.begin(), methods.end());
+    }
+    return all;
+}
+
+}  // namespace
+
+const std::vector<Method>& Methods() {
+    static const std::vector<Method> methods = AllMethods();
     return methods;
 }
 

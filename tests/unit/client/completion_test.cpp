@@ -61,6 +61,10 @@ TEST_P(CompletionTest, OffersWhatFits) {
 INSTANTIATE_TEST_SUITE_P(All, CompletionTest, testing::ValuesIn(kWordCases),
                          [](const auto& c) { return std::string(c.param.name); });
 
+TEST(CompletionTest, IsTheSameForWhoWantsJson) {
+    EXPECT_EQ(Words({"list", "log"}), Offered("", "l", {"CAMVORA_JSON=yes"}));
+}
+
 TEST(CompletionTest, IsSilentWithoutAnAppliance) {
     const Outcome outcome = StartClient("complete-words -- start x", {"CAMVORA_DIR=/no/such"}).Wait();
     EXPECT_EQ(0, outcome.status);

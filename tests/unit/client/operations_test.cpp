@@ -48,8 +48,8 @@ const std::string kReason =
 
 const OperationCase kOperationCases[] = {
     {"all", "operations", Operations(""), 0,
-     "ID  Begin                By      What                Version         Outcome          Duration\n"
-     "12  2026-03-01 12:03:07  client  Update device_pack  2.1-9 -> 2.2-1  failed: no \\x1B  1 min 15 s\n",
+     "ID  Begin           By      What                Version         Outcome          Duration\n"
+     "12  03-01 12:03:07  client  Update device_pack  2.1-9 -> 2.2-1  failed: no \\x1B  1 min 15 s\n",
      ""},
     {"one", "operations 12", Operations(Operation("done")), 0,
      "Operation  12\n"

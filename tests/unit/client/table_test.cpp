@@ -23,9 +23,9 @@ TEST(TableTest, CutsItsWidestCellsToTheTerminal) {
     table.AddRow({"device_pack", "better than before", "yes"});
     table.AddRow({"cms", "\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d", "no"});
     EXPECT_EQ(
-        "Name         Notes              Auto\u2026\n"
-        "device_pack  better than befo\u2026  yes\n"
-        "cms          \u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d     no\n",
+        "Name         Notes               Aut\u2026\n"
+        "device_pack  better than before  yes\n"
+        "cms          \u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d      no\n",
         table.Text({37, false}));
     EXPECT_EQ(
         "Name       Notes      Aut\u2026\n"
