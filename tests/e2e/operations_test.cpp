@@ -81,7 +81,7 @@ TEST_F(OperationsTest, TellWhatBecameOfDownloads) {
     feed.SetFault(slow);
     const Json::Value service = Param("service", kDevicePackService);
     ASSERT_TRUE(owner_.AddOns("DownloadStart", service).Succeeded());
-    ASSERT_TRUE(WaitUntil([this] { return DownloadStateOf(*appliance_, kDevicePackService) == 1; }));
+    ASSERT_TRUE(WaitUntil([] { return DownloadStateOf(*appliance_, kDevicePackService) == 1; }));
     ASSERT_TRUE(owner_.AddOns("DownloadCancel", service).Succeeded());
     EXPECT_EQ("client DownloadCancel 1: 2.1.0-0130 >  done 0", Newest());
     EXPECT_TRUE(WaitUntil([this] {
