@@ -1,16 +1,15 @@
-// The operations that the appliance has recorded, running and ended ones, by their ids.
+// The operations that the appliance has recorded, by their ids: those that run, and the last that have ended.
 import { page } from "./api.js";
 
-const kPage = "/operations";
 const kKept = 300;
 const kLookMs = 1000;
-const kInstalling = ["Enable", "Disable", "Restart", "Update", "Restore"];
+const kChanging = ["Enable", "Disable", "Restart", "Update", "Restore"];
 
 const isRunning = (operation) => operation.outcome === "running";
 
 export class Operations {
   #byId = new Map();
-  #streamed = new Set(); // ids that the stream last named as running
+  #streamed = []; // those that the stream last named as running
   #onChange;
   #isLooking = false;
 
@@ -20,7 +19,6 @@ export class Operations {
 
   clear() {
     this.#byId.clear();
-    this.#streamed.clear();
   }
 
   all() {
@@ -31,45 +29,37 @@ export class Operations {
     return this.#byId.get(id);
   }
 
-  running(service) {
-    return this.all().find((operation) => operation.service === service && isRunning(operation));
-  }
-
   ofRequest(request) {
     return this.all().find((operation) => operation.request === request);
   }
 
+  running(service) {
+    return this.all().find((operation) => operation.service === service && isRunning(operation));
+  }
+
   // The last that has ended of those that change the service.
-  lastEnded(service) {
-    return this.all().filter((operation) => operation.service === service && !isRunning(operation)
-      && kInstalling.includes(operation.method)).at(-1);
+  lastChange(service) {
+    return this.all().findLast((operation) =>
+      operation.service === service && !isRunning(operation) && kChanging.includes(operation.method));
   }
 
-  async load() {
-    this.#keep((await page(kPage)).operations);
+  // Reads all of them, or only the one with that id. Returns whether there was any.
+  async read(id) {
+    const { operations } = await page(id === undefined ? "/operations" : `/operations?id=${id}`);
+    this.#keep(operations);
+    return operations.length > 0;
   }
 
-  // `running`: those that run, as the stream has it. Of others that were running the end is asked for.
+  // `running`: those that run, as the stream has it. The ends of others that did are asked for.
   see(running) {
-    this.#streamed = new Set(running.map((operation) => operation.id));
+    this.#streamed = running.map((operation) => operation.id);
     this.#keep(running);
     void this.#look();
   }
 
-  async read(id) {
-    this.#keep((await page(`${kPage}?id=${id}`)).operations);
-  }
-
-  // Reads those that have begun since, which may be over before the stream names them.
+  // Reads those that have begun since, which may be over before the stream could name them.
   async catchUp() {
-    for (;;) {
-      const next = Math.max(0, ...this.#byId.keys()) + 1;
-      const found = (await page(`${kPage}?id=${next}`)).operations;
-      if (found.length === 0) {
-        return;
-      }
-      this.#keep(found);
-    }
+    while (await this.read(Math.max(0, ...this.#byId.keys()) + 1));
   }
 
   async #look() {
@@ -79,29 +69,23 @@ export class Operations {
     this.#isLooking = true;
     try {
       await this.catchUp();
-      for (const operation of this.#unseen()) {
-        await this.read(operation.id);
-      }
+      await Promise.all(this.#unseen().map((operation) => this.read(operation.id)));
     } catch {
-      // the next event or the next connection brings another look
-    } finally {
-      this.#isLooking = false;
+      // the next event, or the next connection, brings another look
     }
+    this.#isLooking = false;
     if (this.#unseen().length > 0) {
       setTimeout(() => this.#look(), kLookMs);
     }
   }
 
   #unseen() {
-    return this.all().filter((operation) => isRunning(operation) && !this.#streamed.has(operation.id));
+    return this.all().filter((operation) => isRunning(operation) && !this.#streamed.includes(operation.id));
   }
 
   #keep(operations) {
-    for (const operation of operations) {
-      this.#byId.set(operation.id, operation);
-    }
-    const ids = [...this.#byId.keys()].sort((a, b) => a - b);
-    this.#byId = new Map(ids.slice(-kKept).map((id) => [id, this.#byId.get(id)]));
+    const merged = new Map([...this.#byId, ...operations.map((operation) => [operation.id, operation])]);
+    this.#byId = new Map([...merged].sort(([a], [b]) => a - b).slice(-kKept));
     this.#onChange();
   }
 }

@@ -4,9 +4,9 @@ import * as live from "./live.js";
 import * as recorder from "./recorder.js";
 import { forget, store } from "./store.js";
 
-let present = null;
+let present;
 
-// Shows the recorder of that name, "" for the appliance itself. `onRefused` is called when the session is over.
+// `name`: of the recorder, "" for the appliance itself. `onRefused` is called when the session is over.
 export function showAppliance(name, onRefused) {
   hideAppliance();
   store.recorder = name;
@@ -17,14 +17,10 @@ export function showAppliance(name, onRefused) {
 
 export function hideAppliance() {
   present?.stop();
-  present = null;
+  present = undefined;
   forget();
 }
 
 export function retryNow() {
   present?.retryNow();
-}
-
-export function isRecorder() {
-  return present === recorder;
 }
