@@ -2,7 +2,7 @@
 import { page } from "./api.js";
 
 const kKept = 300;
-const kLookMs = 1000;
+const kLookMs = 500;
 const kChanging = ["Enable", "Disable", "Restart", "Update", "Restore"];
 
 const isRunning = (operation) => operation.outcome === "running";
@@ -11,7 +11,7 @@ export class Operations {
   #byId = new Map();
   #streamed = []; // those that the stream last named as running
   #onChange;
-  #isLooking = false;
+  #timer;
 
   constructor(onChange) {
     this.#onChange = onChange;
@@ -54,7 +54,7 @@ export class Operations {
   see(running) {
     this.#streamed = running.map((operation) => operation.id);
     this.#keep(running);
-    void this.#look();
+    this.#look(0);
   }
 
   // Reads those that have begun since, which may be over before the stream could name them.
@@ -62,20 +62,22 @@ export class Operations {
     while (await this.read(Math.max(0, ...this.#byId.keys()) + 1));
   }
 
-  async #look() {
-    if (this.#isLooking) {
-      return;
-    }
-    this.#isLooking = true;
-    try {
-      await this.catchUp();
-      await Promise.all(this.#unseen().map((operation) => this.read(operation.id)));
-    } catch {
-      // the next event, or the next connection, brings another look
-    }
-    this.#isLooking = false;
+  #look(pauseMs) {
+    this.#timer ??= setTimeout(async () => {
+      try {
+        await this.catchUp();
+        await Promise.all(this.#unseen().map((operation) => this.read(operation.id)));
+      } catch {
+        // the next event, or the next connection, brings another look
+      }
+      this.#timer = undefined;
+      this.#lookIfUnseen();
+    }, pauseMs);
+  }
+
+  #lookIfUnseen() {
     if (this.#unseen().length > 0) {
-      setTimeout(() => this.#look(), kLookMs);
+      this.#look(kLookMs);
     }
   }
 
@@ -83,9 +85,12 @@ export class Operations {
     return this.all().filter((operation) => isRunning(operation) && !this.#streamed.includes(operation.id));
   }
 
+  // Answers may come out of order, but nothing that has ended runs again.
   #keep(operations) {
-    const merged = new Map([...this.#byId, ...operations.map((operation) => [operation.id, operation])]);
+    const news = operations.filter(({ id, outcome }) => outcome !== "running" || isRunning(this.get(id) ?? { outcome }));
+    const merged = new Map([...this.#byId, ...news.map((operation) => [operation.id, operation])]);
     this.#byId = new Map([...merged].sort(([a], [b]) => a - b).slice(-kKept));
+    this.#lookIfUnseen();
     this.#onChange();
   }
 }

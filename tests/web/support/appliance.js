@@ -1,6 +1,6 @@
 // A real appliance in a folder of its own, for a test, and what a test does to it from outside.
 import { execFile, spawn } from "node:child_process";
-import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { existsSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, rmSync, statSync } from "node:fs";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
@@ -14,6 +14,18 @@ const kPackage = "var/packages/Camvora/target";
 const kMethods = "/api/ORVA.Camvora.AddOns/v1/";
 
 const run = promisify(execFile);
+
+function read(file) {
+  try {
+    return readFileSync(file, "utf8");
+  } catch {
+    return ""; // of a process that has ended
+  }
+}
+
+function inodeOf(file) {
+  return statSync(file, { throwIfNoEntry: false })?.ino;
+}
 
 export const samplePath = (name) => path.join(kBuild, "packages", `${name}.spk`);
 
@@ -75,6 +87,36 @@ export class Appliance {
     const inTheWay = this.fileOf(`tmp/cv_${shortName}.pid`);
     mkdirSync(path.join(inTheWay, "full"), { recursive: true });
     return { mend: () => rmSync(inTheWay, { recursive: true }) };
+  }
+
+  // Kills the daemon of the service, as the kernel would that has no memory left.
+  async killDaemon(service) {
+    const { pid } = await this.info(service);
+    this.#kill((status) => new RegExp(`^NSpid:.*\\t${pid}$`, "m").test(status));
+  }
+
+  // Ends the script that hangs in the sample package made for that.
+  endHangingScript() {
+    this.#kill((status) => /^Name:\tpostinst$/m.test(status));
+  }
+
+  #kill(isWanted) {
+    const isMine = (pid) => inodeOf(`/proc/${pid}/root/tmp`) === inodeOf(this.fileOf("tmp"));
+    const pid = readdirSync("/proc").find((name) => /^\d+$/.test(name) && isWanted(read(`/proc/${name}/status`)) && isMine(name));
+    process.kill(Number(pid), "SIGKILL");
+  }
+
+  // Sends a sample package and has it checked. Returns what "GetPkgInfo" answers.
+  async upload(sample, service) {
+    const form = new FormData();
+    form.append("addonsSpkFile", new Blob([readFileSync(samplePath(sample))]), `${sample}.spk`);
+    const reply = await fetch(`${this.url}${kMethods}Upload`, {
+      method: "POST",
+      headers: { Authorization: `Bearer ${this.token}` },
+      body: form,
+    });
+    const { pkgInfo } = (await reply.json()).data;
+    return this.call("GetPkgInfo", { service, pkgInfo });
   }
 
   // What the owner asks for, beside the browser.
