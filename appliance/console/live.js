@@ -4,20 +4,24 @@ import { EventStream } from "./events.js";
 import { changed, setConnection, store, take } from "./store.js";
 
 const kKept = 300; // of notifications, and of entries of the operation log
+const kLookMs = 3000; // what is over at once may never be in the stream
 const kLogPauseMs = 300;
 const kSettleMs = 4000;
 const kSettleStepMs = 150;
 
 let stream;
 let logTimer;
+let lookTimer;
 
 // `onRefused` is called when nobody is signed in any more.
 export function start(onRefused) {
   stream = new EventStream({ onEvent: takeEvent, onLost: () => setConnection("lost"), onRefused });
+  lookTimer = setInterval(() => store.operations.look(), kLookMs);
 }
 
 export function stop() {
   stream.stop();
+  clearInterval(lookTimer);
 }
 
 export function retryNow() {

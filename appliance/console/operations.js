@@ -54,15 +54,16 @@ export class Operations {
   see(running) {
     this.#streamed = running.map((operation) => operation.id);
     this.#keep(running);
-    this.#look(0);
+    this.look();
   }
 
-  // Reads those that have begun since, which may be over before the stream could name them.
+  // Reads those that have begun since.
   async catchUp() {
     while (await this.read(Math.max(0, ...this.#byId.keys()) + 1));
   }
 
-  #look(pauseMs) {
+  // Reads what is not known yet: begins, and ends.
+  look(pauseMs = 0) {
     this.#timer ??= setTimeout(async () => {
       try {
         await this.catchUp();
@@ -77,7 +78,7 @@ export class Operations {
 
   #lookIfUnseen() {
     if (this.#unseen().length > 0) {
-      this.#look(kLookMs);
+      this.look(kLookMs);
     }
   }
 

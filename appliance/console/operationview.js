@@ -44,7 +44,7 @@ function factsOf(operation) {
     ["operation.change", versionsOf(operation)],
     ["operation.who", text(`who.${who}`)],
     ["operation.begin", time(begin)],
-    [outcome === "running" ? "operation.soFar" : "operation.duration", duration(durationMs)],
+    ["operation.duration", outcome !== "running" && duration(durationMs)],
     ["operation.request", make("code", {}, request)],
   ]);
 }

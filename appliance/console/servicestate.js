@@ -1,5 +1,6 @@
 // How a service stands, of all that is known: what its card shows, and what may be asked for it.
 import { store } from "./store.js";
+import { changeBetween } from "./versions.js";
 
 const kStarted = 1; // statuses of a service
 const kInProgress = 4;
@@ -16,7 +17,7 @@ export function stateOf(info) {
   const known = {
     info,
     work: store.operations.running(service) ?? store.pending.get(service),
-    release: store.releases.find((release) => release.service === service && release.version !== ""),
+    release: store.releases.find((release) => release.service === service && isNewer(release.version, info.version)),
     download: store.downloads.find((download) => download.service === service),
     check: store.checks.get(service),
   };
@@ -24,6 +25,11 @@ export function stateOf(info) {
   known.state = nameOf(known);
   known.actions = new Set(actionsOf(known));
   return known;
+}
+
+// What was found stays known when it is installed.
+function isNewer(version, installed) {
+  return version !== "" && ["first", "newer"].includes(changeBetween(installed, version));
 }
 
 function nameOf({ info, work }) {

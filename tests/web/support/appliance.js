@@ -24,7 +24,11 @@ function read(file) {
 }
 
 function inodeOf(file) {
-  return statSync(file, { throwIfNoEntry: false })?.ino;
+  try {
+    return statSync(file).ino;
+  } catch {
+    return undefined;
+  }
 }
 
 export const samplePath = (name) => path.join(kBuild, "packages", `${name}.spk`);
@@ -100,10 +104,21 @@ export class Appliance {
     this.#kill((status) => /^Name:\tpostinst$/m.test(status));
   }
 
+  // The host answers nobody, and closes no connection, until what this returns is called.
+  freeze() {
+    const pids = this.#processes((status) => /^Name:\tcamvora-host$/m.test(status));
+    pids.forEach((pid) => process.kill(pid, "SIGSTOP"));
+    return () => pids.forEach((pid) => process.kill(pid, "SIGCONT"));
+  }
+
   #kill(isWanted) {
+    process.kill(this.#processes(isWanted)[0], "SIGKILL");
+  }
+
+  #processes(isWanted) {
     const isMine = (pid) => inodeOf(`/proc/${pid}/root/tmp`) === inodeOf(this.fileOf("tmp"));
-    const pid = readdirSync("/proc").find((name) => /^\d+$/.test(name) && isWanted(read(`/proc/${name}/status`)) && isMine(name));
-    process.kill(Number(pid), "SIGKILL");
+    return readdirSync("/proc").filter((name) => /^\d+$/.test(name) && isWanted(read(`/proc/${name}/status`)))
+      .filter(isMine).map(Number);
   }
 
   // Sends a sample package and has it checked. Returns what "GetPkgInfo" answers.
@@ -149,5 +164,11 @@ export class Appliance {
 
   async client(...args) {
     return (await run(this.fileOf("camvoractl"), args)).stdout;
+  }
+
+  // Makes this one a CMS host, and the other one its recorder of that name.
+  async pairWith(recorder, name) {
+    const { code } = JSON.parse(await this.client("--json", "pair", "code", name));
+    await recorder.client("pair", "join", this.url, code);
   }
 }

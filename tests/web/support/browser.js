@@ -105,12 +105,12 @@ export class Console {
     await eventually(async () => (await locator.count()) > 0 && !(await this.isOff(locator)), `${locator} can be used`);
   }
 
-  // Drops files on the element, as from another window.
+  // Drops files on the element, as from another window: of these bytes, or so many of no meaning.
   async drop(locator, files) {
     const transfer = await this.page.evaluateHandle((given) => {
       const data = new DataTransfer();
-      for (const { name, bytes } of given) {
-        data.items.add(new File([Uint8Array.from(bytes)], name));
+      for (const { name, bytes, size } of given) {
+        data.items.add(new File([bytes ? Uint8Array.from(bytes) : new Uint8Array(size)], name));
       }
       return data;
     }, files);
