@@ -9,6 +9,7 @@ import { foreign, redraw, text } from "./texts.js";
 const kPage = 40;
 
 export class Activity {
+  #sources = []; // of what is shown
   #shown = kPage;
   #service = this.#filter("select", "activity.service");
   #kind = this.#filter("select", "activity.kind");
@@ -25,6 +26,14 @@ export class Activity {
     this.#list, this.#empty, this.#more);
 
   show() {
+    const sources = [store.operations.all(), store.entries, store.notifications, store.recorder, store.services.length];
+    if (sources.some((source, index) => source !== this.#sources[index])) {
+      this.#sources = sources;
+      this.#showAll();
+    }
+  }
+
+  #showAll() {
     const isHere = store.recorder === "";
     this.#showOptions();
     const all = isHere ? happenings() : [];
@@ -42,7 +51,7 @@ export class Activity {
     const control = make(tag, attributes);
     control.addEventListener("input", () => {
       this.#shown = kPage;
-      this.show();
+      this.#showAll();
     });
     make("label", { class: "field" }, make("span", { text: key }), control);
     return control;
@@ -51,7 +60,7 @@ export class Activity {
   #matches({ service, kind, name, words, who }) {
     const wanted = this.#words.value.trim().toLowerCase();
     return ["", String(service)].includes(this.#service.value) && ["", kind].includes(this.#kind.value)
-      && `${name}\n${words}\n${who && text(`who.${who}`)}`.toLowerCase().includes(wanted);
+      && (wanted === "" || `${name}\n${words}\n${who && text(`who.${who}`)}`.toLowerCase().includes(wanted));
   }
 
   #showOptions() {
@@ -63,7 +72,7 @@ export class Activity {
   #showMore() {
     const next = this.#list.childElementCount;
     this.#shown += kPage;
-    this.show();
+    this.#showAll();
     const added = [...this.#list.children].slice(next);
     added.map((row) => row.querySelector("button")).find(Boolean)?.focus();
   }
@@ -71,7 +80,7 @@ export class Activity {
   #showEmpty(key) {
     const reset = () => {
       [this.#service, this.#kind, this.#words].forEach((control) => (control.value = ""));
-      this.show();
+      this.#showAll();
       this.#words.focus();
     };
     redraw(this.#empty, key, () => [make("p", { class: "empty-title", text: key }),

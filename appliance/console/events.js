@@ -62,17 +62,18 @@ export class EventStream {
       if (!response.ok) {
         readReply(await response.json());
       }
-      await this.#read(response.body.pipeThrough(new TextDecoderStream()).getReader(), watch);
+      await this.#read(response.body.getReader(), watch);
     } finally {
       watch.end();
     }
   }
 
   async #read(reader, watch) {
+    const decoder = new TextDecoder();
     let rest = "";
     for (let piece = await reader.read(); !piece.done; piece = await reader.read()) {
       watch.heard();
-      const blocks = (rest + piece.value).split("\n\n");
+      const blocks = (rest + decoder.decode(piece.value, { stream: true })).split("\n\n");
       rest = blocks.pop();
       blocks.map(parseEvent).filter((event) => event.data).forEach((event) => this.#pass(event));
     }

@@ -8,6 +8,8 @@ const kAddOnControlled = 0x133000b5; // an entry with the texts: name of the ser
 const kAddOnChanged = 24; // a notification with the texts: service, action, "0"
 const kWordsLimit = 300;
 
+const known = new WeakMap(); // what was described before
+
 export function nameOf(service) {
   return infoOf(service)?.name ?? text("service.unknown", { number: service });
 }
@@ -43,12 +45,17 @@ function notificationOf({ type, texts, time }) {
 
 // All of them, newest first: [{kind, id, key, service, name, time, who, words, outcome}].
 export function happenings() {
-  const described = (kind, all, describe) => all.map((one) =>
-    ({ who: "", outcome: "", ...describe(one), kind, id: one.id, key: `${kind}-${one.id}` }));
   return [
-    ...described("operation", store.operations.all(), operationOf),
-    ...described("entry", store.entries, entryOf),
-    ...described("notification", store.notifications, notificationOf),
-  ].map((one) => ({ ...one, words: one.words.slice(0, kWordsLimit) }))
-    .sort((a, b) => (a.time < b.time ? 1 : a.time > b.time ? -1 : b.id - a.id));
+    ...store.operations.all().map((one) => described("operation", one, operationOf)),
+    ...store.entries.map((one) => described("entry", one, entryOf)),
+    ...store.notifications.map((one) => described("notification", one, notificationOf)),
+  ].sort((a, b) => (a.time < b.time ? 1 : a.time > b.time ? -1 : b.id - a.id));
+}
+
+function described(kind, one, describe) {
+  if (!known.has(one)) {
+    const { words, ...others } = describe(one);
+    known.set(one, { who: "", outcome: "", ...others, words: words.slice(0, kWordsLimit), kind, id: one.id, key: `${kind}-${one.id}` });
+  }
+  return known.get(one);
 }

@@ -5,7 +5,7 @@ import { changed, setConnection, store, take } from "./store.js";
 
 const kKept = 300; // of notifications, and of entries of the operation log
 const kLookMs = 3000; // what is over at once may never be in the stream
-const kLogPauseMs = 300;
+const kLogPauseMs = 1000;
 const kSettleMs = 4000;
 const kSettleStepMs = 150;
 
@@ -16,7 +16,7 @@ let lookTimer;
 // `onRefused` is called when nobody is signed in any more.
 export function start(onRefused) {
   stream = new EventStream({ onEvent: takeEvent, onLost: () => setConnection("lost"), onRefused });
-  lookTimer = setInterval(() => store.operations.look(), kLookMs);
+  lookTimer = setInterval(() => store.operations.look(0), kLookMs);
 }
 
 export function stop() {
@@ -75,8 +75,11 @@ async function readLog() {
   try {
     const last = store.entries.at(-1)?.id ?? 0;
     const { entries } = await page(last === 0 ? "/operationlog" : `/operationlog?after=${last}`);
-    store.entries = [...store.entries, ...entries.filter((entry) => entry.id > last)].slice(-kKept);
-    changed();
+    const news = entries.filter((entry) => entry.id > last);
+    if (news.length > 0) {
+      store.entries = [...store.entries, ...news].slice(-kKept);
+      changed();
+    }
   } catch {
     // the next event, or the next connection, brings another attempt
   }

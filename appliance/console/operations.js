@@ -2,13 +2,13 @@
 import { page } from "./api.js";
 
 const kKept = 300;
-const kLookMs = 500;
+const kLookMs = 300;
 const kChanging = ["Enable", "Disable", "Restart", "Update", "Restore"];
 
 const isRunning = (operation) => operation.outcome === "running";
 
 export class Operations {
-  #byId = new Map();
+  #all = []; // by their ids
   #streamed = []; // those that the stream last named as running
   #onChange;
   #timer;
@@ -18,28 +18,28 @@ export class Operations {
   }
 
   clear() {
-    this.#byId.clear();
+    this.#all = [];
   }
 
   all() {
-    return [...this.#byId.values()];
+    return this.#all;
   }
 
   get(id) {
-    return this.#byId.get(id);
+    return this.#all.find((operation) => operation.id === id);
   }
 
   ofRequest(request) {
-    return this.all().find((operation) => operation.request === request);
+    return this.#all.find((operation) => operation.request === request);
   }
 
   running(service) {
-    return this.all().find((operation) => operation.service === service && isRunning(operation));
+    return this.#all.find((operation) => operation.service === service && isRunning(operation));
   }
 
   // The last that has ended of those that change the service.
   lastChange(service) {
-    return this.all().findLast((operation) =>
+    return this.#all.findLast((operation) =>
       operation.service === service && !isRunning(operation) && kChanging.includes(operation.method));
   }
 
@@ -59,11 +59,11 @@ export class Operations {
 
   // Reads those that have begun since.
   async catchUp() {
-    while (await this.read(Math.max(0, ...this.#byId.keys()) + 1));
+    while (await this.read((this.#all.at(-1)?.id ?? 0) + 1));
   }
 
   // Reads what is not known yet: begins, and ends.
-  look(pauseMs = 0) {
+  look(pauseMs) {
     this.#timer ??= setTimeout(async () => {
       try {
         await this.catchUp();
@@ -83,15 +83,19 @@ export class Operations {
   }
 
   #unseen() {
-    return this.all().filter((operation) => isRunning(operation) && !this.#streamed.includes(operation.id));
+    return this.#all.filter((operation) => isRunning(operation) && !this.#streamed.includes(operation.id));
   }
 
   // Answers may come out of order, but nothing that has ended runs again.
   #keep(operations) {
-    const news = operations.filter(({ id, outcome }) => outcome !== "running" || isRunning(this.get(id) ?? { outcome }));
-    const merged = new Map([...this.#byId, ...news.map((operation) => [operation.id, operation])]);
-    this.#byId = new Map([...merged].sort(([a], [b]) => a - b).slice(-kKept));
+    const known = new Map(this.#all.map((operation) => [operation.id, operation]));
+    const isNews = (operation) => !known.has(operation.id) || isRunning(known.get(operation.id));
+    const news = operations.filter(isNews);
+    if (news.length > 0) {
+      news.forEach((operation) => known.set(operation.id, operation));
+      this.#all = [...known.values()].sort((a, b) => a.id - b.id).slice(-kKept);
+      this.#onChange();
+    }
     this.#lookIfUnseen();
-    this.#onChange();
   }
 }

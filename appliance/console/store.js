@@ -1,7 +1,8 @@
-// What is known of the appliance that is shown. Who shows it is told of changes, once a frame.
+// What is known of the appliance that is shown. Who shows it is told of changes, a few times a second at most.
 import { Operations } from "./operations.js";
 
 const kDismissed = "camvora-dismissed";
+const kPauseMs = 500; // between two looks of those who show it
 const kNoAppliance = { name: "", model: "", version: "", blCmsHost: false };
 const kStreamed = ["services", "downloads", "releases"];
 
@@ -18,6 +19,7 @@ export const store = {
 
 const listeners = [];
 let isScheduled = false;
+let toldAt = 0;
 
 forget();
 
@@ -26,13 +28,17 @@ export function whenChanged(listener) {
 }
 
 export function changed() {
-  if (!isScheduled) {
-    isScheduled = true;
-    requestAnimationFrame(() => {
-      isScheduled = false;
-      listeners.forEach((listener) => listener());
-    });
+  if (isScheduled) {
+    return;
   }
+  isScheduled = true;
+  setTimeout(() => requestAnimationFrame(tellAll), Math.max(0, toldAt + kPauseMs - performance.now()));
+}
+
+function tellAll() {
+  isScheduled = false;
+  toldAt = performance.now();
+  listeners.forEach((listener) => listener());
 }
 
 export function setConnection(connection) {

@@ -46,19 +46,21 @@ test("ten events a second take little of the processor, and thousands leave noth
     performance.getEntriesByName("first-contentful-paint").map(({ startTime }) => startTime));
   t.diagnostic(`first paint after ${Math.round(paint)} ms`);
   const session = await user.page.context().newCDPSession(user.page);
-  await session.send("Performance.enable");
+  await session.send("Performance.enable", { timeDomain: "threadTicks" });
   for (let i = 0; i < 400; ++i) { // the lists are full then
     host.happen();
   }
   await sleep(1000);
 
   const before = await measure(session);
+  const begin = performance.now();
   for (let i = 0; i < kEventsPerS * kMeasuredS; ++i) {
     host.happen();
     await sleep(1000 / kEventsPerS);
   }
+  const seconds = (performance.now() - begin) / 1000;
   const after = await measure(session);
-  const share = (100 * (after.TaskDuration - before.TaskDuration)) / (after.Timestamp - before.Timestamp);
+  const share = (100 * (after.TaskDuration - before.TaskDuration)) / seconds;
 
   for (let i = 0; i < kBurst; ++i) {
     host.happen();
@@ -74,6 +76,6 @@ test("ten events a second take little of the processor, and thousands leave noth
   host.end();
   assert.ok(paint < 1000, "the first paint");
   assert.ok(share < 15, "the processor");
-  assert.ok(grownKiB < 512, "the heap");
+  assert.ok(grownKiB < 1024, "the heap");
   assert.ok(last.Nodes - after.Nodes < 200, "the nodes");
 });

@@ -16,6 +16,7 @@ const kPages = {
 
 export class BusyHost {
   #count = 0;
+  #isRunning = kServices.map(() => false);
   #streams = new Set();
   #server = createServer((request, response) => this.#answer(request, response));
 
@@ -36,18 +37,19 @@ export class BusyHost {
 
   // A service starts or stops: a notification, and the state of all.
   happen() {
-    const service = kServices[++this.#count % kServices.length];
+    const index = ++this.#count % kServices.length;
+    this.#isRunning[index] = !this.#isRunning[index];
     this.#send("notification", { id: this.#count, time: new Date().toISOString(), request: "", type: 24,
-      texts: [String(service), String(this.#count % 2), "0"] });
+      texts: [String(kServices[index]), String(Number(this.#isRunning[index])), "0"] });
     this.#send("state", this.#state());
   }
 
   #state() {
-    const services = kServices.map((service) => {
-      const isRunning = (this.#count + service) % 2 === 0;
+    const services = kServices.map((service, index) => {
+      const isRunning = this.#isRunning[index];
       return { service, name: `Service ${service}`, shortName: `service${service}`, status: Number(isRunning),
         blRunning: isRunning, version: "1.0.0-0001", blHasPackages: true, blFactoryCopy: true, blAutoUpdate: false,
-        ...(isRunning && { pid: 100 + this.#count, since: new Date().toISOString() }) };
+        ...(isRunning && { pid: 100 + service, since: "2026-03-01T12:00:00.000Z" }) };
     });
     return { services, downloads: [], releases: [], operations: [] };
   }
