@@ -4,10 +4,7 @@ import { ask } from "./dialog.js";
 import { chooseFile } from "./install.js";
 import { alone, order } from "./orders.js";
 import { isDowngrade, planFor, restorePlanFor } from "./plan.js";
-import { readDownload } from "./recorder.js";
-import { changed, store } from "./store.js";
-
-const kDownloading = 4; // of a look for releases
+import { store } from "./store.js";
 
 const kActions = {
   start: ({ service }) => order(service, "Enable"),
@@ -36,31 +33,18 @@ export function lookForAll() {
 async function look(service) {
   await alone(service, "CheckUpdateInfo", async () => {
     const { data } = await call("CheckUpdateInfo", { service });
-    await keepCheck(service, data.status);
+    store.checks.set(service, data.status);
   });
-}
-
-async function keepCheck(service, status) {
-  store.checks.set(service, status);
-  if (store.recorder !== "") {
-    await readDownload(service);
-  }
-  changed();
 }
 
 async function download(service) {
   store.checks.delete(service);
-  if ((await order(service, "DownloadStart")) && store.recorder !== "") {
-    await keepCheck(service, kDownloading);
-  }
+  await order(service, "DownloadStart");
 }
 
 // A cancel goes beside what it cancels.
 async function cancel(service) {
   await call("DownloadCancel", { service }).catch(() => {});
-  if (store.recorder !== "") {
-    await look(service);
-  }
 }
 
 async function update(info) {

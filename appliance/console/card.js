@@ -1,11 +1,12 @@
 // The card of a service: built once, then changed where something else is to be shown.
 import { act } from "./actions.js";
 import { CommandList } from "./commands.js";
-import { announce, button, isEnabled, make, setAttribute, setEnabled, setShown, setText } from "./dom.js";
+import { announce, button, isEnabled, make, nameAction, setAttribute, setEnabled, setShown, setText } from "./dom.js";
 import { FailureStrip } from "./failurestrip.js";
 import { time } from "./format.js";
 import { installFile } from "./install.js";
 import { ReleaseStrip } from "./releasestrip.js";
+import { store } from "./store.js";
 import { fill, foreign, redraw, text } from "./texts.js";
 
 const kPackageActions = ["check", "install", "restore"];
@@ -74,8 +75,7 @@ export class Card {
   }
 
   #showButton(element, action, isUsable) {
-    fill(element, `action.${action}`);
-    setAttribute(element, "aria-label", text("action.on", { action: text(`action.${action}`), name: this.#known.info.name }));
+    nameAction(element, action, this.#known.info.name);
     setEnabled(element, isUsable && this.#known.actions.has(action));
   }
 
@@ -89,7 +89,7 @@ export class Card {
     this.element.addEventListener("dragleave", () => classList.remove("drop"));
     this.element.addEventListener("drop", (event) => {
       classList.remove("drop");
-      if (event.dataTransfer.files.length > 0 && isEnabled(this.#buttons.get("install"))) {
+      if (event.dataTransfer.files.length > 0 && this.#known.info.blHasPackages && store.connection === "live") {
         event.preventDefault();
         event.stopPropagation();
         installFile(event.dataTransfer.files[0], this.#known.info.service);

@@ -19,18 +19,14 @@ const kLines = {
   autoOff: (service) => ["auto-update", service, "off"],
 };
 
-// The client has no records of a recorder: there it calls the methods.
-const kMethods = { check: "CheckUpdateInfo", download: "DownloadStart", cancel: "DownloadCancel", update: "Update" };
-
 function quoted(word) {
   return /^[\w.=-]+$/.test(word) ? word : `'${word.replaceAll("'", "'\\''")}'`;
 }
 
 // `info`: the service as the appliance describes it; `recorder`: where it is, "" for the appliance itself.
 export function commandFor(action, info, recorder) {
-  const isCall = recorder !== "" && action in kMethods;
-  const line = isCall ? ["call", kMethods[action], `service=${info.service}`] : kLines[action](info.shortName);
-  return ["camvoractl", ...(recorder ? ["--server", recorder] : []), ...line].map(quoted).join(" ");
+  const server = recorder ? ["--server", recorder] : [];
+  return ["camvoractl", ...server, ...kLines[action](info.shortName)].map(quoted).join(" ");
 }
 
 // A list to unfold; `show` takes what `stateOf` says of the service.

@@ -1,8 +1,8 @@
 // Elements, made and changed in place. Whatever is shown goes in as text, never as markup.
 import { fill, text } from "./texts.js";
 
-// Makes an element. Of the attributes "text" and "label" are keys of the texts, or [key, values]; "on..." are
-// listeners; true stands for an attribute without value, false and undefined for none.
+// Of the attributes "text" and "label" are keys of the texts, or [key, values]; "on..." are listeners; true stands
+// for an attribute without value, undefined for none.
 export function make(tag, attributes = {}, ...children) {
   const element = document.createElement(tag);
   for (const [name, value] of Object.entries(attributes)) {
@@ -12,7 +12,7 @@ export function make(tag, attributes = {}, ...children) {
       element.setAttribute("aria-label", text(...[value].flat()));
     } else if (name.startsWith("on")) {
       element.addEventListener(name.slice(2), value);
-    } else if (value !== false && value !== undefined) {
+    } else if (value !== undefined) {
       element.setAttribute(name, value === true ? "" : value);
     }
   }
@@ -43,6 +43,12 @@ export function setShown(element, isShown) {
   }
 }
 
+// Names a button after what it does to what: the words that are seen, and those that are read out.
+export function nameAction(element, action, subject) {
+  fill(element, `action.${action}`);
+  setAttribute(element, "aria-label", text("action.on", { action: text(`action.${action}`), name: subject }));
+}
+
 // Unlike "disabled" this leaves the focus where it is; `guardClicks` keeps the promise.
 export function setEnabled(element, isEnabled) {
   setAttribute(element, "aria-disabled", !isEnabled);
@@ -62,8 +68,7 @@ export function guardClicks() {
   }, true);
 }
 
-// Makes the children of `parent` show `items`, in their order. `create` makes the element of a new key; those of
-// the others stay.
+// Makes the children of `parent` show `items`, in their order; elements stay with their keys.
 export function reconcile(parent, items, keyOf, create, update) {
   const present = new Map([...parent.children].map((child) => [child.dataset.key, child]));
   let place = parent.firstElementChild;

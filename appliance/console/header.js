@@ -1,7 +1,6 @@
 // The bar at the top: which appliance this is, whether it answers, the language, the way out. Below it, what is wrong.
 import { showOptions } from "./activity.js";
 import { announce, button, make, setAttribute, setShown, setText } from "./dom.js";
-import { retryNow } from "./source.js";
 import { store } from "./store.js";
 import { fill, language, languages, setLanguage, text } from "./texts.js";
 
@@ -44,10 +43,13 @@ export function showHeader(isSignedIn, recorders) {
 export class Banner {
   #title = make("p", { class: "strip-title" });
   #words = make("p");
-  #trouble = make("div", { class: "banner trouble" }, make("div", {}, this.#title, this.#words),
-    button("lost.retry", retryNow));
+  #trouble = make("div", { class: "banner trouble" }, make("div", {}, this.#title, this.#words));
   #recorder = make("p", { class: "banner" });
   element = make("div", {}, this.#trouble, this.#recorder);
+
+  constructor(onRetry) {
+    this.#trouble.append(button("lost.retry", onRetry));
+  }
 
   show() {
     const { connection, recorder } = store;

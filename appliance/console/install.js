@@ -1,10 +1,9 @@
 // A package file's way to the appliance, in one window: sent, checked, shown, and installed when that is agreed to.
-import { call } from "./api.js";
 import { Dialog } from "./dialog.js";
 import { make } from "./dom.js";
 import { percent, Rate, size } from "./format.js";
 import { logLines } from "./loglines.js";
-import { alone, isBusy, order, whenSeen } from "./orders.js";
+import { alone, carryOut, isBusy, order } from "./orders.js";
 import { isDowngrade, planFor } from "./plan.js";
 import { isCut, refusalOf } from "./problems.js";
 import { infoOf, store } from "./store.js";
@@ -71,9 +70,7 @@ class Installation {
       store.pending.get(service).method = "GetPkgInfo";
       this.#dialog.show([make("p", { text: "install.checking", role: "status" }),
         make("progress", { label: "work.GetPkgInfo" })], this.#dialog.closer("dialog.cancel"));
-      const { data, request } = await call("GetPkgInfo", { service, pkgInfo });
-      await whenSeen(service, "GetPkgInfo", request);
-      this.#showPlan(data);
+      this.#showPlan(await carryOut(service, "GetPkgInfo", { pkgInfo }));
     } catch (error) {
       this.#showFailure(error);
     }

@@ -1,18 +1,20 @@
-// Starts the console: signs in, then shows the appliance for as long as the session lasts.
+// Signs in, then shows the appliance for as long as the session lasts.
 import { Activity } from "./activity.js";
-import { exchange, isRefusal, page, whenSessionEnds } from "./api.js";
+import { callAt, exchange, isRefusal, page, whenSessionEnds } from "./api.js";
 import { guardClicks } from "./dom.js";
 import { Banner, prepareHeader, showHeader } from "./header.js";
+import * as live from "./live.js";
+import * as recorder from "./recorder.js";
 import { Services } from "./services.js";
 import { signIn, SignInView, signOut, takeCode } from "./signin.js";
-import { hideAppliance, showAppliance } from "./source.js";
-import { changed, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
+import { changed, forget, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
 
 const kRetryMs = 2000;
 
 const signInView = new SignInView(open);
-const views = [new Banner(), new Services(), new Activity()];
+const views = [new Banner(() => source?.retryNow()), new Services(), new Activity()];
 
+let source; // what follows the appliance that is shown: `live`, or `recorder`
 let isSignedIn = false;
 let recorders = [];
 
@@ -31,7 +33,7 @@ function enter(...entered) {
 function shut(reason) {
   isSignedIn = false;
   recorders = [];
-  hideAppliance();
+  source?.stop();
   forgetAppliance();
   document.querySelectorAll("dialog").forEach((dialog) => dialog.close());
   signInView.note(reason);
@@ -65,8 +67,14 @@ async function open() {
   changed();
 }
 
-function choose(recorder) {
-  showAppliance(recorder, end);
+// Shows the paired recorder of that name, "" for the appliance itself.
+function choose(name) {
+  source?.stop();
+  forget();
+  store.recorder = name;
+  callAt(name);
+  source = name === "" ? live : recorder;
+  source.start(end);
 }
 
 async function leave() {

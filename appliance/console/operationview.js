@@ -1,11 +1,13 @@
 // One operation in a window: what it was, how it ended, and its course.
+import { page } from "./api.js";
 import { Dialog, facts } from "./dialog.js";
 import { make } from "./dom.js";
 import { duration, time } from "./format.js";
 import { nameOf, versionsOf } from "./happenings.js";
 import { store, whenChanged } from "./store.js";
 import { foreign, redraw, text } from "./texts.js";
-import { readTimeline } from "./timeline.js";
+
+const kProgramEnds = { "-1": "program.killed", "-2": "program.absent" }; // by exit status
 
 let follow = () => {}; // what the open window does at a change
 
@@ -54,4 +56,21 @@ function stepOf({ kind, time: when, words, end, isBad }) {
     make("time", { datetime: when }, time(when)), make("span", { class: "kind", text: `timeline.${kind}` }),
     make(kind === "program" ? "code" : "span", { class: "step-words" }, foreign(words)),
     ...(end ? [make("span", { class: "step-end", text: end })] : []));
+}
+
+// [{kind, time, words, end, isBad}]; `end` is a key of the texts with its values. What cannot be read is left out.
+async function readTimeline(request) {
+  const read = (name) => page(`/${name}?request=${request}`).catch(() => ({}));
+  const [{ programs = [] }, { lines = [] }, { entries = [] }] =
+    await Promise.all(["programs", "log", "operationlog"].map(read));
+  return [
+    ...programs.map(stepOfProgram),
+    ...lines.map((line) => ({ kind: "log", time: line.time, words: line.text })),
+    ...entries.map((entry) => ({ kind: "entry", time: entry.time, words: entry.texts.filter(Boolean).join(": ") })),
+  ].sort((a, b) => (a.time < b.time ? -1 : Number(a.time > b.time)));
+}
+
+function stepOfProgram({ path, arguments: given, time, exitStatus, durationMs }) {
+  const end = [kProgramEnds[exitStatus] ?? "program.ended", { status: exitStatus, duration: duration(durationMs) }];
+  return { kind: "program", time, words: `${path} ${[given].flat().join(" ")}`.trim(), end, isBad: exitStatus !== 0 };
 }

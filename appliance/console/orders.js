@@ -18,12 +18,20 @@ export function isBusy(service) {
 
 // Has the method carried out. Returns its data when that is over, or under way without us; undefined when it failed.
 export function order(service, method, params) {
-  return alone(service, method, async () => {
-    const names = kNamed.includes(method) && { serviceName: infoOf(service).name, description: text(`log.${method}`) };
-    const { data, request } = await call(method, { service, ...params, ...names });
-    await whenSeen(service, method, request);
-    return data ?? {};
-  });
+  const names = kNamed.includes(method) && { serviceName: infoOf(service).name, description: text(`log.${method}`) };
+  return alone(service, method, () => carryOut(service, method, { ...params, ...names }));
+}
+
+// Calls the method, and waits until what it was answered shows in the services. Throws a CallError.
+export async function carryOut(service, method, params) {
+  const answer = await call(method, { service, ...params }).catch((error) => error);
+  if (answer.request) {
+    await whenSeen(service, answer instanceof Error ? undefined : method, answer.request);
+  }
+  if (answer instanceof Error) {
+    throw answer;
+  }
+  return answer.data ?? {};
 }
 
 // Runs `work` while nothing else can be asked for `service`. What it throws becomes the service's problem.
@@ -45,8 +53,7 @@ export async function alone(service, method, work) {
   }
 }
 
-// Waits until what was answered shows in the services.
-export async function whenSeen(service, method, request) {
+async function whenSeen(service, method, request) {
   if (kUnrecorded.includes(method)) {
     await readServices();
   } else if (store.recorder === "") {

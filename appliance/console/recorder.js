@@ -1,14 +1,11 @@
 // A recorder that is paired with the appliance, asked again and again, as it tells nothing by itself.
-import { call, isRefusal } from "./api.js";
+import { isRefusal } from "./api.js";
 import { readServices } from "./live.js";
-import { setConnection, store, take } from "./store.js";
+import { infoOf, setConnection } from "./store.js";
 
 const kPauseMs = 2000;
 const kSettleMs = 20_000;
 const kSettleStepMs = 500;
-const kDownloading = 4; // answers of "CheckUpdateInfo"
-const kDownloadStates = [3, kDownloading, 5];
-const kRunning = 1; // of a download
 
 let run = {}; // of the present recorder; a later one takes its place
 
@@ -33,8 +30,7 @@ export async function settle(service, isRunning) {
   const until = performance.now() + kSettleMs;
   while (performance.now() < until) {
     await readServices();
-    const info = store.services.find((candidate) => candidate.service === service);
-    if (isRunning === undefined || info.blRunning === isRunning) {
+    if (isRunning === undefined || infoOf(service).blRunning === isRunning) {
       return true;
     }
     await pause(kSettleStepMs);
@@ -42,25 +38,11 @@ export async function settle(service, isRunning) {
   return false;
 }
 
-// Takes over how the download of `service` stands; of that a recorder tells only the percentage.
-export async function readDownload(service) {
-  const others = store.downloads.filter((download) => download.service !== service);
-  if (!kDownloadStates.includes(store.checks.get(service))) {
-    take({ downloads: others });
-    return;
-  }
-  const { version, status, percent } = (await call("DownloadProgress", { service })).data;
-  const download = { service, version: version.split(" ").at(-1), status, bytes: percent, size: 100, problem: "" };
-  take({ downloads: [...others, download] });
-}
-
 async function poll(mine) {
   for (; mine.isWanted; await pause(kPauseMs)) {
     let connection = "live";
     try {
       await readServices();
-      const running = store.downloads.filter((download) => download.status === kRunning);
-      await Promise.all(running.map((download) => readDownload(download.service)));
     } catch (error) {
       connection = isRefusal(error) ? "refused" : "lost";
     }

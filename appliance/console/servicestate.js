@@ -5,7 +5,6 @@ import { changeBetween } from "./versions.js";
 const kStarted = 1; // statuses of a service
 const kInProgress = 4;
 const kReading = ["DownloadStart", "GetPkgInfo", "Upload", "CheckUpdateInfo", "SetAutoUpdate"]; // leave it as it is
-const kNewer = 2; // of a look for releases
 
 export const kDownload = { running: 1, ready: 2, failed: 4 }; // statuses of a download
 
@@ -59,7 +58,7 @@ function failureOf(service, download) {
   return download?.status === kDownload.failed ? { method: "DownloadStart", text: download.problem } : undefined;
 }
 
-function actionsOf({ info, state, work, release, download, check }) {
+function actionsOf({ info, state, work, release, download }) {
   if (download?.status === kDownload.running) {
     return ["cancel"];
   }
@@ -67,11 +66,11 @@ function actionsOf({ info, state, work, release, download, check }) {
     return [];
   }
   const power = info.blRunning ? ["stop", "restart"] : ["start"];
-  const isReady = download?.status === kDownload.ready;
-  const online = isReady ? ["update"] : release || check === kNewer ? ["download"] : [];
+  const ready = download?.status === kDownload.ready ? ["update"] : release ? ["download"] : [];
+  const online = store.recorder === "" ? ["check", ...ready] : []; // a recorder tells nothing of releases
   return [
     ...(state === "absent" ? [] : power),
-    ...(info.blHasPackages ? [info.blAutoUpdate ? "autoOff" : "autoOn", "check", "install", ...online] : []),
+    ...(info.blHasPackages ? [info.blAutoUpdate ? "autoOff" : "autoOn", "install", ...online] : []),
     ...(info.blFactoryCopy ? ["restore"] : []),
   ];
 }

@@ -24,7 +24,7 @@ export default {
   "appliance.host": "CMS-Host",
   "appliance.shown": "Anzeige",
   "appliance.this": "Dieses Gerät",
-  "recorder.note": "Sie sehen den Rekorder {name} über diesen CMS-Host.",
+  "recorder.note": "Sie sehen den Rekorder {name} über diesen CMS-Host. Neue Versionen und Protokoll zeigt seine eigene Konsole.",
 
   "services.title": "Dienste",
   "services.running": "{running} von {all} laufen",
@@ -85,7 +85,6 @@ export default {
   "download.running": "{version} wird geladen",
   "download.ready": "{version} ist bereit zur Installation",
   "amount.rate": "{done} von {size} · {rate}/s",
-  "amount.done": "{done}",
   "check.0": "Nicht bekannt: eine andere Suche dauert zu lange",
   "check.1": "Auf dem neuesten Stand",
   "check.2": "Es gibt eine neue Version",

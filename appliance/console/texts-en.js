@@ -24,7 +24,7 @@ export default {
   "appliance.host": "CMS host",
   "appliance.shown": "Shown",
   "appliance.this": "This appliance",
-  "recorder.note": "You see the recorder {name} through this CMS host.",
+  "recorder.note": "You see the recorder {name} through this CMS host. Its releases and its log are in its own console.",
 
   "services.title": "Services",
   "services.running": "{running} of {all} running",
@@ -85,7 +85,6 @@ export default {
   "download.running": "Downloading {version}",
   "download.ready": "{version} is ready to be installed",
   "amount.rate": "{done} of {size} · {rate}/s",
-  "amount.done": "{done}",
   "check.0": "Not known: another look for releases takes too long",
   "check.1": "Up to date",
   "check.2": "There is a new release",

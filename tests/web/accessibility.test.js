@@ -1,28 +1,21 @@
 // What a checker of accessibility finds, at widths from a telephone's to a wide screen's, in light and dark.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
+import { test } from "node:test";
 
 import axe from "axe-core";
 
-import { Appliance } from "./support/appliance.js";
-import { Console, launchBrowser } from "./support/browser.js";
+import { Console } from "./support/browser.js";
+import { useConsole } from "./support/fixture.js";
 
 const kGrave = ["serious", "critical"];
 
-let appliance;
-let browser;
+const its = useConsole({ isSignedIn: false, prepare });
 
-before(async () => {
-  [appliance, browser] = await Promise.all([Appliance.start(), launchBrowser()]);
+async function prepare({ appliance }) {
   await appliance.call("Enable", { service: 3 });
   appliance.breakActions("service5");
   await appliance.call("Enable", { service: 5 });
-});
-
-after(async () => {
-  await browser.close();
-  await appliance.end();
-});
+}
 
 async function isInOrder(user, what) {
   await user.page.evaluate(axe.source);
@@ -38,10 +31,10 @@ for (const [colorScheme, width, locale] of [
 ]) {
   test(`${colorScheme}, ${width} pixels wide, ${locale}`, async () => {
     const options = { colorScheme, locale, viewport: { width, height: 900 } };
-    const user = await Console.open(browser, appliance.url, options);
+    const user = await Console.open(its.browser, its.appliance.url, options);
     await user.page.getByRole("heading", { level: 1 }).waitFor();
     await isInOrder(user, "the way in");
-    await user.page.goto(await appliance.link());
+    await user.page.goto(await its.appliance.link());
     await user.isLive();
     const failed = user.card("Service 5");
     await failed.locator(".log summary").click();

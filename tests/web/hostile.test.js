@@ -4,33 +4,18 @@ import { execFileSync } from "node:child_process";
 import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import path from "node:path";
-import { after, before, test } from "node:test";
+import { after, test } from "node:test";
 
-import { Appliance } from "./support/appliance.js";
-import { Console, launchBrowser } from "./support/browser.js";
+import { useConsole } from "./support/fixture.js";
 
 const kMarkup = "<img src=x onerror=window.taken=1><script>window.taken=1</script>'&amp;";
 const kBackwards = "\u202Egpj.\u05E9\u05DC\u05D5\u05DD";
 const kHostile = kMarkup + kBackwards;
 
-let appliance;
-let browser;
-let user;
-let folder;
+const its = useConsole();
+const folder = mkdtempSync(path.join(tmpdir(), "camvora-hostile-"));
 
-before(async () => {
-  folder = mkdtempSync(path.join(tmpdir(), "camvora-hostile-"));
-  [appliance, browser] = await Promise.all([Appliance.start(), launchBrowser()]);
-  user = await Console.open(browser, await appliance.link());
-  await user.isLive();
-});
-
-after(async () => {
-  await user.close();
-  await browser.close();
-  await appliance.end();
-  rmSync(folder, { recursive: true });
-});
+after(() => rmSync(folder, { recursive: true }));
 
 // A package whose every text is hostile.
 function makePackage() {
@@ -49,29 +34,29 @@ async function isOnlyText(words, within) {
   const shown = within.getByText(words, { exact: true }).first();
   await shown.waitFor();
   assert.equal(await shown.evaluate((element) => element.closest("bdi, [dir=auto]") !== null), true);
-  assert.equal(await user.page.evaluate(() => window.taken), undefined);
-  assert.equal(await user.page.locator("main img, main script, dialog img, dialog script").count(), 0);
+  assert.equal(await its.user.page.evaluate(() => window.taken), undefined);
+  assert.equal(await its.user.page.locator("main img, main script, dialog img, dialog script").count(), 0);
 }
 
 test("the texts of a package, of its file and of the operation log are shown as they are", async () => {
-  await user.drop(user.card("Local Display"), [{ name: `${kMarkup}.spk`, bytes: makePackage() }]);
-  await user.sees("To install", user.dialog);
-  await isOnlyText(kHostile, user.dialog);
-  await isOnlyText(`9.0.0-${kHostile}`, user.dialog);
-  await isOnlyText(`${kMarkup}.spk`, user.dialog);
-  await user.button("Install", user.dialog).click();
-  await isOnlyText(`9.0.0-${kHostile}`, user.card("Local Display"));
+  await its.user.drop(its.user.card("Local Display"), [{ name: `${kMarkup}.spk`, bytes: makePackage() }]);
+  await its.user.sees("To install", its.user.dialog);
+  await isOnlyText(kHostile, its.user.dialog);
+  await isOnlyText(`9.0.0-${kHostile}`, its.user.dialog);
+  await isOnlyText(`${kMarkup}.spk`, its.user.dialog);
+  await its.user.button("Install", its.user.dialog).click();
+  await isOnlyText(`9.0.0-${kHostile}`, its.user.card("Local Display"));
 
-  await appliance.call("Enable", { service: 4, serviceName: kHostile, description: kHostile });
-  await isOnlyText(kHostile, user.page.locator(".happenings .service"));
-  await isOnlyText(kHostile, user.page.locator(".happenings .words"));
+  await its.appliance.call("Enable", { service: 4, serviceName: kHostile, description: kHostile });
+  await isOnlyText(kHostile, its.user.page.locator(".happenings .service"));
+  await isOnlyText(kHostile, its.user.page.locator(".happenings .words"));
 });
 
 test("so are the texts that the log has of a request", async () => {
-  const { mend } = appliance.breakActions("service5");
-  await appliance.call("Enable", { service: 5, serviceName: kHostile });
-  const card = user.card("Service 5");
-  await user.page.route("**/log?request=*", async (route) => {
+  const { mend } = its.appliance.breakActions("service5");
+  await its.appliance.call("Enable", { service: 5, serviceName: kHostile });
+  const card = its.user.card("Service 5");
+  await its.user.page.route("**/log?request=*", async (route) => {
     const lines = [{ time: new Date().toISOString(), text: kHostile }];
     await route.fulfill({ json: { success: true, data: { lines } } });
   });

@@ -1,29 +1,15 @@
 // All of it without a mouse.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
+import { test } from "node:test";
 
-import { Appliance } from "./support/appliance.js";
-import { Console, launchBrowser } from "./support/browser.js";
 import { eventually } from "./support/eventually.js";
+import { useConsole } from "./support/fixture.js";
 
 const kLongestWay = 80; // stops of the tabulator
 
-let appliance;
-let browser;
-let user;
+const its = useConsole({ isSignedIn: false });
 
-before(async () => {
-  [appliance, browser] = await Promise.all([Appliance.start(), launchBrowser()]);
-  user = await Console.open(browser, appliance.url);
-});
-
-after(async () => {
-  await user.close();
-  await browser.close();
-  await appliance.end();
-});
-
-const focused = () => user.page.evaluate(() => {
+const focused = () => its.user.page.evaluate(() => {
   const element = document.activeElement;
   return (element.getAttribute("aria-label") ?? element.labels?.[0]?.textContent ?? element.textContent)
     .replace(/[\u2066-\u2069]/g, "");
@@ -34,24 +20,24 @@ async function tabTo(name) {
     if ((await focused()).startsWith(name)) {
       return;
     }
-    await user.page.keyboard.press("Tab");
+    await its.user.page.keyboard.press("Tab");
   }
   assert.fail(`${name} is not to be reached`);
 }
 
 test("sign in, start, look at the operation, filter, restore, sign out", async () => {
-  const { keyboard } = user.page;
-  await user.sees("Sign in to this appliance");
+  const { keyboard } = its.user.page;
+  await its.user.sees("Sign in to this appliance");
   await tabTo("Or enter the code");
-  await keyboard.type((await appliance.link()).split("=")[1]);
+  await keyboard.type((await its.appliance.link()).split("=")[1]);
   await keyboard.press("Enter");
-  await user.isLive();
+  await its.user.isLive();
 
   await tabTo("Start: Local Display");
   await keyboard.press("Enter");
-  await user.showsState("Local Display", "Running");
+  await its.user.showsState("Local Display", "Running");
   await eventually(async () => (await focused()) === "Stop: Local Display", "the focus stays");
-  assert.match(await user.page.locator("#announcer").textContent(), /Local Display.*: .*Running/);
+  assert.match(await its.user.page.locator("#announcer").textContent(), /Local Display.*: .*Running/);
 
   await tabTo("Commands");
   await keyboard.press("Enter");
@@ -63,19 +49,19 @@ test("sign in, start, look at the operation, filter, restore, sign out", async (
   await keyboard.type("start");
   await tabTo("Start");
   await keyboard.press("Enter");
-  await user.sees("Course", user.dialog);
+  await its.user.sees("Course", its.user.dialog);
   await keyboard.press("Escape");
   assert.equal(await focused(), "Start");
 
-  await user.page.locator("h1").evaluate((element) => {
+  await its.user.page.locator("h1").evaluate((element) => {
     element.tabIndex = -1;
     element.focus();
   });
   await tabTo("Restore …: Local Display");
   await keyboard.press("Space");
-  await user.sees(/is removed/, user.dialog);
+  await its.user.sees(/is removed/, its.user.dialog);
   await tabTo("Restore the factory copy");
   await keyboard.press("Enter");
-  await user.sees("1.5.0-0060", user.card("Local Display"));
+  await its.user.sees("1.5.0-0060", its.user.card("Local Display"));
   await eventually(async () => (await focused()) === "Restore …: Local Display", "the focus comes back");
 });

@@ -1,32 +1,22 @@
 // The way in and the way out.
 import assert from "node:assert/strict";
 import { writeFileSync } from "node:fs";
-import { after, before, test } from "node:test";
+import { test } from "node:test";
 
-import { Appliance } from "./support/appliance.js";
-import { Console, launchBrowser } from "./support/browser.js";
+import { Console } from "./support/browser.js";
+import { useConsole } from "./support/fixture.js";
 
-let appliance;
-let browser;
-
-before(async () => {
-  [appliance, browser] = await Promise.all([Appliance.start(), launchBrowser()]);
-});
-
-after(async () => {
-  await browser.close();
-  await appliance.end();
-});
+const its = useConsole({ isSignedIn: false });
 
 test("a link opens the console once, and leaves no code in the address", async () => {
-  const link = await appliance.link();
-  const first = await Console.open(browser, link);
+  const link = await its.appliance.link();
+  const first = await Console.open(its.browser, link);
   await first.card("Device Pack").waitFor();
-  assert.equal(first.page.url(), `${appliance.url}/`);
+  assert.equal(first.page.url(), `${its.appliance.url}/`);
   await first.page.reload();
   await first.card("Device Pack").waitFor();
 
-  const second = await Console.open(browser, link);
+  const second = await Console.open(its.browser, link);
   await second.sees(/The code is wrong, was used before/);
   assert.equal(await second.page.getByRole("article").count(), 0);
   await first.close();
@@ -34,7 +24,7 @@ test("a link opens the console once, and leaves no code in the address", async (
 });
 
 test("without a session nothing but the way in is shown or answered", async () => {
-  const stranger = await Console.open(browser, appliance.url);
+  const stranger = await Console.open(its.browser, its.appliance.url);
   await stranger.sees("camvoractl console");
   assert.equal(await stranger.page.getByRole("article").count(), 0);
   assert.equal(await stranger.button("Sign out").count(), 0);
@@ -45,25 +35,23 @@ test("without a session nothing but the way in is shown or answered", async () =
 });
 
 test("a code can be typed in, and signing out ends the session", async () => {
-  const user = await Console.open(browser, appliance.url);
-  const code = (await appliance.link()).split("=")[1];
-  await user.page.getByLabel("Or enter the code of the link").fill(` ${code.toLowerCase()} `);
-  await user.button("Sign in").click();
-  await user.card("Device Pack").waitFor();
-  await user.button("Sign out").click();
-  await user.sees("You are signed out.");
-  await user.page.reload();
-  await user.sees("Sign in to this appliance");
-  await user.close();
+  await its.user.page.goto(its.appliance.url);
+  const code = (await its.appliance.link()).split("=")[1];
+  await its.user.page.getByLabel("Or enter the code of the link").fill(` ${code.toLowerCase()} `);
+  await its.user.button("Sign in").click();
+  await its.user.card("Device Pack").waitFor();
+  await its.user.button("Sign out").click();
+  await its.user.sees("You are signed out.");
+  await its.user.page.reload();
+  await its.user.sees("Sign in to this appliance");
 });
 
 test("a token that is changed ends the session, with words for it", async () => {
-  const user = await Console.open(browser, await appliance.link());
-  await user.isLive();
-  await appliance.stop();
-  writeFileSync(appliance.fileOf("token"), `${"a1".repeat(32)}\n`);
-  await appliance.launch();
-  await user.sees(/Your session is over/);
-  assert.equal(await user.page.getByRole("article").count(), 0);
-  await user.close();
+  await its.user.page.goto(await its.appliance.link());
+  await its.user.isLive();
+  await its.appliance.stop();
+  writeFileSync(its.appliance.fileOf("token"), `${"a1".repeat(32)}\n`);
+  await its.appliance.launch();
+  await its.user.sees(/Your session is over/);
+  assert.equal(await its.user.page.getByRole("article").count(), 0);
 });
