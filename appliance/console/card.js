@@ -71,7 +71,7 @@ export class Card {
 
   #showLine({ info, work }) {
     setShown(this.#bar, work);
-    redraw(this.#line, [work?.method, work?.who, info.version, info.since, info.pid], () => (work ? workLine(work) : factsLine(info)));
+    redraw(this.#line, [work?.method, work?.who, info.version, info.since], () => (work ? workLine(work) : factsLine(info)));
   }
 
   #showButton(element, action, isUsable) {
@@ -100,13 +100,12 @@ export class Card {
 
 function workLine(work) {
   const values = { who: text(`who.${work.who}`), time: time(work.begin) };
-  return [make("strong", { text: `work.${work.method}` }), make("span", { text: work.who ? ["work.by", values] : "work.mine" })];
+  return [make("strong", { text: `work.${work.method}` }), ...(work.who ? [make("span", { text: ["work.by", values] })] : [])];
 }
 
-function factsLine({ blHasPackages, version, since, pid }) {
+function factsLine({ blHasPackages, version, since }) {
   return [
     version ? foreign(version) : make("span", { text: blHasPackages ? "version.none" : "version.builtin" }),
     ...(since ? [make("span", { text: ["since", { time: time(since) }] })] : []),
-    ...(pid ? [make("span", { text: ["pid", { pid }] })] : []),
   ];
 }

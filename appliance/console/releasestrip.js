@@ -25,7 +25,7 @@ export class ReleaseStrip {
       : release ? ["release.new", { version: release.version }] : [`check.${check}`];
     setShown(this.element, isHere || release || check !== undefined);
     redraw(this.#words, [words, download?.bytes, release], () => [
-      make("p", { class: "strip-title", text: words }),
+      make("strong", { text: words }),
       ...(isRunning ? this.#progressOf(download) : release ? newsOf(release) : []),
     ]);
     const action = ["cancel", "update", "download"].find((name) => actions.has(name));
@@ -46,6 +46,6 @@ export class ReleaseStrip {
 }
 
 function newsOf({ date, size: bytes, notes }) {
-  return [make("p", { class: "quiet", text: ["release.facts", { date, size: size(bytes) }] }),
+  return [" ", make("span", { class: "quiet", text: ["release.facts", { date, size: size(bytes) }] }),
     make("p", { class: "notes" }, foreign(notes))];
 }

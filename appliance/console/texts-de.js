@@ -43,7 +43,6 @@ export default {
   "version.none": "Noch nichts installiert",
   "version.builtin": "Teil von Camvora",
   "since": "seit {time}",
-  "pid": "Prozess {pid}",
 
   "work.Enable": "Startet",
   "work.Disable": "Stoppt",
@@ -56,7 +55,6 @@ export default {
   "work.CheckUpdateInfo": "Neue Version wird gesucht",
   "work.SetAutoUpdate": "Automatisches Update wird umgestellt",
   "work.by": "durch {who}, seit {time}",
-  "work.mine": "hier angefordert",
 
   "who.client": "einen Client",
   "who.console": "die Konsole",

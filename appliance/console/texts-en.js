@@ -43,7 +43,6 @@ export default {
   "version.none": "Nothing is installed yet",
   "version.builtin": "Part of Camvora",
   "since": "since {time}",
-  "pid": "process {pid}",
 
   "work.Enable": "Starting",
   "work.Disable": "Stopping",
@@ -56,7 +55,6 @@ export default {
   "work.CheckUpdateInfo": "Looking for a new release",
   "work.SetAutoUpdate": "Changing the automatic update",
   "work.by": "by {who}, since {time}",
-  "work.mine": "asked for here",
 
   "who.client": "a client",
   "who.console": "the console",
