@@ -1,7 +1,6 @@
 // What the buttons of a service do.
 import { call } from "./api.js";
 import { ask } from "./dialog.js";
-import { chooseFile } from "./install.js";
 import { alone, order } from "./orders.js";
 import { isDowngrade, planFor, restorePlanFor } from "./plan.js";
 import { store } from "./store.js";
@@ -13,12 +12,20 @@ const kActions = {
   check: ({ service }) => look(service),
   download: ({ service }) => download(service),
   cancel: ({ service }) => cancel(service),
-  install: ({ service }) => chooseFile(service),
+  install: async ({ service }) => (await installing()).chooseFile(service),
   autoOn: ({ service }) => order(service, "SetAutoUpdate", { blEnable: true }),
   autoOff: ({ service }) => order(service, "SetAutoUpdate", { blEnable: false }),
   update,
   restore,
 };
+
+// Loaded when it is wanted for the first time.
+const installing = () => import("./install.js");
+
+// `service`: where the file was dropped, undefined for nowhere in particular.
+export async function installDropped(file, service) {
+  (await installing()).installFile(file, service);
+}
 
 // Does `action` for the service that the appliance describes as `info`.
 export function act(action, info) {

@@ -2,7 +2,6 @@
 import { button, make, reconcile, setAttribute, setShown, setText } from "./dom.js";
 import { time } from "./format.js";
 import { happenings, kKinds } from "./happenings.js";
-import { openOperation } from "./operationview.js";
 import { store } from "./store.js";
 import { foreign, redraw, text } from "./texts.js";
 
@@ -107,7 +106,7 @@ function showRow(row, { kind, id, name, time: when, who, words, outcome }) {
     make("span", { class: "service" }, foreign(name)),
     make(kind === "operation" ? "button" : "span", {
       class: "words",
-      ...(kind === "operation" && { type: "button", onclick: () => openOperation(id) }),
+      ...(kind === "operation" && { type: "button", onclick: async () => (await import("./operationview.js")).openOperation(id) }),
     }, foreign(words)),
     make("span", { class: "who" }, who && text(`who.${who}`)),
     make("span", { class: "outcome" }, outcome && text(`outcome.${outcome}`)),

@@ -1,10 +1,9 @@
 // The card of a service: built once, then changed where something else is to be shown.
-import { act } from "./actions.js";
+import { act, installDropped } from "./actions.js";
 import { CommandList } from "./commands.js";
 import { announce, button, isEnabled, make, nameAction, setAttribute, setEnabled, setShown, setText } from "./dom.js";
 import { FailureStrip } from "./failurestrip.js";
 import { time } from "./format.js";
-import { installFile } from "./install.js";
 import { ReleaseStrip } from "./releasestrip.js";
 import { store } from "./store.js";
 import { fill, foreign, redraw, text } from "./texts.js";
@@ -92,7 +91,7 @@ export class Card {
       if (event.dataTransfer.files.length > 0 && this.#known.info.blHasPackages && store.connection === "live") {
         event.preventDefault();
         event.stopPropagation();
-        installFile(event.dataTransfer.files[0], this.#known.info.service);
+        void installDropped(event.dataTransfer.files[0], this.#known.info.service);
       }
     });
   }

@@ -1,8 +1,7 @@
 // The services, a card each, and what is done for all of them.
-import { lookForAll } from "./actions.js";
+import { installDropped, lookForAll } from "./actions.js";
 import { Card } from "./card.js";
 import { button, make, reconcile, setAttribute, setEnabled, setShown } from "./dom.js";
-import { installFile } from "./install.js";
 import { stateOf } from "./servicestate.js";
 import { store } from "./store.js";
 import { fill } from "./texts.js";
@@ -54,7 +53,7 @@ function takeDropsAnywhere() {
   document.addEventListener("drop", (event) => {
     event.preventDefault();
     if (event.dataTransfer.files.length > 0 && store.connection === "live") {
-      installFile(event.dataTransfer.files[0]);
+      void installDropped(event.dataTransfer.files[0]);
     }
   });
 }
