@@ -65,18 +65,32 @@ Json::Value Appliance::Log(const std::string& requestId) const {
     return ListIn(DataOf(http_.Get("/log", {{"request", requestId}}), "The log"), "lines", "The log");
 }
 
-Json::Value Appliance::Operations(std::optional<Json::Int64> after) const {
+Json::Value Appliance::LogEntries(std::optional<Json::Int64> after) const {
     using Query = std::multimap<std::string, std::string>;
-    return Operations(after ? Query{{"after", std::to_string(*after)}} : Query{});
+    return LogEntries(after ? Query{{"after", std::to_string(*after)}} : Query{});
 }
 
-Json::Value Appliance::OperationsOf(const std::string& requestId) const {
-    return Operations({{"request", requestId}});
+Json::Value Appliance::LogEntriesOf(const std::string& requestId) const {
+    return LogEntries({{"request", requestId}});
+}
+
+Json::Value Appliance::LogEntries(const std::multimap<std::string, std::string>& query) const {
+    constexpr char kWhat[] = "The operation log";
+    return ListIn(Checked(http_.Get("/operationlog", query), kWhat).data, "entries", kWhat);
+}
+
+Json::Value Appliance::Operations() const {
+    return Operations(std::multimap<std::string, std::string>{});
+}
+
+Json::Value Appliance::OperationOf(const std::string& number) const {
+    const Json::Value operations = Operations({{"id", number}});
+    return operations.empty() ? Json::Value() : operations[0];
 }
 
 Json::Value Appliance::Operations(const std::multimap<std::string, std::string>& query) const {
-    constexpr char kWhat[] = "The operation log";
-    return ListIn(Checked(http_.Get("/operationlog", query), kWhat).data, "entries", kWhat);
+    constexpr char kWhat[] = "The list of operations";
+    return ListIn(Checked(http_.Get("/operations", query), kWhat).data, "operations", kWhat);
 }
 
 Json::Value Appliance::Programs(const std::string& requestId) const {

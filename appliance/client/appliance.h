@@ -57,10 +57,16 @@ public:
 
     // The entries of the operation log with ids above `after`, oldest first and at most a thousand; the
     // newest without `after`. Throws as Ask does.
-    Json::Value Operations(std::optional<Json::Int64> after) const;
+    Json::Value LogEntries(std::optional<Json::Int64> after) const;
 
     // The entries of the operation log that a request caused. Throws as Ask does.
-    Json::Value OperationsOf(const std::string& requestId) const;
+    Json::Value LogEntriesOf(const std::string& requestId) const;
+
+    // The newest operations, in the order of their begin and at most a thousand. Throws as Ask does.
+    Json::Value Operations() const;
+
+    // The operation of that number; null when there is none. Throws as Ask does.
+    Json::Value OperationOf(const std::string& number) const;
 
     // The newest programs that the request has run, or that all have where it is empty, in the order of their
     // ends and at most a thousand. Throws as Ask does.
@@ -78,6 +84,7 @@ public:
     void Listen(const std::string& lastEventId, const PieceReceiver& receive) const;
 
 private:
+    Json::Value LogEntries(const std::multimap<std::string, std::string>& query) const;
     Json::Value Operations(const std::multimap<std::string, std::string>& query) const;
     Answer Checked(const HttpReply& reply, const std::string& what) const;
 

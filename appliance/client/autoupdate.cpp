@@ -50,10 +50,12 @@ void SetAutoUpdate(Session& session, const AutoUpdateArguments& arguments) {
 }  // namespace
 
 void AddAutoUpdate(Command program, Session& session) {
-    Command command = program.Add("auto-update", "Switch the automatic update of an add-on on or off");
+    Command command = program.Add("auto-update", "Switch the automatic update of an add-on");
+    command.Explain(
+        "Newer releases are then looked for and installed every day, at a time of the appliance's own.");
     const auto arguments = std::make_shared<AutoUpdateArguments>();
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");
-    command.Argument("WISH", arguments->wish, "\"on\" or \"off\"");
+    command.Argument("on|off", arguments->wish, "Whether it is to be updated every day");
     command.Run([&session, arguments] { SetAutoUpdate(session, *arguments); });
 }
 

@@ -51,7 +51,8 @@ void Call(Session& session, const CallArguments& arguments) {
 }  // namespace
 
 void AddCall(Command program, Session& session) {
-    Command command = program.Add("call", "Call a method of the appliance");
+    Command command = program.Add("call", "Call a method of the web API");
+    command.Explain("\"camvoractl methods\" shows which there are.");
     const auto arguments = std::make_shared<CallArguments>();
     command.Argument("METHOD", arguments->method, "Name of the method");
     command.OptionalArguments("PARAMETER", arguments->params,

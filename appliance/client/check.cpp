@@ -25,6 +25,7 @@ Table VerdictTable(const std::vector<Verdict>& verdicts) {
     Table table({"Rule", "Kept", "Seen", "Wanted"});
     for (const Verdict& verdict : verdicts) {
         table.AddRow({verdict.rule, WordFor(verdict.ruling), verdict.seen, verdict.wanted});
+        table.Paint(1, verdict.ruling == Ruling::kFails ? Colour::kRed : Colour::kNone);
     }
     return table;
 }
@@ -44,7 +45,11 @@ void Check(const Session& session, const std::string& path) {
 }  // namespace
 
 void AddCheck(Command program, Session& session) {
-    Command command = program.Add("check", "Tell whether the appliance would take a package file");
+    Command command = program.Add("check", "Tell whether a package file would be taken");
+    command.Explain(
+        "No appliance has to run. What its folder says of its version and platform is compared with, too; "
+        "without "
+        "one, rules that need that are not checked.");
     const auto path = std::make_shared<std::string>();
     command.Argument("FILE", *path, "Package file");
     command.Run([&session, path] { Check(session, *path); });

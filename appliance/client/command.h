@@ -3,6 +3,8 @@
 // The commands use the parsing library through this class alone: it costs the compiler seconds per source.
 #pragma once
 
+#include "client/commandtree.h"
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -23,6 +25,7 @@ public:
     Command Add(const char* name, const char* help);  // a command below this one
     void NeedsCommand();                              // to be called with one of those
     void Alias(const char* name);
+    void Explain(const char* sentences);  // what the help of this command says beyond its line
 
     void Argument(const char* name, std::string& value, const char* help);
     void OptionalArgument(const char* name, std::string& value, const char* help);
@@ -34,6 +37,9 @@ public:
     void Flag(const char* name, bool& value, const char* help);  // "!--no-x" sets to false
 
     void Exclude(const char* name, const char* other);  // the two are not given together
+
+    // What has been given to it so far.
+    CommandDescription Description() const;
 
     void Run(std::function<void()> run);  // once the whole line has been parsed; may throw Failure
 

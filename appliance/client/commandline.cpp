@@ -2,9 +2,10 @@
 
 #include "client/command.h"
 #include "client/commands.h"
-#include "client/examples.h"
 #include "client/exitstatus.h"
 #include "client/failure.h"
+#include "client/globalsettings.h"
+#include "client/helppage.h"
 #include "client/jsontext.h"
 #include "client/output.h"
 #include "client/session.h"
@@ -12,83 +13,85 @@
 #include <unistd.h>
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
-#include <cctype>
+#include <cstdint>
 #include <cstring>
-#include <sstream>
-#include <utility>
+#include <string>
 #include <vector>
 
 namespace client {
 namespace {
 
-// In the order of the help.
-constexpr void (*kCommands[])(Command, Session&) = {
-    AddList,   AddStatus,     AddControl, AddInstall, AddUpload, AddUpdates, AddDownload,
-    AddUpdate, AddAutoUpdate, AddRestore, AddCheck,   AddPkg,    AddFeed,    AddEvents,
-    AddLog,    AddApps,       AddMethods, AddCall,    AddPair,
+struct CommandGroup {
+    const char* title;
+    std::vector<void (*)(Command, Session&)> commands;
 };
 
-constexpr char kCommandFooter[] = "Options for all commands, and exit statuses: camvoractl --help\n";
-
-constexpr int kLongestTimeoutSeconds = 24 * 60 * 60;
-
-// The name becomes a part of the address.
-CLI::Validator IsServerName() {
-    const auto problemWith = [](const std::string& name) -> std::string {
-        const bool isName = std::all_of(name.begin(), name.end(), [](unsigned char c) {
-            return std::isalnum(c) != 0 || c == '.' || c == '_' || c == '-';
-        });
-        return isName && !name.empty() ? "" : "\"" + name + "\" cannot be the name of a server";
+// In the order of the help.
+const std::vector<CommandGroup>& CommandGroups() {
+    static const std::vector<CommandGroup> groups = {
+        {"Services", {AddList, AddStatus, AddControl, AddApps}},
+        {"Releases", {AddUpdates, AddUpdate, AddDownload, AddAutoUpdate, AddRestore}},
+        {"Package files", {AddInstall, AddUpload, AddCheck, AddPkg, AddFeed}},
+        {"What happens, and what has happened", {AddEvents, AddOperations, AddWait, AddLog}},
+        {"The appliance", {AddConsole, AddPair, AddMethods, AddCall}},
+        {"This program", {AddSettings, AddCompletion, AddMan}},
+        {"", {AddCompletionWords}},
     };
-    return CLI::Validator(problemWith, "");
+    return groups;
 }
 
-void AddOptions(CLI::App& program, GlobalOptions& options) {
+constexpr char kAbout[] = "Manages the add-on services of a Camvora appliance.";
+
+CLI::Validator ValidatorOf(const SettingKind& kind) {
+    return CLI::Validator([&kind](const std::string& value) { return kind.problemOf(value); }, "");
+}
+
+void AddSetting(CLI::App& program, GlobalSettings& settings, const SettingKind& kind) {
+    const std::string name = std::string("--") + kind.name;
+    if (kind.IsFlag()) {
+        program.add_flag_function(
+            name, [&](std::int64_t count) { settings.Set(kind, count > 0 ? "yes" : "no"); }, kind.help);
+    } else {
+        program
+            .add_option_function<std::string>(
+                name, [&](const std::string& value) { settings.Set(kind, value); }, kind.help)
+            ->check(ValidatorOf(kind))
+            ->option_text(kind.valueText)
+            ->take_last();
+    }
+}
+
+void AddOptions(CLI::App& program, GlobalSettings& settings) {
+    for (const SettingKind& kind : kSettingKinds) {
+        AddSetting(program, settings, kind);
+    }
     program.set_version_flag("--version", "camvoractl " CAMVORA_VERSION, "Print the version and exit");
-    program.add_flag("--json", options.json, "Write JSON, errors too, to standard output");
-    program
-        .add_option("--timeout", options.timeoutSeconds,
-                    "Longest time to wait for a reply or an outcome, in seconds")
-        ->check(CLI::Range(1, kLongestTimeoutSeconds))
-        ->option_text("SECONDS [60]");
-    program
-        .add_option("--dir", options.location.dir,
-                    "The appliance's folder. Default: the environment's CAMVORA_DIR, else the folder of this "
-                    "program")
-        ->envname("CAMVORA_DIR")
-        ->option_text("DIR");
-    program.add_option("--url", options.location.url, "Address of the appliance, instead of the folder's")
-        ->option_text("http://HOST:PORT");
-    program
-        .add_option("--token-file", options.location.tokenFile, "File of the token, instead of the folder's")
-        ->option_text("FILE");
-    program
-        .add_option("--server", options.server,
-                    "Call methods on this recording server, which is paired with the appliance")
-        ->check(IsServerName())
-        ->option_text("NAME");
+    program.set_help_flag("-h,--help", "Print this, or what a command is for, and exit");
 }
 
-void AddExamples(CLI::App& program) {
-    std::vector<std::pair<CLI::App*, std::string>> parents = {{&program, ""}};
-    while (!parents.empty()) {
-        const auto [parent, path] = parents.back();
-        parents.pop_back();
-        for (CLI::App* const command : parent->get_subcommands({})) {
-            const std::string name = path + command->get_name();
-            command->footer(ExamplesOf(name) + kCommandFooter);
-            parents.emplace_back(command, name + " ");
+void AddCommands(CLI::App& program, Session& session) {
+    for (const CommandGroup& group : CommandGroups()) {
+        std::size_t known = program.get_subcommands({}).size();
+        for (const auto add : group.commands) {
+            add(Command(program), session);
+        }
+        const std::vector<CLI::App*> commands = program.get_subcommands({});
+        for (; known < commands.size(); ++known) {
+            commands[known]->group(group.title);
         }
     }
 }
 
-void AddCommands(CLI::App& program, Session& session) {
-    for (const auto add : kCommands) {
-        add(Command(program), session);
-    }
-    AddExamples(program);
-    program.footer(ProgramExamples() + ExitStatusHelp());
+// The command's name with those above it.
+std::string PathOf(const CLI::App& command) {
+    const CLI::App* const parent = command.get_parent();
+    const bool isTop = parent->get_parent() == nullptr;
+    return isTop ? command.get_name() : parent->get_name() + " " + command.get_name();
+}
+
+std::string HelpOf(CLI::App& app) {
+    const CommandDescription description = Command(app).Description();
+    return app.get_parent() == nullptr ? ProgramHelp(description) : CommandHelp(description, PathOf(app));
 }
 
 int Report(const Failure& failure, bool json) {
@@ -109,36 +112,48 @@ std::string WhatIsWrong(const CLI::App& program, const CLI::ParseError& error) {
     return std::string("There is no ") + kind + " \"" + unknown.front() + "\"";
 }
 
+// The one that was named last.
+CLI::App& ChosenCommand(CLI::App& program) {
+    CLI::App* chosen = &program;
+    while (!chosen->get_subcommands().empty()) {
+        chosen = chosen->get_subcommands().front();
+    }
+    return *chosen;
+}
+
 // Help and version leave the parser as exceptions, too.
-int PrintInformation(const CLI::App& program, const CLI::Success& wish, const GlobalOptions& options) {
-    std::ostringstream text;
-    program.exit(wish, text, text);
-    const int error = WriteWhole(STDOUT_FILENO, text.str());
-    return error == 0 ? 0 : Report(Failure(ExitStatus::kFailed, strerror(error)), options.json);
+int PrintInformation(CLI::App& program, const CLI::Success& wish, bool isForPrograms) {
+    const bool isHelp = dynamic_cast<const CLI::CallForHelp*>(&wish) != nullptr;
+    const std::string text = isHelp ? HelpOf(ChosenCommand(program)) : std::string(wish.what()) + "\n";
+    const int error = WriteWhole(STDOUT_FILENO, text);
+    return error == 0 ? 0 : Report(Failure(ExitStatus::kFailed, strerror(error)), isForPrograms);
 }
 
 }  // namespace
 
 int RunCommandLine(int argc, const char* const* argv) {
-    GlobalOptions options;
-    Session session(options);
-    CLI::App program("Manages the add-on services of a Camvora appliance.", "camvoractl");
+    GlobalSettings settings;
+    Session session(settings);
+    CLI::App program(kAbout, "camvoractl");
     program.require_subcommand(1);
     program.fallthrough();  // global options may stand behind the command
-    AddOptions(program, options);
+    program.parse_complete_callback([&session] { session.TakeSettings(); });
+    AddOptions(program, settings);
     AddCommands(program, session);
     try {
         program.parse(argc, argv);
         return static_cast<int>(session.EndStatus());
     } catch (const CLI::Success& wish) {
-        return PrintInformation(program, wish, options);
+        return PrintInformation(program, wish, settings.IsOn("json"));
     } catch (const CLI::ParseError& error) {
         const Failure failure(ExitStatus::kUsage, WhatIsWrong(program, error) + ". See camvoractl --help");
-        return Report(failure, program.count("--json") > 0);  // the option's variable may not be set yet
+        const bool isForPrograms =
+            program.count("--json") > 0 || settings.IsOn("json");  // it may not be set yet
+        return Report(failure, isForPrograms);
     } catch (const Failure& failure) {
-        return Report(failure, options.json);
+        return Report(failure, settings.IsOn("json"));
     } catch (const std::exception& error) {
-        return Report(Failure(ExitStatus::kFailed, error.what()), options.json);
+        return Report(Failure(ExitStatus::kFailed, error.what()), settings.IsOn("json"));
     }
 }
 

@@ -27,5 +27,12 @@ void AddAutoUpdate(Command program, Session& session);
 void AddRestore(Command program, Session& session);
 void AddFeed(Command program, Session& session);  // key and build
 void AddPair(Command program, Session& session);  // code, join, list and remove
+void AddConsole(Command program, Session& session);
+void AddOperations(Command program, Session& session);
+void AddWait(Command program, Session& session);
+void AddSettings(Command program, Session& session);
+void AddCompletion(Command program, Session& session);
+void AddCompletionWords(Command program, Session& session);  // which the shells use
+void AddMan(Command program, Session& session);
 
 }  // namespace client

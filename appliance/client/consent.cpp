@@ -27,8 +27,9 @@ void Consent::Ask(const Session& session, const Table& plan, const std::string& 
                   const std::string& refusal) const {
     std::string text = plan.Text();
     text.pop_back();
-    session.Say(text);
-    if (!isGiven_ && !IsAgreed(question)) {
+    if (isGiven_) {
+        session.Say(text);
+    } else if (!IsAgreed(text, question)) {
         throw Failure(ExitStatus::kFailed, refusal);
     }
 }

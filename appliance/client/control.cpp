@@ -18,6 +18,7 @@ struct Control {
     const char* command;
     const char* alias;  // empty for none
     const char* help;
+    const char* more;
     const char* method;
     const char* description;  // for the operation log; empty where the answer is the end and is not logged
     const char* ordered;      // what is known when the appliance has answered
@@ -26,11 +27,13 @@ struct Control {
 
 constexpr Control kControls[] = {
     // clang-format off
-    {"start", "enable", "Start a service", "Enable", "started by camvoractl", "is being started",
+    {"start", "enable", "Start a service",
+     "Waits until the service was seen running, and looks once more two seconds later.", "Enable", "started by camvoractl", "is being started",
      &ServiceWait::ForStarted},
-    {"stop", "disable", "Stop a service", "Disable", "stopped by camvoractl", "is being stopped",
+    {"stop", "disable", "Stop a service", "Waits until the service was seen stopped.", "Disable", "stopped by camvoractl", "is being stopped",
      &ServiceWait::ForStopped},
-    {"restart", "", "Stop a service and start it again", "Restart", "", "was restarted",
+    {"restart", "", "Stop a service and start it again",
+     "Waits until the service was seen running, and looks once more two seconds later.", "Restart", "", "was restarted",
      &ServiceWait::ForStarted},
     // clang-format on
 };
@@ -73,7 +76,7 @@ std::string WhatWasSeen(const Service& service, const Json::Value& info) {
 void Run(Session& session, const Control& control, const ControlArguments& arguments) {
     const Appliance& host = session.Host();
     const Service service = ResolveListedService(host, arguments.service);
-    auto progress = std::make_unique<Progress>(!session.IsForPrograms());
+    auto progress = std::make_unique<Progress>(session.ShowsProgress());
     progress->Step("Asking the appliance to " + std::string(control.command) + " " + service.name);
     const std::string requestId = host.Ask(control.method, Params(control, service)).requestId;
     if (!arguments.isWaiting) {
@@ -93,6 +96,7 @@ void AddOne(Command program, Session& session, const Control& control) {
     if (*control.alias != '\0') {
         command.Alias(control.alias);
     }
+    command.Explain(control.more);
     const auto arguments = std::make_shared<ControlArguments>();
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");
     command.Flag("!--no-wait", arguments->isWaiting, "Do not look at what became of the service");

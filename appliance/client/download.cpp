@@ -49,9 +49,10 @@ void Cancel(Session& session, const std::string& name) {
     session.Print(data, table);
 }
 
-void AddOne(Command program, Session& session, const char* name, const char* help,
+void AddOne(Command program, Session& session, const char* name, const char* help, const char* more,
             void (*run)(Session&, const std::string&)) {
     Command command = program.Add(name, help);
+    command.Explain(more);
     const auto service = std::make_shared<std::string>();
     command.Argument("SERVICE", *service, "Number or short name of the service");
     command.Run([&session, service, run] { run(session, *service); });
@@ -60,9 +61,10 @@ void AddOne(Command program, Session& session, const char* name, const char* hel
 }  // namespace
 
 void AddDownload(Command program, Session& session) {
-    AddOne(program, session, "download", "Have the appliance download the newer release; Ctrl-C cancels it",
+    AddOne(program, session, "download", "Download the newer release, without installing it",
+           "The appliance downloads it by itself, and this program follows; Ctrl-C cancels the download.",
            Download);
-    AddOne(program, session, "cancel", "End the download of a release", Cancel);
+    AddOne(program, session, "cancel", "End a download", "One that is complete stays.", Cancel);
 }
 
 }  // namespace client

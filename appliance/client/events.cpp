@@ -113,9 +113,11 @@ Table Follower::Line(const Json::Value& notification) const {
 }  // namespace
 
 void AddEvents(Command program, Session& session) {
-    program.Add("events", "Show what happens to the services, as it happens, until Ctrl-C").Run([&session] {
-        Follower(session).Follow();
-    });
+    Command command = program.Add("events", "Follow what happens to the services");
+    command.Explain(
+        "Prints each start, stop and update as it happens, until Ctrl-C. It goes on where it was when the "
+        "connection was lost meanwhile.");
+    command.Run([&session] { Follower(session).Follow(); });
 }
 
 }  // namespace client

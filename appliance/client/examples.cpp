@@ -1,5 +1,7 @@
 #include "client/examples.h"
 
+#include <iterator>
+
 namespace client {
 
 namespace {
@@ -11,8 +13,9 @@ constexpr const char* kProgramExamples[] = {
     "check device_pack-2.2.0-0140.spk",
     "install device_pack-2.2.0-0140.spk",
     "update device_pack",
-    "apps --lang de --json",
+    "operations --json",
     "call GetInfo service=1",
+    "console",
 };
 
 // Each begins with its command.
@@ -54,8 +57,18 @@ constexpr const char* kExamples[] = {
     "apps",
     "apps --lang de --json",
     "methods",
+    "methods GetInfo",
     "call List",
     "call GetInfo service=1 --json",
+    "console",
+    "console --json",
+    "operations",
+    "operations 12",
+    "wait 12",
+    "wait 336f563be6a9a2bd --timeout 600",
+    "settings",
+    "completion bash > ~/.local/share/bash-completion/completions/camvoractl",
+    "man | man -l -",
     "pair code recorder",
     "pair join http://cms.example:5000 ABCD-EFGH --as cms",
     "pair list",
@@ -66,32 +79,20 @@ bool IsOf(const std::string& command, const std::string& example) {
     return (example + " ").rfind(command + " ", 0) == 0;
 }
 
-std::string Line(const std::string& example) {
-    return "  camvoractl " + example + "\n";
-}
-
-std::string Titled(const std::string& lines) {
-    return lines.empty() ? "" : "Examples:\n" + lines + "\n";
-}
-
 }  // namespace
 
-std::string ProgramExamples() {
-    std::string lines;
-    for (const char* const example : kProgramExamples) {
-        lines += Line(example);
-    }
-    return Titled(lines);
+std::vector<std::string> ProgramExamples() {
+    return {std::begin(kProgramExamples), std::end(kProgramExamples)};
 }
 
-std::string ExamplesOf(const std::string& command) {
-    std::string lines;
+std::vector<std::string> ExamplesOf(const std::string& command) {
+    std::vector<std::string> examples;
     for (const char* const example : kExamples) {
         if (IsOf(command, example)) {
-            lines += Line(example);
+            examples.emplace_back(example);
         }
     }
-    return Titled(lines);
+    return examples;
 }
 
 }  // namespace client

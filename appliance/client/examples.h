@@ -2,14 +2,14 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace client {
 
-// The lines of the program's own help.
-std::string ProgramExamples();
+// Those of the program's own help: what is typed behind "camvoractl".
+std::vector<std::string> ProgramExamples();
 
-// The lines of the help with examples of that command and of those below it, as "pkg" or "pkg build"; empty
-// where there are none.
-std::string ExamplesOf(const std::string& command);
+// Those of that command and of those below it, as "pkg" or "pkg build"; empty where there are none.
+std::vector<std::string> ExamplesOf(const std::string& command);
 
 }  // namespace client

@@ -3,27 +3,6 @@
 namespace client {
 namespace {
 
-struct Meaning {
-    ExitStatus status;
-    const char* words;
-};
-
-// Scripts rely on these.
-constexpr Meaning kMeanings[] = {
-    {ExitStatus::kDone, "done"},
-    {ExitStatus::kFailed, "failed"},
-    {ExitStatus::kUsage, "wrong usage"},
-    {ExitStatus::kNotFound, "not found"},
-    {ExitStatus::kRefused, "refused by a check"},
-    {ExitStatus::kBusy, "busy"},
-    {ExitStatus::kUnreachable, "host unreachable"},
-    {ExitStatus::kNotAuthorised, "not authorised"},
-    {ExitStatus::kTimedOut, "timed out"},
-    {ExitStatus::kOtherOutcome, "finished, but the outcome is not the one asked for"},
-    {ExitStatus::kUpdatesThere, "there are newer releases (updates --exit-code)"},
-    {ExitStatus::kInterrupted, "interrupted"},
-};
-
 constexpr int kAnyCode = 0;
 constexpr int kRequestServerAway = 1015;
 
@@ -45,13 +24,23 @@ constexpr Mapping kMappings[] = {
 
 }  // namespace
 
-std::string ExitStatusHelp() {
-    std::string help = "Exit status:\n";
-    for (const Meaning& meaning : kMeanings) {
-        const std::string number = std::to_string(static_cast<int>(meaning.status));
-        help += std::string(5 - number.size(), ' ') + number + "  " + meaning.words + "\n";
-    }
-    return help;
+// Scripts rely on these.
+const std::vector<ExitStatusMeaning>& ExitStatusMeanings() {
+    static const std::vector<ExitStatusMeaning> meanings = {
+        {ExitStatus::kDone, "done"},
+        {ExitStatus::kFailed, "failed"},
+        {ExitStatus::kUsage, "wrong usage"},
+        {ExitStatus::kNotFound, "not found"},
+        {ExitStatus::kRefused, "refused by a check"},
+        {ExitStatus::kBusy, "busy"},
+        {ExitStatus::kUnreachable, "host unreachable"},
+        {ExitStatus::kNotAuthorised, "not authorised"},
+        {ExitStatus::kTimedOut, "timed out"},
+        {ExitStatus::kOtherOutcome, "finished, but the outcome is not the one asked for"},
+        {ExitStatus::kUpdatesThere, "there are newer releases (updates --exit-code)"},
+        {ExitStatus::kInterrupted, "interrupted"},
+    };
+    return meanings;
 }
 
 ExitStatus StatusOfError(int httpStatus, int code) {

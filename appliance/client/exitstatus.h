@@ -1,7 +1,7 @@
 // The exit statuses of camvoractl: what they mean, and which one an error of the appliance becomes.
 #pragma once
 
-#include <string>
+#include <vector>
 
 namespace client {
 
@@ -20,8 +20,13 @@ enum class ExitStatus : int {
     kInterrupted = 130,
 };
 
-// The meaning of every status, one a line, for the help.
-std::string ExitStatusHelp();
+struct ExitStatusMeaning {
+    ExitStatus status;
+    const char* words;
+};
+
+// All of them, for the help.
+const std::vector<ExitStatusMeaning>& ExitStatusMeanings();
 
 // The status for an error that the appliance answered.
 //   httpStatus  of the reply: 200 when the module itself answered

@@ -48,6 +48,8 @@ void Build(const Session& session, const BuildArguments& arguments) {
 
 void AddKey(Command feed, Session& session) {
     Command command = feed.Add("key", "Make the key pair that signs a feed");
+    command.Explain(
+        "The private key signs the feed and stays secret; appliances verify with the public one.");
     const auto file = std::make_shared<std::string>();
     command.Argument("FILE", *file, "File for the private key; the public one becomes FILE.pub");
     command.Run([&session, file] { MakeKey(session, *file); });
@@ -55,6 +57,10 @@ void AddKey(Command feed, Session& session) {
 
 void AddBuild(Command feed, Session& session) {
     Command command = feed.Add("build", "Publish the packages in a folder, and their NAME.notes");
+    command.Explain(
+        "Writes and signs an index for each add-on of which there are packages. The text in NAME.notes goes "
+        "with "
+        "NAME.spk.");
     const auto arguments = std::make_shared<BuildArguments>();
     command.Argument("DIR", arguments->dir, "Folder of the feed");
     command.RequiredOption("--key", arguments->keyFile, "FILE", "Private key of the feed");

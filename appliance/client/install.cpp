@@ -41,7 +41,7 @@ UnpackedPackage Send(Session& session, const std::string& path, const std::strin
     const PackageUpload upload(path);
     const Appliance& host = session.Host();
     const Service service = ResolveListedService(host, serviceName);
-    Progress progress(!session.IsForPrograms());
+    Progress progress(session.ShowsProgress());
     const Json::Value info = upload.Send(host, service, progress, session.IsForPrograms());
     UnpackedPackage package{
         {serviceName, LeafText(Member(info, "version")), LeafText(Member(info, "maintainer"))},
@@ -77,7 +77,13 @@ void Run(Session& session, const InstallArguments& arguments) {
 }  // namespace
 
 void AddInstall(Command program, Session& session) {
-    Command command = program.Add("install", "Send a package file to the appliance and install it");
+    Command command = program.Add("install", "Send a package file and install it");
+    command.Explain(
+        "The file is checked here first, then sent; the appliance unpacks and checks it. What would change "
+        "is "
+        "shown, and asked about, before anything is installed. Afterwards it is looked whether the new "
+        "version is "
+        "in place and what ran before runs again.");
     const auto arguments = std::make_shared<InstallArguments>();
     command.Argument("FILE", arguments->path, "Package file");
     arguments->consent.AddTo(command);

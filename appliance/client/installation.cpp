@@ -34,7 +34,7 @@ std::string Give(const Appliance& host, const Order& order) {
 
 Seen GiveAndLook(Session& session, const InstallPlan& plan, const Order& order) {
     const Appliance& host = session.Host();
-    Progress progress(!session.IsForPrograms());
+    Progress progress(session.ShowsProgress());
     progress.Step(order.words);
     std::string requestId = Give(host.Within(session.TimeLimit(kUpdateLimit)), order);
     progress.Step("Looking at what is installed and runs");
@@ -44,7 +44,7 @@ Seen GiveAndLook(Session& session, const InstallPlan& plan, const Order& order) 
 
 void SayFailedPrograms(const Session& session, const Json::Value& programs) {
     for (const Json::Value& program : programs) {
-        session.Say(Printable("Warning: " + FailedProgramText(program)));
+        session.Say(Printable("Warning: " + ProgramText(program)));
     }
 }
 

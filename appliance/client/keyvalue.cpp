@@ -34,6 +34,16 @@ std::optional<std::string> ValueOf(std::string_view text, std::string_view key, 
     return std::nullopt;
 }
 
+std::string KeyOf(std::string_view line) {
+    const std::size_t equals = line.find('=');
+    return std::string(equals == std::string_view::npos ? "" : Trimmed(line.substr(0, equals)));
+}
+
+bool IsRemark(std::string_view line) {
+    const std::string_view text = Trimmed(line);
+    return text.empty() || text.front() == '#';
+}
+
 std::string KeyValueLine(const std::string& key, const std::string& value) {
     return key + "=\"" + value + "\"\n";
 }

@@ -17,6 +17,12 @@ inline constexpr std::size_t kKeyFileLimitBytes = 1024UL * 1024;  // the applian
 std::optional<std::string> ValueOf(std::string_view text, std::string_view key,
                                    std::size_t limitBytes = kValueLimitBytes);
 
+// The key of a line; empty where there is none.
+std::string KeyOf(std::string_view line);
+
+// True for a line that is no more than blanks or a comment.
+bool IsRemark(std::string_view line);
+
 // The line, with its end, that gives `key` that value. The value has no quote, line end or NUL.
 std::string KeyValueLine(const std::string& key, const std::string& value);
 

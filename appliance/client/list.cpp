@@ -13,7 +13,9 @@ namespace {
 Table ServiceTable(const Json::Value& data) {
     Table table(FieldLabels());
     for (const Json::Value& entry : EntriesIn(data)) {
-        table.AddRow(FieldWords(Member(entry, "info")));
+        const Json::Value info = Member(entry, "info");
+        table.AddRow(FieldWords(info));
+        table.Paint(kStatusField, StatusColour(info));
     }
     return table;
 }

@@ -52,7 +52,8 @@ void CheckFolder(const std::string& dir) {
 
 std::string ReadAddress(const std::string& dir) {
     if (dir.empty()) {
-        throw Failure(ExitStatus::kUsage, "Where is the appliance? Give --dir DIR or set CAMVORA_DIR");
+        throw Failure(ExitStatus::kUsage,
+                      "Where is the appliance? Give --dir DIR or --host URL, or set CAMVORA_DIR");
     }
     const std::optional<std::string> address = FirstLine(dir + kAddressFile);
     if (!address && (errno == ENOENT || errno == ENOTDIR)) {
@@ -68,12 +69,10 @@ std::string ReadAddress(const std::string& dir) {
 }
 
 std::string CheckUrl(const std::string& url) {
-    static const std::regex form(R"((http://([A-Za-z0-9._-]+|\[[0-9A-Fa-f:.]+\]):[0-9]{1,5})/?)");
-    std::smatch parts;
-    if (!std::regex_match(url, parts, form)) {
-        throw Failure(ExitStatus::kUsage, "\"" + url + "\" is not an address of the form http://HOST:PORT");
+    if (const std::string problem = AddressProblem(url); !problem.empty()) {
+        throw Failure(ExitStatus::kUsage, problem);
     }
-    return parts[1];
+    return url.substr(0, url.find_last_not_of('/') + 1);
 }
 
 bool IsVisible(char byte) {
@@ -100,6 +99,12 @@ std::string FindToken(const LocationOptions& options, const std::string& dir) {
 }
 
 }  // namespace
+
+std::string AddressProblem(const std::string& url) {
+    static const std::regex form(R"(http://([A-Za-z0-9._-]+|\[[0-9A-Fa-f:.]+\]):[0-9]{1,5}/?)");
+    return std::regex_match(url, form) ? ""
+                                       : "\"" + url + "\" is not an address of the form http://HOST:PORT";
+}
 
 Location Locate(const LocationOptions& options, const std::string& programDir) {
     const std::string dir = FindDir(options, programDir);

@@ -18,6 +18,9 @@ struct Location {
     std::string hint;   // how to get an appliance that does not answer to answer; may be empty
 };
 
+// What is wrong with the address `url`, which is to be as in "http://HOST:PORT"; empty for nothing.
+std::string AddressProblem(const std::string& url);
+
 // Finds the appliance.
 //   programDir  the folder this program lies in: the appliance's where it holds a token and `options` name
 //               no other

@@ -23,6 +23,7 @@ void ShowLinesOf(Session& session, const std::string& requestId) {
         throw Failure(ExitStatus::kNotFound, "The appliance has logged nothing for request " + requestId);
     }
     Table table({"Time", "Source", "Function", "Text"});
+    table.KeepWhole();
     AddLogLines(table, lines);
     session.Print(lines, table);
 }
@@ -31,16 +32,20 @@ void Log(Session& session, const LogArguments& arguments) {
     if (!arguments.requestId.empty()) {
         ShowLinesOf(session, arguments.requestId);
     } else if (arguments.follow) {
-        FollowOperations(session);
+        FollowOperationLog(session);
     } else {
-        ShowOperations(session);
+        ShowOperationLog(session);
     }
 }
 
 }  // namespace
 
 void AddLog(Command program, Session& session) {
-    Command command = program.Add("log", "Show the operation log, or what was logged for a request");
+    Command command = program.Add("log", "Show the operation log, or a request's log");
+    command.Explain(
+        "Without REQUEST that is what was done with the services, and by whom; with it, what the appliance "
+        "logged "
+        "while it served that request.");
     const auto arguments = std::make_shared<LogArguments>();
     command.OptionalArgument("REQUEST", arguments->requestId,
                              "Id of a request, as failures, --no-wait and the log name it");

@@ -20,30 +20,20 @@ namespace {
 constexpr std::chrono::milliseconds kPollInterval{500};
 constexpr int kAddOnControlled = 0x133000B5;  // texts: name of the service, description, ""
 
-std::string EventOf(const Json::Value& operation) {
-    const Json::Value event = Member(operation, "event");
+std::string EventOf(const Json::Value& entry) {
+    const Json::Value event = Member(entry, "event");
     return event == Json::Value(kAddOnControlled) ? "Add-on service" : "Event " + LeafText(event);
 }
 
-std::string TextsOf(const Json::Value& operation) {
-    std::string joined;
-    for (const Json::Value& entry : Member(operation, "texts")) {
-        const std::string text = LeafText(entry);
-        joined += (joined.empty() || text.empty() ? "" : ": ") + text;
-    }
-    return joined;
-}
-
-void AddOperation(Table& table, const Json::Value& operation) {
-    table.AddRow({LocalTime(LeafText(Member(operation, "time")), "%Y-%m-%d %H:%M:%S"), EventOf(operation),
-                  TextsOf(operation), LeafText(Member(operation, "who")),
-                  LeafText(Member(operation, "request"))});
+void AddEntry(Table& table, const Json::Value& entry) {
+    table.AddRow({LocalTime(LeafText(Member(entry, "time")), "%Y-%m-%d %H:%M:%S"), EventOf(entry),
+                  EntryText(entry), LeafText(Member(entry, "who")), LeafText(Member(entry, "request"))});
 }
 
 // Shows the entries of the operation log as they come, the present ones first.
-class OperationFollower {
+class EntryFollower {
 public:
-    explicit OperationFollower(Session& session) : session_(session), reconnector_(session) {}
+    explicit EntryFollower(Session& session) : session_(session), reconnector_(session) {}
 
     // Returns when nobody reads standard output any more.
     void Follow() {
@@ -54,26 +44,26 @@ private:
     void Poll() {
         const Appliance host = session_.FindHost();
         while (!IsReaderGone(STDOUT_FILENO)) {
-            const Json::Value operations = host.Operations(lastId_);
+            const Json::Value entries = host.LogEntries(lastId_);
             reconnector_.SetConnected();
-            for (const Json::Value& operation : operations) {
-                Show(operation);
+            for (const Json::Value& entry : entries) {
+                Show(entry);
             }
-            if (operations.empty()) {
+            if (entries.empty()) {
                 std::this_thread::sleep_for(kPollInterval);
             }
         }
     }
 
-    void Show(const Json::Value& operation) {
-        const Json::Value id = Member(operation, "id");
+    void Show(const Json::Value& entry) {
+        const Json::Value id = Member(entry, "id");
         if (!id.isInt64()) {
             throw Failure(ExitStatus::kFailed, "The operation log failed: an entry has no id");
         }
         lastId_ = id.asInt64();
         Table line;
-        AddOperation(line, operation);
-        session_.Print(operation, line);
+        AddEntry(line, entry);
+        session_.Print(entry, line);
     }
 
     Session& session_;
@@ -83,17 +73,26 @@ private:
 
 }  // namespace
 
-void ShowOperations(Session& session) {
-    const Json::Value operations = session.Host().Operations(std::nullopt);
-    Table table({"Time", "Event", "Text", "Who", "Request"});
-    for (const Json::Value& operation : operations) {
-        AddOperation(table, operation);
+std::string EntryText(const Json::Value& entry) {
+    std::string joined;
+    for (const Json::Value& part : Member(entry, "texts")) {
+        const std::string text = LeafText(part);
+        joined += (joined.empty() || text.empty() ? "" : ": ") + text;
     }
-    session.Print(operations, table);
+    return joined;
 }
 
-void FollowOperations(Session& session) {
-    OperationFollower(session).Follow();
+void ShowOperationLog(Session& session) {
+    const Json::Value entries = session.Host().LogEntries(std::nullopt);
+    Table table({"Time", "Event", "Text", "Who", "Request"});
+    for (const Json::Value& entry : entries) {
+        AddEntry(table, entry);
+    }
+    session.Print(entries, table);
+}
+
+void FollowOperationLog(Session& session) {
+    EntryFollower(session).Follow();
 }
 
 }  // namespace client

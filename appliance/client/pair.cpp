@@ -140,8 +140,11 @@ void AddNamed(Command pair, Session& session, const char* name, const char* help
 }  // namespace
 
 void AddPair(Command program, Session& session) {
-    Command pair = program.Add("pair", "Pair a recording server with a CMS host");
+    Command pair = program.Add("pair", "Pair recording servers with a CMS host");
     pair.NeedsCommand();
+    pair.Explain(
+        "The host makes a code with \"pair code\"; with that, \"pair join\" at the recording server pairs "
+        "the two.");
     AddNamed(pair, session, "code", "On the host: make a one-time code for a recording server", MakeCode);
     AddJoin(pair, session);
     pair.Add("list", "Show the paired servers").Run([&session] { ListPairs(session); });

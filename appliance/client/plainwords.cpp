@@ -39,6 +39,23 @@ std::string SizeWords(std::uint64_t sizeBytes) {
     return words.str();
 }
 
+std::string DurationWords(std::chrono::milliseconds span) {
+    constexpr int kTenths = 10;
+    constexpr int kMinute = 60;
+    constexpr int kSecond = 1000;
+    const auto seconds = span.count() / kSecond;
+    if (seconds == 0) {
+        return std::to_string(span.count()) + " ms";
+    }
+    const auto tenths = span.count() * kTenths / kSecond;
+    if (seconds < kTenths) {
+        return std::to_string(seconds) + "." + std::to_string(tenths % kTenths) + " s";
+    }
+    return seconds < kMinute
+               ? std::to_string(seconds) + " s"
+               : std::to_string(seconds / kMinute) + " min " + std::to_string(seconds % kMinute) + " s";
+}
+
 std::string FirstLine(const std::string& text) {
     return text.substr(0, text.find_first_of("\r\n"));
 }

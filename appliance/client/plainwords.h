@@ -4,6 +4,7 @@
 
 #include <json/value.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -17,6 +18,9 @@ std::string OnOff(const Json::Value& value);
 
 // A size as in "3.2 MiB".
 std::string SizeWords(std::uint64_t sizeBytes);
+
+// A span of time as in "76 ms", "2.4 s", "12 s" or "3 min 5 s".
+std::string DurationWords(std::chrono::milliseconds span);
 
 // The first line of a text, without its end.
 std::string FirstLine(const std::string& text);

@@ -81,7 +81,7 @@ Json::Value FailedPrograms(const Appliance& host, const std::string& requestId) 
     return failed;
 }
 
-std::string FailedProgramText(const Json::Value& program) {
+std::string ProgramText(const Json::Value& program) {
     std::string text = LeafText(Member(program, "path"));
     for (const Json::Value& argument : Member(program, "arguments")) {
         text += " " + LeafText(argument);

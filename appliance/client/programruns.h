@@ -20,7 +20,7 @@ std::optional<std::chrono::milliseconds> LastInstallTime(const Appliance& host, 
 // Scripts that an add-on does not have are not among them. Empty when the appliance cannot be asked.
 Json::Value FailedPrograms(const Appliance& host, const std::string& requestId);
 
-// One of them in a sentence for people, any bytes.
-std::string FailedProgramText(const Json::Value& program);
+// A program and how it ended in a sentence for people, any bytes.
+std::string ProgramText(const Json::Value& program);
 
 }  // namespace client

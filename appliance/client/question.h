@@ -9,7 +9,8 @@ namespace client {
 bool CanAsk();
 
 // Asks on standard error and waits for a line on standard input. True for "y" and "yes".
+//   text      what it is about, printable lines; the last one without its end
 //   question  one sentence; any bytes
-bool IsAgreed(const std::string& question);
+bool IsAgreed(const std::string& text, const std::string& question);
 
 }  // namespace client

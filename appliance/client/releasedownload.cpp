@@ -34,7 +34,7 @@ public:
     ReleaseDownload(Session& session, Service service)
         : host_(session.Host()),
           service_(std::move(service)),
-          progress_(!session.IsForPrograms()),
+          progress_(session.ShowsProgress()),
           limit_(session.TimeLimit(kDownloadLimit)) {
         params_["service"] = service_.number;
     }

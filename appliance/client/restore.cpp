@@ -82,8 +82,9 @@ void Restore(Session& session, const RestoreArguments& arguments) {
 }  // namespace
 
 void AddRestore(Command program, Session& session) {
-    Command command =
-        program.Add("restore", "Put the factory copy of an add-on in place of the installed one");
+    Command command = program.Add("restore", "Put an add-on's factory copy in its place");
+    command.Explain(
+        "That is the add-on which the appliance left the factory with. Shows what would change, and asks.");
     const auto arguments = std::make_shared<RestoreArguments>();
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");
     arguments->consent.AddTo(command);

@@ -42,4 +42,17 @@ std::vector<std::string> FieldWords(const Json::Value& info) {
     return words;
 }
 
+Colour StatusColour(const Json::Value& info) {
+    constexpr int kStarted = 1;
+    constexpr int kInProgress = 4;
+    const Json::Value status = Member(info, "status");
+    if (status == Json::Value(kInProgress)) {
+        return Colour::kYellow;
+    }
+    if (Member(info, "blRunning") == Json::Value(true)) {
+        return Colour::kGreen;
+    }
+    return status == Json::Value(kStarted) ? Colour::kRed : Colour::kNone;
+}
+
 }  // namespace client

@@ -134,7 +134,7 @@ Json::Value ServiceWait::Await(Condition isReached) {
 }
 
 bool ServiceWait::HasSucceeded() {
-    hasSucceeded_ = hasSucceeded_ || !appliance_.OperationsOf(requestId_).empty();
+    hasSucceeded_ = hasSucceeded_ || !appliance_.LogEntriesOf(requestId_).empty();
     return hasSucceeded_;
 }
 

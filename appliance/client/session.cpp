@@ -11,8 +11,6 @@
 
 namespace client {
 
-Session::Session(const GlobalOptions& options) : options_(options) {}
-
 Appliance& Session::Host() {
     if (!appliance_) {
         appliance_.emplace(FindHost());
@@ -37,14 +35,18 @@ std::chrono::seconds Session::TimeLimit(std::chrono::seconds unlessGiven) const 
 }
 
 void Session::Print(const Json::Value& data, const Table& table) const {
-    const int error = WriteWhole(STDOUT_FILENO, options_.json ? ToJson(data) + "\n" : table.Text());
+    PrintText(data, table.Text(TerminalAt(STDOUT_FILENO)));
+}
+
+void Session::PrintText(const Json::Value& data, const std::string& text) const {
+    const int error = WriteWhole(STDOUT_FILENO, options_.json ? ToJson(data) + "\n" : text);
     if (error != 0) {
         throw Failure(ExitStatus::kFailed, std::string("Cannot write the outcome: ") + strerror(error));
     }
 }
 
 void Session::Say(const std::string& text) const {
-    if (!options_.json) {
+    if (ShowsProgress()) {
         (void)WriteWhole(STDERR_FILENO, text + "\n");  // there is nowhere else to say it
     }
 }

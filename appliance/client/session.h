@@ -1,8 +1,9 @@
-// What a command works with: the global options, the appliance, and the places to write to.
+// What a command works with: the options for all commands, the appliance, and the places to write to.
 #pragma once
 
 #include "client/appliance.h"
 #include "client/exitstatus.h"
+#include "client/globalsettings.h"
 #include "client/location.h"
 
 #include <json/value.h>
@@ -15,17 +16,15 @@ namespace client {
 
 class Table;
 
-struct GlobalOptions {
-    LocationOptions location;
-    std::optional<int> timeoutSeconds;  // of one request; the command's own where nothing is given
-    bool json = false;                  // write for programs
-    std::string server;  // paired with the appliance, on which methods are called; empty for none
-};
-
 class Session {
 public:
-    // The options are the caller's and may be filled until the first call.
-    explicit Session(const GlobalOptions& options);
+    // The settings are the caller's, and live as long.
+    explicit Session(const GlobalSettings& settings) : settings_(settings) {}
+
+    // Puts the settings in force, once they are complete. Throws Failure as they do.
+    void TakeSettings() { options_ = settings_.InForce(); }
+
+    const GlobalSettings& Settings() const { return settings_; }
 
     // The appliance, found at the first call. Throws Failure as Locate does.
     Appliance& Host();
@@ -46,20 +45,28 @@ public:
     // True when everything is written for programs.
     bool IsForPrograms() const { return options_.json; }
 
+    // True when a person is to see what is going on.
+    bool ShowsProgress() const { return !options_.json && !options_.quiet; }
+
     // Writes the outcome to standard output: `table` for people, `data` for programs. Throws Failure
     // (kFailed) when it cannot be written. Call once, when the outcome is whole; where there is no end of
     // it, once for each piece.
     void Print(const Json::Value& data, const Table& table) const;
 
+    // The same for text that is no table: lines that are written as they are.
+    void PrintText(const Json::Value& data, const std::string& text) const;
+
     // Lets the program end with another status than kDone when its command is done.
     void EndWith(ExitStatus status) { endStatus_ = status; }
     ExitStatus EndStatus() const { return endStatus_; }
 
-    // Tells a person something beside the outcome, on standard error; programs are not told.
+    // Tells a person something beside the outcome, on standard error; programs, and who wants it quiet, are
+    // not told.
     void Say(const std::string& text) const;
 
 private:
-    const GlobalOptions& options_;
+    const GlobalSettings& settings_;
+    GlobalOptions options_;
     std::optional<Appliance> appliance_;
     ExitStatus endStatus_ = ExitStatus::kDone;
 };

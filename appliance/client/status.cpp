@@ -34,6 +34,7 @@ Table InfoTable(const Json::Value& info) {
     Table table;
     for (std::size_t field = 0; field < labels.size(); ++field) {
         table.AddRow({labels[field], words[field]});
+        table.Paint(1, field == kStatusField ? StatusColour(info) : Colour::kNone);
     }
     for (const Detail& detail : kDetails) {
         if (info.isMember(detail.member)) {

@@ -1,5 +1,8 @@
 #include "client/terminaltext.h"
 
+#include <clocale>
+#include <cwchar>
+
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
@@ -99,6 +102,32 @@ std::string EscapeControl(char32_t value) {
     }
 }
 
+// Lets the C library know of all characters while it lives, on this thread.
+class UnicodeLocale {
+public:
+    UnicodeLocale() : before_(uselocale(Unicode())) {}
+    ~UnicodeLocale() { uselocale(before_); }
+    UnicodeLocale(const UnicodeLocale&) = delete;
+    UnicodeLocale& operator=(const UnicodeLocale&) = delete;
+
+private:
+    // Null, for no change, where the system has none.
+    static locale_t Unicode() {
+        static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+        return locale;
+    }
+
+    const locale_t before_;
+};
+
+// Takes the first code point off `text`, which is not empty, and returns its columns.
+std::size_t TakeColumns(std::string_view& text) {
+    const CodePoint point = FirstCodePoint(text);
+    text.remove_prefix(std::max<std::size_t>(point.sizeBytes, 1));
+    const int columns = wcwidth(static_cast<wchar_t>(point.value));
+    return columns < 0 ? 1 : static_cast<std::size_t>(columns);
+}
+
 }  // namespace
 
 std::string Printable(std::string_view text) {
@@ -118,8 +147,28 @@ std::string Printable(std::string_view text) {
 }
 
 std::size_t WidthOf(std::string_view text) {
-    const auto continuations = std::count_if(text.begin(), text.end(), IsContinuation);
-    return text.size() - static_cast<std::size_t>(continuations);
+    const UnicodeLocale locale;
+    std::size_t width = 0;
+    while (!text.empty()) {
+        width += TakeColumns(text);
+    }
+    return width;
+}
+
+std::string Shortened(std::string_view text, std::size_t columns) {
+    constexpr char kEllipsis[] = "\u2026";
+    if (WidthOf(text) <= columns) {
+        return std::string(text);
+    }
+    const UnicodeLocale locale;
+    std::size_t left = columns;
+    std::string_view rest = text;
+    std::string_view kept = rest;
+    for (std::size_t width = TakeColumns(rest); width < left; width = TakeColumns(rest)) {
+        left -= width;
+        kept = rest;
+    }
+    return std::string(text.substr(0, text.size() - kept.size())) + kEllipsis;
 }
 
 bool IsUtf8(std::string_view text) {

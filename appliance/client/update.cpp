@@ -86,7 +86,9 @@ void Update(Session& session, const UpdateArguments& arguments) {
 }  // namespace
 
 void AddUpdate(Command program, Session& session) {
-    Command command = program.Add("update", "Download the newer release of an add-on and install it");
+    Command command = program.Add("update", "Download the newer release and install it");
+    command.Explain(
+        "Shows the release and what would change, asks, has the appliance download it, and installs it.");
     const auto arguments = std::make_shared<UpdateArguments>();
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");
     arguments->consent.AddTo(command);

@@ -27,7 +27,7 @@ struct Update {
 std::vector<Update> LookForUpdates(Session& session) {
     const Appliance& host = session.Host();
     const Json::Value listData = host.Call("List", Json::objectValue);
-    Progress progress(!session.IsForPrograms());
+    Progress progress(session.ShowsProgress());
     std::vector<Update> updates;
     for (const Service& service : ServicesWithPackagesIn(listData)) {
         progress.Step("Checking for a release of " + service.name);
@@ -49,7 +49,21 @@ std::string WordsFor(const Update& update) {
     return StateWords(update.state) + (isFailed ? ": " + problem : "");
 }
 
+Colour ColourFor(UpdateState state) {
+    switch (state) {
+        case UpdateState::kDownloading:
+        case UpdateState::kUpdating:
+            return Colour::kYellow;
+        case UpdateState::kDownloadFailed:
+        case UpdateState::kNotAnswered:
+            return Colour::kRed;
+        default:
+            return Colour::kNone;
+    }
+}
+
 Table UpdateTable(const std::vector<Update>& updates) {
+    constexpr std::size_t kStateColumn = 5;
     Table table({"Add-on", "Installed", "Newer", "Date", "Size", "State", "Automatic update", "Notes"});
     for (const Update& update : updates) {
         const Json::Value& newer = update.release.isNull() ? update.download : update.release;
@@ -57,6 +71,7 @@ Table UpdateTable(const std::vector<Update>& updates) {
                       LeafText(Member(newer, "version")), LeafText(Member(newer, "date")), SizeOf(newer),
                       WordsFor(update), OnOff(Member(update.info, "blAutoUpdate")),
                       FirstLine(LeafText(Member(newer, "notes")))});
+        table.Paint(kStateColumn, ColourFor(update.state));
     }
     return table;
 }
@@ -103,6 +118,7 @@ void Run(Session& session, bool hasExitCode) {
 
 void AddUpdates(Command program, Session& session) {
     Command command = program.Add("updates", "Show which add-ons have newer releases");
+    command.Explain("The appliance asks its feed, which takes a moment.");
     const auto hasExitCode = std::make_shared<bool>(false);
     command.Flag("--exit-code", *hasExitCode, "End with 10 when there is one, with 1 when that is not known");
     command.Run([&session, hasExitCode] { Run(session, *hasExitCode); });

@@ -31,7 +31,7 @@ void Upload(Session& session, const UploadArguments& arguments) {
     const PackageUpload package(arguments.path);
     const Appliance& host = session.Host();
     const Service service = ResolveListedService(host, arguments.service);
-    auto progress = std::make_unique<Progress>(!session.IsForPrograms());
+    auto progress = std::make_unique<Progress>(session.ShowsProgress());
     const Json::Value info = package.Send(host, service, *progress, session.IsForPrograms());
     progress.reset();
     session.Print(info, InfoTable(info, service));
@@ -40,8 +40,10 @@ void Upload(Session& session, const UploadArguments& arguments) {
 }  // namespace
 
 void AddUpload(Command program, Session& session) {
-    Command command =
-        program.Add("upload", "Send a package file to the appliance, which unpacks and checks it");
+    Command command = program.Add("upload", "Send a package file without installing it");
+    command.Explain(
+        "The appliance unpacks and checks the package, and keeps it until it is installed or another one "
+        "comes.");
     const auto arguments = std::make_shared<UploadArguments>();
     command.Argument("FILE", arguments->path, "Package file");
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");

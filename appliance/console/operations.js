@@ -52,14 +52,22 @@ export class Operations {
 
   // `running`: those that run, as the stream has it. The ends of others that did are asked for.
   see(running) {
+    const before = String(this.#streamed);
     this.#streamed = running.map((operation) => operation.id);
     this.#keep(running);
-    this.look();
+    if (String(this.#streamed) !== before) {
+      this.look(0);
+    }
   }
 
   // Reads those that have begun since.
   async catchUp() {
-    while (await this.read((this.#all.at(-1)?.id ?? 0) + 1));
+    const last = this.#all.at(-1);
+    if (last === undefined) {
+      await this.read();
+    } else if (await this.read(last.id + 1)) {
+      await this.catchUp();
+    }
   }
 
   // Reads what is not known yet: begins, and ends.

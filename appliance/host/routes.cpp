@@ -7,6 +7,7 @@
 #include "host/downloads.h"
 #include "host/frameworkerrors.h"
 #include "host/httpreply.h"
+#include "host/jsontext.h"
 #include "host/operationend.h"
 #include "host/operationlog.h"
 #include "host/operations.h"
@@ -15,6 +16,7 @@
 #include "host/releases.h"
 #include "host/uploads.h"
 
+#include "interface/openapi.h"
 #include "libcamvora/diagnosticlog.h"
 #include "platform/log.h"
 
@@ -82,6 +84,7 @@ const Routes::Page Routes::kPages[] = {
     {"DELETE", "/session", false, &Routes::AnswerSignOut},
     {"GET", "/appliance", true, &Routes::AnswerAppliance},
     {"GET", "/api", false, &Routes::AnswerApis},
+    {"GET", "/api/openapi.json", false, &Routes::AnswerOpenApi},
     {"GET", "/health", false, &Routes::AnswerHealth},
     {"GET", "/log", true, &Routes::AnswerLog},
     {"GET", "/operations", true, &Routes::AnswerOperations},
@@ -295,6 +298,11 @@ void Routes::AnswerApis(const httplib::Request& /*request*/, httplib::Response& 
     Json::Value data(Json::objectValue);
     data["apis"] = apis;
     Write(response, SuccessReply(data));
+}
+
+// A document of its own form, without the envelope.
+void Routes::AnswerOpenApi(const httplib::Request& /*request*/, httplib::Response& response) {
+    Write(response, {200, ToRawJsonText(interface::OpenApiDocument())});
 }
 
 void Routes::AnswerHealth(const httplib::Request& /*request*/, httplib::Response& response) {

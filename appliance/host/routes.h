@@ -56,6 +56,7 @@ private:
     void AnswerAppliance(const httplib::Request& request, httplib::Response& response);
     void AnswerApis(const httplib::Request& request, httplib::Response& response);
     void AnswerHealth(const httplib::Request& request, httplib::Response& response);
+    void AnswerOpenApi(const httplib::Request& request, httplib::Response& response);
     void AnswerLog(const httplib::Request& request, httplib::Response& response);
     void AnswerOperations(const httplib::Request& request, httplib::Response& response);
     void AnswerOperationLog(const httplib::Request& request, httplib::Response& response);

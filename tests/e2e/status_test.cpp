@@ -46,5 +46,12 @@ TEST_F(StatusTest, TheHostTellsWhatItServes) {
     EXPECT_EQ(18U, apis[0]["methods"].size());
 }
 
+TEST_F(StatusTest, TheHostDescribesWhatItServes) {
+    const Json::Value document = stranger_.Get("/api/openapi.json").body;
+    for (const Json::Value& method : stranger_.Get("/api").Data()["apis"][0]["methods"]) {
+        EXPECT_TRUE(document["paths"].isMember("/api/ORVA.Camvora.AddOns/v1/" + method.asString())) << method;
+    }
+}
+
 }  // namespace
 }  // namespace e2e

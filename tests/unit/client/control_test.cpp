@@ -25,7 +25,7 @@ const std::string kSecondLook = "Display is running; looking again in two second
 const std::string kReason = "The request was r1\nThe appliance logged:\nT  s:9  F  why\n";
 
 // One with the service 6, which does what it is asked.
-FakeReplies Replies(const FakeReply& info, const FakeReply& checkDone, const FakeReply& operations) {
+FakeReplies Replies(const FakeReply& info, const FakeReply& checkDone, const FakeReply& entries) {
     return {
         {"List", Success(R"({"list":[{"service":6,"info":{"shortName":"display","name":"Display"}}]})")},
         {"Enable", Success("null")},
@@ -33,7 +33,7 @@ FakeReplies Replies(const FakeReply& info, const FakeReply& checkDone, const Fak
         {"Restart", Success("null")},
         {"GetInfo", info},
         {"CheckEnableDone", checkDone},
-        {"GET /operationlog?request=r1", operations},
+        {"GET /operationlog?request=r1", entries},
         {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
     };
 }
@@ -42,7 +42,7 @@ struct ReachedCase {
     const char* name;
     const char* line;
     FakeReply info;
-    FakeReply operations;
+    FakeReply entries;
     std::string out;
     std::string err;
 };
@@ -68,7 +68,7 @@ const ReachedCase kReachedCases[] = {
 class ControlReachedTest : public testing::TestWithParam<ReachedCase> {};
 
 TEST_P(ControlReachedTest, SaysWhatWasSeen) {
-    const FakeAppliance appliance(Replies(GetParam().info, kDone, GetParam().operations));
+    const FakeAppliance appliance(Replies(GetParam().info, kDone, GetParam().entries));
     const Outcome outcome = appliance.Run(GetParam().line);
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ(GetParam().out, outcome.out);
@@ -82,7 +82,7 @@ struct MissedCase {
     const char* name;
     FakeReply info;
     FakeReply checkDone;
-    FakeReply operations;
+    FakeReply entries;
     int status;
     std::string err;  // between the first steps and the log
 };
@@ -105,7 +105,7 @@ const MissedCase kMissedCases[] = {
 class ControlMissedTest : public testing::TestWithParam<MissedCase> {};
 
 TEST_P(ControlMissedTest, SaysWhatIsWrongAndWhy) {
-    const FakeAppliance appliance(Replies(GetParam().info, GetParam().checkDone, GetParam().operations));
+    const FakeAppliance appliance(Replies(GetParam().info, GetParam().checkDone, GetParam().entries));
     const Outcome outcome = appliance.Run("start display --timeout 5");
     EXPECT_EQ(GetParam().status, outcome.status);
     EXPECT_EQ("", outcome.out);

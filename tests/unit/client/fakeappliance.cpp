@@ -58,14 +58,38 @@ Program StartClient(const std::string& line, const std::vector<std::string>& env
     return Program(Words(CAMVORACTL " " + line), environment, outDescriptor);
 }
 
+std::vector<std::string> Offered(const std::string& line, const std::string& last,
+                                 const std::vector<std::string>& environment) {
+    std::vector<std::string> command = Words(CAMVORACTL " complete-words -- " + line);
+    command.push_back(last);
+    std::istringstream lines(Program(command, environment).Wait().out);
+    std::vector<std::string> words;
+    for (std::string text; std::getline(lines, text);) {
+        words.push_back(text.substr(0, text.find('\t')));
+    }
+    return words;
+}
+
+std::vector<std::string> AllCommands() {
+    std::vector<std::string> commands;
+    for (const std::string& command : Offered("", "")) {
+        const std::vector<std::string> below = Offered(command, "");
+        const bool isParent = command == "pkg" || command == "feed" || command == "pair";
+        for (const std::string& name : isParent ? below : std::vector<std::string>{""}) {
+            commands.push_back(name.empty() ? command : command + " " + name);
+        }
+    }
+    return commands;
+}
+
 FakeAppliance::FakeAppliance(FakeReplies replies) : replies_(std::move(replies)) {
     const auto answer = [this](const auto& request, auto& response) { Answer(request, response); };
     server_.Get(".*", answer);
     server_.Post(".*", answer);
     server_.Delete(".*", answer);
-    const int port = server_.bind_to_any_port("127.0.0.1");
+    url_ = "http://127.0.0.1:" + std::to_string(server_.bind_to_any_port("127.0.0.1"));
     dir_.Write("token", "secret\n");
-    dir_.Write(kAddressFile, "http://127.0.0.1:" + std::to_string(port) + "\n");
+    dir_.Write(kAddressFile, url_ + "\n");
     thread_ = std::thread([this] { server_.listen_after_bind(); });
     while (!server_.is_running()) {
         std::this_thread::sleep_for(kPause);

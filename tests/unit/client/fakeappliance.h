@@ -43,6 +43,13 @@ using FakeReplies = std::map<std::string, FakeReply>;
 Program StartClient(const std::string& line, const std::vector<std::string>& environment = {},
                     int outDescriptor = -1);
 
+// What a shell is offered in place of the last word of the line, "" for an empty one.
+std::vector<std::string> Offered(const std::string& line, const std::string& last,
+                                 const std::vector<std::string>& environment = {});
+
+// All commands, and of those that have some below them these, as in "pkg build".
+std::vector<std::string> AllCommands();
+
 // Listens on a free loopback port while it lives. The token is "secret".
 class FakeAppliance {
 public:
@@ -53,6 +60,9 @@ public:
 
     // Its folder.
     const std::string& Dir() const { return dir_.Path(); }
+
+    // "http://127.0.0.1:PORT".
+    const std::string& Url() const { return url_; }
 
     // The same in UTC, with CAMVORA_DIR naming this appliance.
     Program Start(const std::string& line, int outDescriptor = -1) const;
@@ -76,6 +86,7 @@ private:
     std::condition_variable arrived_;
     std::vector<std::string> requests_;
     TemporaryFolder dir_;
+    std::string url_;
     httplib::Server server_;
     std::thread thread_;
 };

@@ -58,8 +58,8 @@ TEST_F(LocationTest, AddressAndTokenAreReplacedOneByOne) {
 }
 
 TEST_F(LocationTest, SaysWhatIsMissing) {
-    ExpectFailure(ExitStatus::kUsage, "Where is the appliance? Give --dir DIR or set CAMVORA_DIR", {},
-                  empty_);
+    ExpectFailure(ExitStatus::kUsage,
+                  "Where is the appliance? Give --dir DIR or --host URL, or set CAMVORA_DIR", {}, empty_);
     ExpectFailure(ExitStatus::kUnreachable,
                   "The appliance in " + empty_ + " is not running. Start it with " + empty_ + "/launch",
                   {empty_, "", ""}, other_);

@@ -16,12 +16,12 @@ std::string Entry(const std::string& id, const std::string& event, const std::st
 const std::string kStarted = Entry("4", "321913013", R"(["Display","by hand",""])");
 const std::string kOther = Entry("5", "7", R"(["x\u001b[31m","",""])");
 
-FakeReply Operations(const std::string& entries) {
+FakeReply Entries(const std::string& entries) {
     return Success(R"({"entries":[)" + entries + "]}");
 }
 
 TEST(OperationLogTest, IsATableForPeopleAndAsItIsForPrograms) {
-    const FakeAppliance appliance({{"GET /operationlog", Operations(kStarted + "," + kOther)}});
+    const FakeAppliance appliance({{"GET /operationlog", Entries(kStarted + "," + kOther)}});
     EXPECT_EQ(
         "Time                 Event           Text              Who     Request\n"
         "2026-03-01 12:03:07  Add-on service  Display: by hand  client  q4\n"
@@ -33,10 +33,10 @@ TEST(OperationLogTest, IsATableForPeopleAndAsItIsForPrograms) {
 
 TEST(OperationLogTest, GoesOnWhereTheConnectionBroke) {
     FakeAppliance appliance(
-        {{"GET /operationlog", Operations(kStarted)},
+        {{"GET /operationlog", Entries(kStarted)},
          {"GET /operationlog?after=4",
-          InTurn({Operations(""), Error(503, R"({"code":1008,"data":null})"), Operations(kOther)})},
-         {"GET /operationlog?after=5", Operations("")}});
+          InTurn({Entries(""), Error(503, R"({"code":1008,"data":null})"), Entries(kOther)})},
+         {"GET /operationlog?after=5", Entries("")}});
     const Program run = appliance.Start("log --follow --json");
     appliance.AwaitRequests(6);  // one of them for the log of the failure
     kill(run.Pid(), SIGINT);

@@ -51,10 +51,24 @@ const ProgramCase kProgramCases[] = {
      "live         Live\\nBild  live/  yes\n"
      "odd          -           -      -\n"},
     {"methods", "methods", "GET /api",
-     R"({"apis":[{"api":"A.B","version":1,"methods":["List","Stop"]},{"methods":"x"},2]})",
-     "API  Version  Method\n"
-     "A.B  1        List\n"
-     "A.B  1        Stop\n"},
+     R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["Update","\u001b"]},{"methods":"x"},2]})",
+     "Method  What it does                                                Parameters\n"
+     "Update  Install the add-on that was unpacked, or the last download  [service=] [filePath=]\n"
+     "\\x1B    -                                                           -\n"},
+    {"method", "methods SetAutoUpdate", "GET /api",
+     R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["SetAutoUpdate"]}]})",
+     "Method             SetAutoUpdate\n"
+     "API                ORVA.Camvora.AddOns, version 1\n"
+     "What it does       Switch the automatic update of an add-on\n"
+     "Changes something  yes\n"
+     "Parameter          service, integer: Number of the add-on, 1 or 6. Default: 0\n"
+     "Parameter          blEnable, boolean: Whether it is to be on\n"
+     "Answers            Nothing\n"},
+    {"method_of_a_later_appliance", "methods New", "GET /api",
+     R"({"apis":[{"api":"A.B","version":1,"methods":["New"]}]})",
+     "Method       New\n"
+     "API          A.B, version 1\n"
+     "Description  this program knows none\n"},
     {"call_shows_every_value", "call List", "List", R"({"a":[{"b":"x"},2],"c":{},"d":true})",
      "a[0].b  x\n"
      "a[1]    2\n"
@@ -109,33 +123,29 @@ TEST(ProgramRequestTest, AsksForTheServiceThatWasNamed) {
     EXPECT_EQ(R"(GetInfo Bearer secret {"service":2})", appliance.Requests()[1]);
 }
 
-// The words at the begin of the lines below a title of the help, up to an empty line.
-std::vector<std::string> LinesBelow(const std::string& title, const std::string& help) {
-    std::vector<std::string> lines;
-    std::istringstream text(help.substr(std::min(help.find("\n" + title + "\n"), help.size())));
-    std::string line;
-    std::getline(text, line);
-    std::getline(text, line);
-    while (std::getline(text, line) && !line.empty()) {
-        lines.push_back(line.substr(2));
+// What stands in the help behind "camvoractl", without what other programs do with it.
+std::vector<std::string> ExamplesIn(const std::string& help) {
+    std::vector<std::string> examples;
+    std::istringstream lines(help.substr(std::min(help.find("\nExamples:\n"), help.size())));
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("  camvoractl ", 0) == 0) {
+            examples.push_back(line.substr(13, line.find_first_of("|>", 13) - 13));
+        }
     }
-    return lines;
+    return examples;
 }
 
 // Nobody serves there: examples get as far as that, or to a file that is not there.
 TEST(ProgramHelpTest, ShowsExamplesOfEachCommandThatAreUnderstood) {
     const TemporaryFolder folder;
-    const std::string nobody = " --url http://127.0.0.1:1 --timeout 1 --dir " + folder.Path();
-    const auto commands = LinesBelow("Subcommands:", StartClient("--help").Wait().out);
-    ASSERT_FALSE(commands.empty());
-    for (const std::string& entry : commands) {
-        const std::string command = entry.substr(0, entry.find_first_of(", "));
-        const auto examples = LinesBelow("Examples:", StartClient(command + " --help").Wait().out);
+    const std::string nobody = " --host http://127.0.0.1:1 --timeout 1 --dir " + folder.Path();
+    for (const std::string& command : AllCommands()) {
+        const auto examples = ExamplesIn(StartClient(command + " --help").Wait().out);
         EXPECT_FALSE(examples.empty()) << command;
         for (const std::string& example : examples) {
-            EXPECT_EQ(0U, (example + " ").rfind("camvoractl " + command + " ", 0)) << example;
-            if (command != "feed") {  // as that would make files
-                const Outcome outcome = StartClient(example.substr(example.find(' ') + 1) + nobody).Wait();
+            EXPECT_EQ(0U, (example + " ").rfind(command + " ", 0)) << example;
+            if (command.rfind("feed ", 0) != 0) {  // as that would make files
+                const Outcome outcome = StartClient(example + nobody).Wait();
                 EXPECT_EQ(std::string::npos, outcome.err.find("See camvoractl --help")) << outcome.err;
             }
         }

@@ -39,7 +39,7 @@ const FailureCase kFailureCases[] = {
      "There is no service \"cns\". Did you mean \"cms\"?\n"},
     {"unknown_number", "start 7", "List", Success(R"({"list":[]})"), 3,
      "There is no service 7. \"camvoractl list\" shows all\n"},
-    {"unreachable", "list --url http://127.0.0.1:1", "", FakeReply(), 6,
+    {"unreachable", "list --host http://127.0.0.1:1", "", FakeReply(), 6,
      "No appliance answers at http://127.0.0.1:1\n"},
     {"huge_service", "status 99999999999", "", FakeReply(), 2,
      "99999999999 is beyond the numbers a service can have\n"},
@@ -114,7 +114,7 @@ TEST(ProgramErrorTest, IsJsonForWrongUsageToo) {
     EXPECT_EQ(2, outcome.status);
     EXPECT_EQ("", outcome.err);
     EXPECT_EQ(R"({"error":{"code":0,"data":null,"log":[],"request":"","status":2,)"
-              R"("text":"--timeout: Value 0 not in range 1 to 86400. See camvoractl --help"}})"
+              R"("text":"--timeout: \"0\" is no number of seconds from 1 to 86400. See camvoractl --help"}})"
               "\n",
               outcome.out);
 }

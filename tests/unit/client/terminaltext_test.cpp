@@ -16,7 +16,7 @@ struct PrintableCase {
 
 const PrintableCase kPrintableCases[] = {
     {"plain", "Device Pack 3.2"sv, "Device Pack 3.2", 15},
-    {"letters_of_two_three_and_four_bytes", "\u00e4\u20ac\U0001F600"sv, "\u00e4\u20ac\U0001F600", 3},
+    {"letters_of_two_three_and_four_bytes", "\u00e4\u20ac\U0001F600"sv, "\u00e4\u20ac\U0001F600", 4},
     {"escape_sequence", "\x1b[2J"sv, R"(\x1B[2J)", 7},
     {"line_ends_and_tab", "a\nb\rc\td"sv, R"(a\nb\rc\td)", 10},
     {"nul_and_del", "\0\x7f"sv, R"(\x00\x7F)", 8},

@@ -1,0 +1,46 @@
+#include "client/terminal.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace client {
+namespace {
+
+std::string Variable(const char* name) {
+    const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nobody changes the environment
+    return value == nullptr ? "" : value;
+}
+
+bool WantsColour() {
+    const std::string kind = Variable("TERM");
+    return Variable("NO_COLOR").empty() && !kind.empty() && kind != "dumb";
+}
+
+}  // namespace
+
+Terminal TerminalAt(int descriptor) {
+    if (isatty(descriptor) == 0) {
+        return {};
+    }
+    struct winsize size {};
+    const bool isKnown = ioctl(descriptor, TIOCGWINSZ, &size) == 0;
+    return {isKnown ? size.ws_col : std::size_t{0}, WantsColour()};
+}
+
+const char* SequenceFor(Colour colour) {
+    switch (colour) {
+        case Colour::kGreen:
+            return "\x1B[32m";
+        case Colour::kYellow:
+            return "\x1B[33m";
+        case Colour::kRed:
+            return "\x1B[31m";
+        default:
+            return "\x1B[0m";
+    }
+}
+
+}  // namespace client

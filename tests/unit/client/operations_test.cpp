@@ -1,0 +1,109 @@
+// "operations", "wait" and "console".
+#include "fakeappliance.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string Operation(const std::string& outcome, const std::string& problem = "") {
+    return R"({"id":12,"request":"336f563be6a9a2bd","who":"client","method":"Update","service":1,)"
+           R"("fromVersion":"2.1-9","toVersion":"2.2-1","begin":"2026-03-01T12:03:07.900Z","durationMs":75400,)"
+           R"("code":0,"outcome":")" +
+           outcome + R"(","problem":")" + problem + "\"}";
+}
+
+FakeReply Operations(const std::string& operations) {
+    return Success(R"({"operations":[)" + operations + "]}");
+}
+
+FakeReplies Replies(const FakeReply& one) {
+    return {
+        {"List", Success(R"({"list":[{"service":1,"info":{"shortName":"device_pack"}}]})")},
+        {"GET /operations", Operations(Operation("failed", "no \\u001b"))},
+        {"GET /operations?id=12", one},
+        {"GET /operations?id=13", Operations("")},
+        {"GET /log?request=336f563be6a9a2bd",
+         Success(
+             R"({"lines":[{"time":"2026-03-01T12:03:09.000Z","source":"a","line":1,"function":"F","text":"t"}]})")},
+        {"GET /programs?request=336f563be6a9a2bd",
+         Success(R"({"programs":[{"time":"2026-03-01T12:03:08.000Z","path":"/bin/mv","arguments":["-f"],)"
+                 R"("exitStatus":0}]})")},
+        {"GET /operationlog?request=336f563be6a9a2bd",
+         Success(R"({"entries":[{"time":"2026-03-01T12:03:10.000Z","texts":["DP","by hand",""]}]})")},
+    };
+}
+
+struct OperationCase {
+    const char* name;
+    const char* line;
+    FakeReply one;  // the operation 12
+    int status;
+    std::string out;
+    std::string err;
+};
+
+const std::string kWaiting = "Waiting for the end of Update device_pack\n";
+const std::string kReason =
+    "The request was 336f563be6a9a2bd\nThe appliance logged:\n2026-03-01T12:03:09.000Z  a:1  F  t\n";
+
+const OperationCase kOperationCases[] = {
+    {"all", "operations", Operations(""), 0,
+     "ID  Begin           By      What                Version         Outcome          Duration\n"
+     "12  03-01 12:03:07  client  Update device_pack  2.1-9 -> 2.2-1  failed: no \\x1B  1 min 15 s\n",
+     ""},
+    {"one", "operations 12", Operations(Operation("done")), 0,
+     "Operation  12\n"
+     "Request    336f563be6a9a2bd\n"
+     "What       Update device_pack\n"
+     "By         client\n"
+     "Version    2.1-9 -> 2.2-1\n"
+     "Begin      2026-03-01 12:03:07\n"
+     "Duration   1 min 15 s\n"
+     "Outcome    done\n"
+     "\n"
+     "Time          What     Text\n"
+     "12:03:07.900  begin    Update by client\n"
+     "12:03:08.000  program  /bin/mv -f ended with exit status 0\n"
+     "12:03:09.000  log      F: t\n"
+     "12:03:10.000  entry    DP: by hand\n"
+     "12:04:23.300  end      done after 1 min 15 s\n",
+     ""},
+    {"unknown_number", "operations 13", Operations(""), 3, "",
+     "camvoractl: There is no operation 13, or it is too old. \"camvoractl operations\" shows the newest\n"},
+    {"unknown_request", "wait 0123456789012345", Operations(""), 3, "",
+     "camvoractl: There is no operation 0123456789012345, or it is too old. \"camvoractl operations\" shows "
+     "the "
+     "newest\n"},
+    {"wait", "wait 12", InTurn({Operations(Operation("running")), Operations(Operation("done"))}), 0,
+     "Update device_pack is done, after 1 min 15 s\n", kWaiting},
+    {"wait_for_a_failure", "wait 336f563be6a9a2bd", Operations(""), 1, "",
+     kWaiting + "camvoractl: Update device_pack failed: no \\x1B\n" + kReason},
+    {"wait_for_one_that_nobody_saw_end", "wait 12", Operations(Operation("lost")), 9, "",
+     kWaiting +
+         "camvoractl: Nobody saw the end of Update device_pack: the appliance's HTTP process ended before\n" +
+         kReason},
+    {"wait_too_long", "wait 12 --timeout 1", Operations(Operation("running")), 8, "",
+     kWaiting + "camvoractl: After 1 s, Update device_pack is still under way\n"},
+};
+
+class OperationsTest : public testing::TestWithParam<OperationCase> {};
+
+TEST_P(OperationsTest, SaysWhatWasDone) {
+    const FakeAppliance appliance(Replies(GetParam().one));
+    const Outcome outcome = appliance.Run(GetParam().line);
+    EXPECT_EQ(GetParam().status, outcome.status);
+    EXPECT_EQ(GetParam().out, outcome.out);
+    EXPECT_EQ(GetParam().err, outcome.err);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, OperationsTest, testing::ValuesIn(kOperationCases),
+                         [](const auto& c) { return std::string(c.param.name); });
+
+TEST(ConsoleTest, PrintsALinkWhoseCodeNoServerIsSent) {
+    const FakeAppliance appliance({{"POST /session/codes", Success(R"({"code":"A-B","validS":600})")}});
+    const Outcome outcome = appliance.Run("console");
+    EXPECT_EQ(appliance.Url() + "/#code=A-B\n", outcome.out);
+    EXPECT_EQ("The link signs one browser in, within 600 seconds\n", outcome.err);
+}
+
+}  // namespace
