@@ -2,6 +2,7 @@
 
 #include "host/jsonparams.h"
 
+#include "libcamvora/checkedreleases.h"
 #include "libcamvora/downloadstates.h"
 #include "libcamvora/notifications.h"
 #include "libcamvora/operations.h"
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -46,17 +48,24 @@ OperationEnd EndOf(const camvora::Operation& operation, const Reply& reply) {
     return {camvora::kOperationDone, VersionAfter(operation, answer["data"]), 0, ""};
 }
 
-// A download that was cancelled is forgotten.
+// The entry of the service; nothing when it has none.
+template <class Entry>
+std::optional<Entry> EntryOf(const std::vector<Entry>& entries, int service) {
+    const auto entry = std::find_if(entries.begin(), entries.end(),
+                                    [service](const Entry& e) { return e.service == service; });
+    return entry == entries.end() ? std::nullopt : std::make_optional(*entry);
+}
+
+// A download that was cancelled is forgotten; an older release that was ready before it is there again.
 OperationEnd EndOfDownload(int service) {
-    const std::vector<camvora::DownloadState> states = camvora::DownloadStates();
-    const auto state =
-        std::find_if(states.begin(), states.end(),
-                     [service](const camvora::DownloadState& entry) { return entry.service == service; });
-    if (state == states.end()) {
+    const auto download = EntryOf(camvora::DownloadStates(), service);
+    const auto checked = EntryOf(camvora::CheckedServices(), service);
+    const bool isOlder = download && checked && download->version != checked->newest.version;
+    if (!download || isOlder) {
         return {camvora::kOperationCancelled, "", 0, ""};
     }
-    return {state->status == kDownloadReady ? camvora::kOperationDone : camvora::kOperationFailed,
-            state->version, 0, state->problem};
+    return {download->status == kDownloadReady ? camvora::kOperationDone : camvora::kOperationFailed,
+            download->version, 0, download->problem};
 }
 
 // Only a start or a stop that went well is notified.
@@ -64,11 +73,22 @@ OperationEnd EndOfControl(const std::string& requestId) {
     return {camvora::HasNotified(requestId) ? camvora::kOperationDone : camvora::kOperationFailed, "", 0, ""};
 }
 
+// A cancel kills the download before it forgets it. Who looks in between takes it for one that has failed.
+void CorrectDownloads(const camvora::Operation& operation, const OperationEnd& end) {
+    if (operation.method == "DownloadCancel" && end.outcome == camvora::kOperationDone) {
+        camvora::CancelDownloadsSince(operation.begin, operation.service);
+    }
+}
+
 template <class Judge>
 void Record(const std::string& requestId, const Judge& judge) {
+    static std::mutex oneAtATime;  // or a correction would come before the record
+    const std::lock_guard<std::mutex> lock(oneAtATime);
     try {
         if (const std::optional<camvora::Operation> operation = camvora::FindOperation(requestId)) {
-            camvora::EndOperation(requestId, judge(*operation));
+            const OperationEnd end = judge(*operation);
+            camvora::EndOperation(requestId, end);
+            CorrectDownloads(*operation, end);
         }
     } catch (const std::exception& error) {
         CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Failed to record an operation's end: %s\n",

@@ -23,8 +23,8 @@ struct OperationKind {
 };
 
 constexpr OperationKind kKinds[] = {
-    {"Enable", true},   {"Disable", true},       {"Restart", false},    {"Update", false},
-    {"Restore", false}, {"DownloadStart", true}, {"GetPkgInfo", false},
+    {"Enable", true},   {"Disable", true},       {"Restart", false},        {"Update", false},
+    {"Restore", false}, {"DownloadStart", true}, {"DownloadCancel", false}, {"GetPkgInfo", false},
 };
 
 const OperationKind* FindKind(const std::string& method) {

@@ -107,6 +107,18 @@ void EndOperation(const std::string& requestId, const OperationEnd& end) {
     });
 }
 
+void CancelDownloadsSince(const std::string& time, int service) {
+    (void)TheStore().WriteLater([&](SQLite::Database& database) {
+        SQLite::Statement statement(
+            database,
+            "UPDATE operations SET outcome = ?, to_version = '', problem = '' WHERE method = 'DownloadStart'"
+            " AND outcome = ? AND service = ?"
+            " AND julianday(begin) + duration_ms / 86400000.0 >= julianday(?)");
+        SQLite::bind(statement, kOperationCancelled, kOperationFailed, service, time);
+        statement.exec();
+    });
+}
+
 void LoseRunningOperations() {
     (void)TheStore().WriteLater([](SQLite::Database& database) {
         database.exec("UPDATE operations SET outcome = 'lost' WHERE outcome = 'running'");

@@ -45,6 +45,9 @@ void BeginPlannedOperation();
 // Records the end of the running operation that the request `requestId` is, if it is one.
 void EndOperation(const std::string& requestId, const OperationEnd& end);
 
+// Corrects the record of the service's downloads that have failed since `time`: they were cancelled.
+void CancelDownloadsSince(const std::string& time, int service);
+
 // Records that all running operations have ended unseen. Called when the host starts.
 void LoseRunningOperations();
 

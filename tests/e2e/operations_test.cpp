@@ -1,6 +1,8 @@
 // What requests do, from begin to end, as others see it.
 #include "e2e/appliance.h"
 #include "e2e/downloads.h"
+#include "e2e/feed.h"
+#include "e2e/online.h"
 #include "e2e/packages.h"
 #include "e2e/processes.h"
 #include "e2e/rawconnection.h"
@@ -19,9 +21,11 @@ protected:
     }
 
     // The newest one in short.
-    std::string Newest() {
+    std::string Newest() { return FromEnd(1); }
+    std::string BeforeNewest() { return FromEnd(2); }
+    std::string FromEnd(unsigned count) {
         const Json::Value operations = owner_.Get("/operations").Data()["operations"];
-        return operations.empty() ? "" : Short(operations[operations.size() - 1]);
+        return operations.size() < count ? "" : Short(operations[operations.size() - count]);
     }
     static std::string Short(const Json::Value& operation) {
         return operation["who"].asString() + " " + operation["method"].asString() + " " +
@@ -57,6 +61,41 @@ protected:
         }
     }
 };
+
+std::string Sample(const std::string& name) {
+    return ReadFile(CAMVORA_BUILD_FOLDER "/packages/" + name + ".spk");
+}
+
+TEST_F(OperationsTest, TellWhatBecameOfDownloads) {
+    FeedFolder folder(*appliance_);
+    FaultyFeed feed(folder);
+    folder.Subscribe(*appliance_, feed.Url());
+    folder.Publish("newer.spk", Sample("device_pack-2.2.0-0140"));
+    Download(*appliance_, kDevicePackService);
+    WaitForNewest("client DownloadStart 1: 2.1.0-0130 > 2.2.0-0140 done 0");
+
+    folder.Publish("newest.spk", Sample("device_pack-2.3.0-0152"));
+    FeedFault slow;
+    slow.chunkBytes = 1;
+    slow.pause = std::chrono::milliseconds(100);
+    feed.SetFault(slow);
+    const Json::Value service = Param("service", kDevicePackService);
+    ASSERT_TRUE(owner_.AddOns("DownloadStart", service).Succeeded());
+    ASSERT_TRUE(WaitUntil([] { return DownloadStateOf(*appliance_, kDevicePackService) == 1; }));
+    ASSERT_TRUE(owner_.AddOns("DownloadCancel", service).Succeeded());
+    EXPECT_EQ("client DownloadCancel 1: 2.1.0-0130 >  done 0", Newest());
+    EXPECT_TRUE(WaitUntil([this] {
+        return BeforeNewest() == "client DownloadStart 1: 2.1.0-0130 >  cancelled 0";
+    })) << BeforeNewest();
+
+    FeedFault missing;
+    missing.status = 404;
+    feed.SetFault(missing);
+    Download(*appliance_, kDevicePackService);
+    WaitForNewest("client DownloadStart 1: 2.1.0-0130 > 2.3.0-0152 failed 0");
+    const Json::Value operations = owner_.Get("/operations").Data()["operations"];
+    EXPECT_NE("", operations[operations.size() - 1]["problem"].asString());
+}
 
 TEST_F(OperationsTest, EndAsTheirAnswersSay) {
     PutDownload(*appliance_, kDevicePackService, CAMVORA_BUILD_FOLDER "/packages/device_pack-2.3.0-0152.spk");
