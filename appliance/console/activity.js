@@ -1,135 +1,114 @@
-// What was done on the appliance: operations, its operation log and notifications in one list, newest first.
-import { button, foreign, make, reconcile, setAttribute, setShown, setText } from "./dom.js";
+// What was done on the appliance, in one list.
+import { button, make, reconcile, setAttribute, setShown, setText } from "./dom.js";
 import { time } from "./format.js";
-import { describe, kKinds } from "./happenings.js";
-import { openOperation } from "./operationview.js";
+import { happenings, kKinds } from "./happenings.js";
 import { store } from "./store.js";
-import { fill, language, text } from "./texts.js";
+import { foreign, redraw, text } from "./texts.js";
 
 const kPage = 40;
 
 export class Activity {
-  element;
-  #filters = { service: "", kind: "", words: "" };
+  #sources = []; // of what is shown
   #shown = kPage;
-  #service = make("select", { id: "filter-service", onchange: (event) => this.#filter("service", event.target.value) });
-  #kind = make("select", { id: "filter-kind", onchange: (event) => this.#filter("kind", event.target.value) });
-  #search = make("input", { id: "filter-words", type: "search", autocomplete: "off",
-    oninput: (event) => this.#filter("words", event.target.value) });
+  #service = this.#filter("select", "activity.service");
+  #kind = this.#filter("select", "activity.kind");
+  #words = this.#filter("input", "activity.search", { type: "search" });
+  #filters = make("div", { class: "filters", role: "search" },
+    ...[this.#service, this.#kind, this.#words].map((control) => control.parentElement));
   #list = make("ol", { class: "happenings" });
-  #more = button("activity.more", () => this.#showMore());
   #empty = make("div", { class: "empty" });
-  #filterBar;
+  #more = button("activity.more", () => this.#showMore());
+  element = make("section", { class: "activity", "aria-labelledby": "activity-title" },
+    make("header", { class: "section-head" },
+      make("div", {}, make("h2", { id: "activity-title", text: "activity.title" }),
+        make("p", { class: "quiet", text: "activity.words" })), this.#filters),
+    this.#list, this.#empty, this.#more);
 
-  constructor() {
-    this.#filterBar = make("div", { class: "filters", role: "search" },
-      field("activity.service", this.#service), field("activity.kind", this.#kind),
-      field("activity.search", this.#search));
-    this.element = make("section", { class: "activity", "aria-labelledby": "activity-title" },
-      make("header", { class: "section-head" },
-        make("div", {}, make("h2", { id: "activity-title", text: "activity.title" }),
-          make("p", { class: "quiet", text: "activity.words" })),
-        this.#filterBar),
-      this.#list, this.#empty, this.#more);
+  show() {
+    const sources = [store.operations.all(), store.entries, store.notifications, store.recorder, store.services.length];
+    if (sources.some((source, index) => source !== this.#sources[index])) {
+      this.#sources = sources;
+      this.#showAll();
+    }
   }
 
-  // Shows what the store has.
-  show() {
-    this.#showFilters();
+  #showAll() {
     const isHere = store.recorder === "";
-    const all = isHere ? describe(store) : [];
-    const matching = all.filter((happening) => this.#matches(happening));
-    reconcile(this.#list, matching.slice(0, this.#shown), (happening) => happening.key, rowOf, updateRow);
+    this.#showOptions();
+    const all = isHere ? happenings() : [];
+    const matching = all.filter((one) => this.#matches(one));
+    reconcile(this.#list, matching.slice(0, this.#shown), ({ key }) => key, () => make("li"), showRow);
     setShown(this.#list, matching.length > 0);
     setShown(this.#more, matching.length > this.#shown);
-    setShown(this.#filterBar, isHere);
-    this.#showEmpty(isHere, all.length, matching.length);
+    setShown(this.#filters, isHere);
+    setShown(this.#empty, matching.length === 0);
+    this.#showEmpty(!isHere ? "activity.recorder" : all.length === 0 ? "activity.none" : "activity.noMatch");
   }
 
-  #filter(name, value) {
-    this.#filters[name] = value;
-    this.#shown = kPage;
-    this.show();
+  // A control with its label; whatever is set there shows at once.
+  #filter(tag, key, attributes) {
+    const control = make(tag, attributes);
+    control.addEventListener("input", () => {
+      this.#shown = kPage;
+      this.#showAll();
+    });
+    make("label", { class: "field" }, make("span", { text: key }), control);
+    return control;
+  }
+
+  #matches({ service, kind, name, words, who }) {
+    const wanted = this.#words.value.trim().toLowerCase();
+    return ["", String(service)].includes(this.#service.value) && ["", kind].includes(this.#kind.value)
+      && (wanted === "" || `${name}\n${words}\n${who && text(`who.${who}`)}`.toLowerCase().includes(wanted));
+  }
+
+  #showOptions() {
+    const services = store.services.map((info) => [info.service, info.name]);
+    showOptions(this.#service, [["", text("activity.allServices")], ...services]);
+    showOptions(this.#kind, ["", ...kKinds].map((kind) => [kind, text(`activity.kind.${kind}`)]));
   }
 
   #showMore() {
     const next = this.#list.childElementCount;
     this.#shown += kPage;
-    this.show();
-    this.#list.children[next]?.querySelector("button, [tabindex]")?.focus();
+    this.#showAll();
+    const added = [...this.#list.children].slice(next);
+    added.map((row) => row.querySelector("button")).find(Boolean)?.focus();
   }
 
-  #matches(happening) {
-    const { service, kind, words } = this.#filters;
-    return (service === "" || String(happening.service) === service)
-      && (kind === "" || happening.kind === kind)
-      && happening.searched().includes(words.toLowerCase().trim());
-  }
-
-  #showFilters() {
-    const services = store.services.map((info) => ({ value: String(info.service), words: info.name }));
-    showOptions(this.#service, [{ value: "", words: text("activity.allServices") }, ...services]);
-    const kinds = kKinds.map((kind) => ({ value: kind, words: text(`activity.kind.${kind}`) }));
-    showOptions(this.#kind, [{ value: "", words: text("activity.allKinds") }, ...kinds]);
-  }
-
-  #showEmpty(isHere, all, matching) {
-    setShown(this.#empty, matching === 0);
-    const key = !isHere ? "activity.recorder" : all === 0 ? "activity.none" : "activity.noMatch";
-    if (matching > 0 || this.#empty.dataset.key === key) {
-      return;
-    }
-    this.#empty.dataset.key = key;
-    const reset = button("activity.reset", () => this.#reset());
-    this.#empty.replaceChildren(make("p", { class: "empty-title", text: key }),
-      make("p", { class: "quiet", text: `${key}.words` }), ...(key === "activity.noMatch" ? [reset] : []));
-  }
-
-  #reset() {
-    this.#service.value = "";
-    this.#kind.value = "";
-    this.#search.value = "";
-    this.#filters = { service: "", kind: "", words: "" };
-    this.show();
-    this.#search.focus();
+  #showEmpty(key) {
+    const reset = () => {
+      [this.#service, this.#kind, this.#words].forEach((control) => (control.value = ""));
+      this.#showAll();
+      this.#words.focus();
+    };
+    redraw(this.#empty, key, () => [make("p", { class: "empty-title", text: key }),
+      make("p", { class: "quiet", text: `${key}.words` }),
+      ...(key === "activity.noMatch" ? [button("activity.reset", reset)] : [])]);
   }
 }
 
-function field(key, control) {
-  return make("div", { class: "field" }, make("label", { for: control.id, text: key }), control);
-}
-
-function showOptions(select, options) {
+// `options`: pairs of value and words. What was chosen stays chosen while it is there.
+export function showOptions(select, options) {
   const chosen = select.value;
-  reconcile(select, options, (option) => option.value, (option) => make("option", { value: option.value }),
-    (element, option) => setText(element, option.words));
+  reconcile(select, options, ([value]) => value, ([value]) => make("option", { value }),
+    (element, [, words]) => setText(element, words));
   if (select.value !== chosen) {
-    select.value = options.some((option) => option.value === chosen) ? chosen : "";
+    select.value = options.some(([value]) => String(value) === chosen) ? chosen : "";
   }
 }
 
-function rowOf(happening) {
-  const open = happening.kind === "operation"
-    ? make("button", { type: "button", class: "row-open", onclick: () => openOperation(happening.id) })
-    : make("span", { class: "row-open" });
-  return make("li", { class: "happening" },
-    make("time", { class: "number" }), make("span", { class: "kind" }), make("span", { class: "service" }),
-    open, make("span", { class: "who" }), make("span", { class: "outcome" }));
-}
-
-function updateRow(row, happening) {
-  const signature = language + happening.signature();
-  if (row.dataset.signature === signature) {
-    return;
-  }
-  row.dataset.signature = signature;
-  const [when, kind, service, what, who, outcome] = row.children;
-  setText(when, time(happening.time));
-  setAttribute(when, "datetime", happening.time);
-  fill(kind, `activity.one.${happening.kind}`);
-  service.replaceChildren(foreign(happening.serviceName));
-  what.replaceChildren(foreign(happening.words));
-  setText(who, happening.who === "" ? "" : text(`who.${happening.who}`));
-  setText(outcome, happening.outcome === "" ? "" : text(`outcome.${happening.outcome}`));
-  setAttribute(row, "data-outcome", happening.outcome);
+function showRow(row, { kind, id, name, time: when, who, words, outcome }) {
+  setAttribute(row, "data-outcome", outcome);
+  redraw(row, [when, name, who, words, outcome], () => [
+    make("time", { datetime: when }, time(when)),
+    make("span", { class: "kind", text: `activity.one.${kind}` }),
+    make("span", { class: "service" }, foreign(name)),
+    make(kind === "operation" ? "button" : "span", {
+      class: "words",
+      ...(kind === "operation" && { type: "button", onclick: async () => (await import("./operationview.js")).openOperation(id) }),
+    }, foreign(words)),
+    make("span", { class: "who" }, who && text(`who.${who}`)),
+    make("span", { class: "outcome" }, outcome && text(`outcome.${outcome}`)),
+  ]);
 }

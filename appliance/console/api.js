@@ -1,93 +1,76 @@
 // Calls to the appliance: the module's methods, here or at a paired recorder, and the host's own pages.
 const kMethods = "/api/ORVA.Camvora.AddOns/v1/";
-const kNotAdmitted = 105;
-const kNoSession = 1013;
+const kRefusals = [105, 1013]; // not admitted, nobody is signed in
 
-export const kUploadPath = kMethods + "Upload";
-export const kUnreachable = 0; // the code of a call that was not answered
+export const kUploadPath = `${kMethods}Upload`;
+export const kUnreachable = 0; // the code of a call without an answer
 
-let server = "";
+let relay = "";
 let onSessionEnd = () => {};
 
-// Why a call failed: the code of the answer with its data, and the request's id in the logs.
+// Why a call failed: the code and the data of the answer, and the request's id in the logs.
 export class CallError extends Error {
   constructor(code, data, request) {
     super(`error ${code}`);
-    this.code = code;
-    this.data = data;
-    this.request = request;
+    Object.assign(this, { code, data, request });
   }
 }
 
 // Methods are called at that paired recorder from now on; "" is the appliance itself.
-export function callAt(name) {
-  server = name;
+export function callAt(recorder) {
+  relay = recorder && `/servers/${encodeURIComponent(recorder)}`;
 }
 
-// `listener` is called when an answer shows that nobody is signed in any more.
 export function whenSessionEnds(listener) {
   onSessionEnd = listener;
 }
 
 // Calls a method. Returns its data and the request's id; throws a CallError.
-export async function call(method, params = {}) {
-  const relay = server === "" ? "" : "/servers/" + encodeURIComponent(server);
-  try {
-    return await exchange(relay + kMethods + method, "POST", params);
-  } catch (error) {
-    await reportEnd(error, relay !== "");
-    throw error;
-  }
+export function call(method, params = {}) {
+  return watched(relay + kMethods + method, "POST", params);
 }
 
-// Reads one of the host's pages. Returns its data; throws a CallError.
+// The data of one of the host's pages; throws a CallError.
 export async function page(path) {
-  try {
-    return (await exchange(path, "GET")).data;
-  } catch (error) {
-    await reportEnd(error, false);
-    throw error;
-  }
+  return (await watched(path, "GET")).data;
 }
 
-// As `page` and `call`, for signing in and out: refusals end nothing there.
+// As both of them, where a refusal does not mean that the session is over.
 export async function exchange(path, method, params) {
-  const options = { method, credentials: "same-origin" };
-  if (params !== undefined) {
-    options.headers = { "Content-Type": "application/json" };
-    options.body = JSON.stringify(params);
-  }
+  const body = params && JSON.stringify(params);
   let response;
-  let reply;
   try {
-    response = await fetch(path, options);
-    reply = await response.json();
-  } catch {
-    throw new CallError(kUnreachable, null, response?.headers.get("X-Request-Id") ?? "");
+    response = await fetch(path, { method, body, headers: body && { "Content-Type": "application/json" } });
+    return readReply(await response.json(), idOf(response));
+  } catch (error) {
+    throw error instanceof CallError ? error : new CallError(kUnreachable, null, response ? idOf(response) : "");
   }
-  return readReply(reply, response.headers.get("X-Request-Id") ?? "");
 }
 
-// The data of an answer's document; throws a CallError where it is a refusal.
-export function readReply(reply, request) {
-  if (reply?.success !== true) {
-    throw new CallError(reply?.error?.code ?? kUnreachable, reply?.error?.data ?? null, request);
+// The data of an answer; throws a CallError where that is a refusal.
+export function readReply({ success, data, error }, request) {
+  if (!success) {
+    throw new CallError(error.code, error.data, request);
   }
-  return { data: reply.data, request };
+  return { data, request };
 }
 
 export function isRefusal(error) {
-  return error.code === kNotAdmitted || error.code === kNoSession;
+  return kRefusals.includes(error.code);
+}
+
+function idOf(response) {
+  return response.headers.get("X-Request-Id") ?? "";
 }
 
 // A recorder may refuse the host while the session here is in order.
-async function reportEnd(error, isRelayed) {
-  if (!isRefusal(error)) {
-    return;
-  }
-  if (isRelayed) {
-    await page("/appliance").catch(() => {});
-  } else {
-    onSessionEnd();
+async function watched(path, method, params) {
+  try {
+    return await exchange(path, method, params);
+  } catch (error) {
+    if (isRefusal(error)) {
+      await (path.startsWith("/servers/") ? page("/appliance").catch(() => {}) : onSessionEnd());
+    }
+    throw error;
   }
 }

@@ -1,4 +1,10 @@
-// The line of `camvoractl` that does what an action of the console does.
+// The lines of `camvoractl` that do what the console does, to be copied.
+import { announce, make, reconcile } from "./dom.js";
+import { store } from "./store.js";
+import { fill, foreign } from "./texts.js";
+
+const kCopiedMs = 2000;
+
 const kLines = {
   start: (service) => ["start", service],
   stop: (service) => ["stop", service],
@@ -7,28 +13,70 @@ const kLines = {
   download: (service) => ["download", service],
   cancel: (service) => ["cancel", service],
   update: (service) => ["update", service],
-  restore: (service) => ["restore", service],
   install: () => ["install", "FILE.spk"],
+  restore: (service) => ["restore", service],
   autoOn: (service) => ["auto-update", service, "on"],
   autoOff: (service) => ["auto-update", service, "off"],
-};
-
-// The client has no records of a recorder, and leaves there what needs them.
-const kLinesAtRecorder = {
-  ...kLines,
-  check: (service, number) => ["call", "CheckUpdateInfo", `service=${number}`],
-  download: (service, number) => ["call", "DownloadStart", `service=${number}`],
-  cancel: (service, number) => ["call", "DownloadCancel", `service=${number}`],
-  update: (service, number) => ["call", "Update", `service=${number}`],
 };
 
 function quoted(word) {
   return /^[\w.=-]+$/.test(word) ? word : `'${word.replaceAll("'", "'\\''")}'`;
 }
 
-// `info`: the service as the appliance describes it; `recorder`: the name of the paired recorder, "" for none.
+// `info`: the service as the appliance describes it; `recorder`: where it is, "" for the appliance itself.
 export function commandFor(action, info, recorder) {
-  const line = (recorder === "" ? kLines : kLinesAtRecorder)[action](info.shortName, info.service);
-  const server = recorder === "" ? [] : ["--server", recorder];
-  return ["camvoractl", ...server, ...line].map(quoted).join(" ");
+  const server = recorder ? ["--server", recorder] : [];
+  return ["camvoractl", ...server, ...kLines[action](info.shortName)].map(quoted).join(" ");
+}
+
+// A list to unfold; `show` takes what `stateOf` says of the service.
+export class CommandList {
+  #list = make("ul");
+  element = make("details", { class: "commands" }, make("summary", { text: "commands.title", class: "button-like" }),
+    this.#list);
+
+  constructor() {
+    this.element.addEventListener("focusout", ({ relatedTarget }) => {
+      if (relatedTarget && !this.element.contains(relatedTarget)) {
+        this.element.open = false;
+      }
+    });
+    this.element.addEventListener("keydown", ({ key }) => {
+      if (key === "Escape") {
+        this.element.open = false;
+        this.element.firstChild.focus();
+      }
+    });
+  }
+
+  show({ info, actions }) {
+    const lines = new Set([...actions].map((action) => commandFor(action, info, store.recorder)));
+    reconcile(this.#list, lines, String, itemOf, () => {});
+  }
+}
+
+function itemOf(line) {
+  const button = make("button", { type: "button", text: "commands.copy", label: ["commands.copyLine", { line }] });
+  button.addEventListener("click", async () => {
+    await copy(line, button);
+    fill(button, "commands.copied");
+    announce("commands.copied");
+    setTimeout(() => fill(button, "commands.copy"), kCopiedMs);
+  });
+  return make("li", {}, make("code", {}, foreign(line)), button);
+}
+
+// Browsers keep their clipboard closed to pages that came over plain HTTP; a selection can be copied even there.
+async function copy(words, button) {
+  if (navigator.clipboard) {
+    await navigator.clipboard.writeText(words);
+    return;
+  }
+  const field = make("textarea", { class: "unseen" });
+  field.value = words;
+  button.after(field);
+  field.select();
+  document.execCommand("copy");
+  field.remove();
+  button.focus();
 }

@@ -4,20 +4,16 @@ import { fill } from "./texts.js";
 
 let lastId = 0;
 
-// Makes a window with a heading and puts it on the page; it goes when it is closed.
+// On the page until it is closed; the focus then is where it was before.
 export class Dialog {
-  element;
-  body;
-  actions;
-  #title;
+  #title = make("h2", { id: `dialog-${++lastId}`, tabindex: "-1" });
+  #body = make("div", { class: "dialog-body" });
+  #actions = make("div", { class: "dialog-actions" });
+  element = make("dialog", { "aria-labelledby": this.#title.id }, this.#title, this.#body, this.#actions);
 
-  constructor(titleKey, values) {
-    this.#title = make("h2", { id: `dialog-${++lastId}`, tabindex: "-1" });
-    this.body = make("div", { class: "dialog-body" });
-    this.actions = make("div", { class: "dialog-actions" });
-    this.element = make("dialog", { "aria-labelledby": this.#title.id }, this.#title, this.body, this.actions);
-    this.setTitle(titleKey, values);
-    this.element.addEventListener("close", () => this.element.remove());
+  constructor(title, values) {
+    this.setTitle(title, values);
+    this.whenClosed(() => this.element.remove());
     document.body.append(this.element);
     this.element.showModal();
     this.#title.focus();
@@ -27,33 +23,45 @@ export class Dialog {
     fill(this.#title, key, values);
   }
 
-  // Replaces content and buttons; the focus goes to the heading where its place is gone.
-  show(body, actions) {
-    this.body.replaceChildren(...body);
-    this.actions.replaceChildren(...actions);
+  show(content, ...actions) {
+    this.#body.replaceChildren(...content);
+    this.#actions.replaceChildren(...actions);
     if (!this.element.contains(document.activeElement)) {
       this.#title.focus();
     }
   }
 
-  close() {
-    this.element.close();
+  // A button that closes it.
+  closer(key) {
+    return button(key, () => this.element.close());
+  }
+
+  // A button that closes it, and then does `work`.
+  doer(key, work, style = "primary") {
+    const closeAndWork = () => {
+      this.element.close();
+      work();
+    };
+    return button(key, closeAndWork, { class: style });
+  }
+
+  whenClosed(listener) {
+    this.element.addEventListener("close", listener);
   }
 }
 
 // Asks for consent; true when it was given. `content` are elements that say what will happen.
-export function ask(title, values, content, confirmKey, isDangerous) {
+export function ask(title, values, content, confirm, isDangerous) {
   return new Promise((resolve) => {
     const dialog = new Dialog(title, values);
-    let isAgreed = false;
-    const agree = () => {
-      isAgreed = true;
-      dialog.close();
-    };
-    dialog.show(content, [
-      button("dialog.cancel", () => dialog.close()),
-      button(confirmKey, agree, { class: isDangerous ? "danger" : "primary" }),
-    ]);
-    dialog.element.addEventListener("close", () => resolve(isAgreed));
+    dialog.show(content, dialog.closer("dialog.cancel"),
+      dialog.doer(confirm, () => resolve(true), isDangerous ? "danger" : "primary"));
+    dialog.whenClosed(() => resolve(false));
   });
+}
+
+// A list of facts. `rows`: keys of texts, each with what it is; those without are left out.
+export function facts(rows) {
+  return make("dl", { class: "facts" }, ...rows.filter(([, content]) => content).map(([key, content]) =>
+    make("div", {}, make("dt", { text: key }), make("dd", { dir: "auto" }, content))));
 }

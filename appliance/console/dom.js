@@ -1,18 +1,18 @@
 // Elements, made and changed in place. Whatever is shown goes in as text, never as markup.
-import { fill, label } from "./texts.js";
+import { fill, text } from "./texts.js";
 
-// Makes an element. Of the attributes "text" and "label" are keys of the texts (content and accessible name),
-// "on..." are listeners, `true` stands for an attribute without value, `false` and undefined for none.
+// Of the attributes "text" and "label" are keys of the texts, or [key, values]; "on..." are listeners; true stands
+// for an attribute without value, undefined for none.
 export function make(tag, attributes = {}, ...children) {
   const element = document.createElement(tag);
   for (const [name, value] of Object.entries(attributes)) {
     if (name === "text") {
-      fill(element, value);
+      fill(element, ...[value].flat());
     } else if (name === "label") {
-      label(element, value);
+      element.setAttribute("aria-label", text(...[value].flat()));
     } else if (name.startsWith("on")) {
       element.addEventListener(name.slice(2), value);
-    } else if (value !== false && value !== undefined) {
+    } else if (value !== undefined) {
       element.setAttribute(name, value === true ? "" : value);
     }
   }
@@ -20,68 +20,63 @@ export function make(tag, attributes = {}, ...children) {
   return element;
 }
 
-// A button that does nothing while it is switched off by `setEnabled`, but keeps the focus.
-export function button(key, onclick, attributes = {}) {
-  return make("button", { type: "button", text: key, ...(onclick && { onclick }), ...attributes });
+export function button(key, onclick, attributes) {
+  return make("button", { type: "button", text: key, onclick, ...attributes });
 }
 
-// A text of unknown origin, kept from changing the direction of what stands around it.
-export function foreign(value, attributes = {}) {
-  return make("bdi", { dir: "auto", ...attributes }, String(value));
-}
-
-export function setText(element, value) {
-  const words = String(value ?? "");
+// The setters touch only what is not so yet.
+export function setText(element, words) {
   if (element.textContent !== words) {
     element.textContent = words;
   }
 }
 
 export function setAttribute(element, name, value) {
-  if (element.getAttribute(name) !== value) {
+  if (element.getAttribute(name) !== String(value)) {
     element.setAttribute(name, value);
   }
 }
 
 export function setShown(element, isShown) {
-  if (element.hidden === isShown) {
+  if (element.hidden === Boolean(isShown)) {
     element.hidden = !isShown;
   }
 }
 
+// Names a button after what it does to what: the words that are seen, and those that are read out.
+export function nameAction(element, action, subject) {
+  fill(element, `action.${action}`);
+  setAttribute(element, "aria-label", text("action.on", { action: text(`action.${action}`), name: subject }));
+}
+
 // Unlike "disabled" this leaves the focus where it is; `guardClicks` keeps the promise.
 export function setEnabled(element, isEnabled) {
-  setAttribute(element, "aria-disabled", String(!isEnabled));
+  setAttribute(element, "aria-disabled", !isEnabled);
 }
 
 export function isEnabled(element) {
   return element.getAttribute("aria-disabled") !== "true";
 }
 
-// Swallows clicks on what is switched off below `root`, before anybody else sees them.
-export function guardClicks(root) {
-  root.addEventListener("click", (event) => {
-    const control = event.target.closest("[aria-disabled=true]");
-    if (control !== null) {
+// Swallows clicks on what is switched off, before anybody else sees them.
+export function guardClicks() {
+  document.addEventListener("click", (event) => {
+    if (event.target.closest("[aria-disabled=true]")) {
       event.stopPropagation();
       event.preventDefault();
     }
   }, true);
 }
 
-// Makes the children of `parent` show `items` in their order: elements are made for new keys, removed with
-// theirs, and otherwise stay the same.
+// Makes the children of `parent` show `items`, in their order; elements stay with their keys.
 export function reconcile(parent, items, keyOf, create, update) {
   const present = new Map([...parent.children].map((child) => [child.dataset.key, child]));
   let place = parent.firstElementChild;
   for (const item of items) {
     const key = String(keyOf(item));
-    let element = present.get(key);
+    const element = present.get(key) ?? create(item);
     present.delete(key);
-    if (element === undefined) {
-      element = create(item);
-      element.dataset.key = key;
-    }
+    element.dataset.key = key;
     if (element === place) {
       place = place.nextElementSibling;
     } else {
@@ -89,7 +84,10 @@ export function reconcile(parent, items, keyOf, create, update) {
     }
     update(element, item);
   }
-  for (const element of present.values()) {
-    element.remove();
-  }
+  present.forEach((element) => element.remove());
+}
+
+// Says to screen readers what has changed somewhere on the page.
+export function announce(key, values) {
+  document.getElementById("announcer").textContent = text(key, values);
 }

@@ -1,34 +1,22 @@
-// The stream of events, read for as long as it is wanted: one that fails or falls silent is opened again.
+// The stream of events, read for as long as it is wanted: one that breaks or falls silent is opened again.
 import { isRefusal, readReply } from "./api.js";
-import { EventParser } from "./eventparser.js";
 
-const kPath = "/events";
 const kSilenceMs = 15_000;
 const kFirstPauseMs = 500;
 const kLongestPauseMs = 15_000;
 
 export class EventStream {
   #handlers;
-  #isWanted = false;
+  #isWanted = true;
   #lastId = "";
   #pauseMs = kFirstPauseMs;
-  #abort = null;
+  #abort;
   #wake = () => {};
 
-  // `handlers`: onEvent(name, data), onLost(), called at each failure, onRefused() when nobody is signed in.
+  // `handlers`: onEvent(name, data); onLost(), at each failure; onRefused(), when nobody is signed in.
   constructor(handlers) {
     this.#handlers = handlers;
-  }
-
-  async run() {
-    this.#isWanted = true;
-    while (this.#isWanted) {
-      await this.#readOnce();
-      if (this.#isWanted) {
-        this.#handlers.onLost();
-        await this.#pause();
-      }
-    }
+    void this.#run();
   }
 
   stop() {
@@ -37,9 +25,9 @@ export class EventStream {
     this.#wake();
   }
 
-  // Gives the present stream up, for the next one.
+  // Gives the present connection up, for the next one.
   drop() {
-    this.#abort?.abort();
+    this.#abort.abort();
   }
 
   // Ends the present pause between two attempts.
@@ -48,85 +36,77 @@ export class EventStream {
     this.#wake();
   }
 
-  async #readOnce() {
+  async #run() {
+    while (this.#isWanted) {
+      await this.#connect().catch((error) => this.#fail(error));
+      if (this.#isWanted) {
+        this.#handlers.onLost();
+        await this.#pause();
+      }
+    }
+  }
+
+  #fail(error) {
+    if (isRefusal(error)) {
+      this.#isWanted = false;
+      this.#handlers.onRefused();
+    }
+  }
+
+  async #connect() {
     this.#abort = new AbortController();
-    const watch = new SilenceWatch(kSilenceMs, () => this.#abort.abort());
+    const { signal } = this.#abort;
+    const watch = watchForSilence(() => this.drop());
     try {
-      const response = await fetch(kPath, {
-        headers: this.#lastId === "" ? {} : { "Last-Event-ID": this.#lastId },
-        signal: this.#abort.signal,
-      });
-      if (response.ok) {
-        await this.#readAll(response.body.getReader(), watch);
-      } else {
-        readReply(await response.json(), "");
+      const response = await fetch("/events", { headers: this.#lastId ? { "Last-Event-ID": this.#lastId } : {}, signal });
+      if (!response.ok) {
+        readReply(await response.json());
       }
-    } catch (error) {
-      if (isRefusal(error)) {
-        this.#isWanted = false;
-        this.#handlers.onRefused();
-      }
+      await this.#read(response.body.getReader(), watch);
     } finally {
       watch.end();
     }
   }
 
-  async #readAll(reader, watch) {
+  async #read(reader, watch) {
     const decoder = new TextDecoder();
-    const parser = new EventParser();
-    for (;;) {
-      const { done, value } = await reader.read();
-      if (done) {
-        return;
-      }
+    let rest = "";
+    for (let piece = await reader.read(); !piece.done; piece = await reader.read()) {
       watch.heard();
-      for (const event of parser.push(decoder.decode(value, { stream: true }))) {
-        this.#pass(event);
-      }
+      const blocks = (rest + decoder.decode(piece.value, { stream: true })).split("\n\n");
+      rest = blocks.pop();
+      blocks.map(parseEvent).filter((event) => event.data).forEach((event) => this.#pass(event));
     }
   }
 
-  #pass(event) {
+  #pass({ event, data, id }) {
     this.#pauseMs = kFirstPauseMs;
-    this.#lastId = event.id || this.#lastId;
-    this.#handlers.onEvent(event.name, JSON.parse(event.data));
+    this.#lastId = id ?? this.#lastId;
+    this.#handlers.onEvent(event, JSON.parse(data));
   }
 
   async #pause() {
     const spread = 0.8 + 0.4 * Math.random(); // or many windows would come back at the same moment
     await new Promise((resolve) => {
-      const timer = setTimeout(resolve, this.#pauseMs * spread);
-      this.#wake = () => {
-        clearTimeout(timer);
-        resolve();
-      };
+      this.#wake = resolve;
+      setTimeout(resolve, this.#pauseMs * spread);
     });
     this.#pauseMs = Math.min(kLongestPauseMs, this.#pauseMs * 2);
   }
 }
 
-// Calls `onSilence` when nothing was heard for that long.
-class SilenceWatch {
-  #heardAt = performance.now();
-  #timer;
+// The fields of an event by their names; a comment has none.
+export function parseEvent(block) {
+  return Object.fromEntries(block.split("\n").map((line) => /^(\w+): ?(.*)$/.exec(line)).filter(Boolean)
+    .map(([, name, value]) => [name, value]));
+}
 
-  constructor(limitMs, onSilence) {
-    const look = () => {
-      const leftMs = this.#heardAt + limitMs - performance.now();
-      if (leftMs <= 0) {
-        onSilence();
-      } else {
-        this.#timer = setTimeout(look, leftMs);
-      }
-    };
-    this.#timer = setTimeout(look, limitMs);
-  }
-
-  heard() {
-    this.#heardAt = performance.now();
-  }
-
-  end() {
-    clearTimeout(this.#timer);
-  }
+function watchForSilence(onSilence) {
+  let heardAt = performance.now();
+  const timer = setInterval(() => {
+    if (performance.now() - heardAt > kSilenceMs) {
+      onSilence();
+    }
+  }, 1000);
+  return { heard: () => (heardAt = performance.now()), end: () => clearInterval(timer) };
 }

@@ -1,62 +1,29 @@
 // The part of a card that says what went wrong last, and why.
-import { button, foreign, make, setShown } from "./dom.js";
+import { button, make, setShown } from "./dom.js";
 import { time } from "./format.js";
 import { logLines } from "./loglines.js";
 import { dismiss } from "./store.js";
-import { fill, language, text } from "./texts.js";
+import { foreign, redraw, text } from "./texts.js";
 
-const kLost = "lost";
+const kPlain = ["dead", "cut"]; // states that say what is wrong when nothing is known of an action
 
-function titleOf(failure) {
-  const title = make("p", { class: "strip-title" });
-  if (failure.outcome === kLost) {
-    fill(title, "failed.lost", { what: text(`operation.${failure.method}`) });
-  } else {
-    fill(title, `failed.${failure.method}`);
+export class FailureStrip {
+  element = make("div", { class: "strip failure", hidden: true });
+
+  show({ info, state, work, failure }) {
+    const plain = kPlain.includes(state) ? [make("p", { text: `failed.${state}` })] : [];
+    setShown(this.element, !work && (failure || plain.length > 0));
+    const shown = failure && [failure.id, failure.method, failure.text, failure.request];
+    redraw(this.element, [shown, state], () => [...(failure ? wordsOf(failure, info.service) : []), ...plain]);
   }
-  return title;
 }
 
-function madeBy(failure) {
-  const line = make("p", { class: "quiet" });
-  fill(line, "failed.at", { time: time(failure.begin), who: text(`who.${failure.who}`) });
-  return line;
-}
-
-function contentOf(failure, service) {
+function wordsOf({ method, outcome, text: reason, who, begin, request }, service) {
+  const what = outcome === "lost" ? ["failed.lost", { what: text(`operation.${method}`) }] : `failed.${method}`;
   return [
-    titleOf(failure),
-    ...(failure.text ? [make("p", {}, foreign(failure.text))] : []),
-    ...(failure.who ? [madeBy(failure)] : []),
-    ...(failure.request ? [logLines(failure.request, "failed.details")] : []),
-    ...(service === undefined ? [] : [button("failed.dismiss", () => dismiss(service), { class: "dismiss" })]),
+    make("p", { class: "strip-title", text: what }),
+    ...(reason ? [make("p", {}, foreign(reason))] : []),
+    ...(who ? [make("p", { class: "quiet", text: ["failed.at", { time: time(begin), who: text(`who.${who}`) }] })] : []),
+    ...(request ? [logLines(request), button("failed.dismiss", () => dismiss(service), { class: "small" })] : []),
   ];
-}
-
-// What the service itself shows, when nothing is known of an action that failed.
-function plainOf({ info, state }) {
-  if (state !== "failed") {
-    return undefined;
-  }
-  return info.blRunning || info.status !== 1 ? "failed.cut" : "failed.dead";
-}
-
-export function failureStrip() {
-  const element = make("div", { class: "strip failure", hidden: true });
-  let shown = "";
-  const show = (known) => {
-    const { info, failure, work } = known;
-    const plain = plainOf(known);
-    const isThere = work === undefined && (failure !== undefined || plain !== undefined);
-    const signature = language + JSON.stringify([failure?.id, failure?.method, failure?.text, failure?.request, plain]);
-    setShown(element, isThere);
-    if (isThere && signature !== shown) {
-      shown = signature;
-      const canDismiss = failure !== undefined && failure.method !== "DownloadStart";
-      element.replaceChildren(
-        ...(failure === undefined ? [] : contentOf(failure, canDismiss ? info.service : undefined)),
-        ...(plain === undefined ? [] : [make("p", { text: plain })]));
-    }
-  };
-  return { element, show };
 }

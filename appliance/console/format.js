@@ -2,50 +2,48 @@
 import { language, text } from "./texts.js";
 
 const kUnits = ["B", "KiB", "MiB", "GiB"];
-const kStep = 1024;
+const kRateMs = 4000;
 
-const formats = new Map();
-
-function format(Kind, options) {
-  const key = language + Kind.name + JSON.stringify(options);
-  if (!formats.has(key)) {
-    formats.set(key, new Kind(language, options));
-  }
-  return formats.get(key);
-}
-
-export function number(value, digits = 0) {
-  return format(Intl.NumberFormat, { maximumFractionDigits: digits }).format(value);
-}
+const whole = new Intl.NumberFormat(language, { maximumFractionDigits: 0 });
+const exact = new Intl.NumberFormat(language, { maximumFractionDigits: 1 });
+const clock = new Intl.DateTimeFormat(language, { timeStyle: "medium" });
+const calendar = new Intl.DateTimeFormat(language, { dateStyle: "short", timeStyle: "medium" });
 
 export function size(bytes) {
-  let value = bytes;
-  let unit = 0;
-  for (; value >= kStep && unit + 1 < kUnits.length; ++unit) {
-    value /= kStep;
-  }
-  return number(value, unit === 0 ? 0 : 1) + "\u00a0" + kUnits[unit];
+  const unit = bytes < 1 ? 0 : Math.min(kUnits.length - 1, Math.floor(Math.log2(bytes) / 10));
+  return `${exact.format(bytes / 1024 ** unit)}\u00a0${kUnits[unit]}`;
 }
 
-export function percent(done, whole) {
-  return number(whole > 0 ? Math.min(100, Math.floor((100 * done) / whole)) : 0) + "\u00a0%";
+export function percent(done, all) {
+  return `${whole.format(all > 0 ? Math.floor((100 * done) / all) : 0)}\u00a0%`;
 }
 
 // The clock time of today, the date too of other days.
 export function time(iso) {
   const date = new Date(iso);
   if (Number.isNaN(date.getTime())) {
-    return String(iso ?? "");
+    return String(iso);
   }
-  const isToday = date.toDateString() === new Date().toDateString();
-  return format(Intl.DateTimeFormat, isToday ? { timeStyle: "medium" } : { dateStyle: "short", timeStyle: "medium" })
-    .format(date);
+  return (date.toDateString() === new Date().toDateString() ? clock : calendar).format(date);
 }
 
-export function duration(milliseconds) {
-  const seconds = milliseconds / 1000;
-  if (seconds < 60) {
-    return text("duration.seconds", { seconds: number(seconds, seconds < 10 ? 1 : 0) });
+export function duration(ms) {
+  const seconds = ms / 1000;
+  return seconds < 60
+    ? text("duration.s", { seconds: exact.format(seconds) })
+    : text("duration.min", { minutes: whole.format(Math.floor(seconds / 60)), seconds: whole.format(seconds % 60) });
+}
+
+// How fast an amount grows, evened out over some seconds.
+export class Rate {
+  #samples = [];
+
+  // Takes the present amount; returns the growth per second, 0 while that is not known.
+  add(amount) {
+    const now = performance.now();
+    this.#samples = [...this.#samples.filter((sample) => now - sample.now < kRateMs && sample.amount <= amount),
+      { now, amount }];
+    const [first] = this.#samples;
+    return now > first.now ? (1000 * (amount - first.amount)) / (now - first.now) : 0;
   }
-  return text("duration.minutes", { minutes: number(Math.floor(seconds / 60)), seconds: number(Math.floor(seconds % 60)) });
 }

@@ -1,86 +1,61 @@
 // Operations, entries of the operation log and notifications, described alike.
-import { serviceName } from "./store.js";
+import { infoOf, store } from "./store.js";
 import { text } from "./texts.js";
 
 export const kKinds = ["operation", "entry", "notification"];
 
 const kAddOnControlled = 0x133000b5; // an entry with the texts: name of the service, description, ""
 const kAddOnChanged = 24; // a notification with the texts: service, action, "0"
-const kAddOnActions = ["0", "1", "2"];
-
-// The most that a row shows; the whole text is with the operation.
 const kWordsLimit = 300;
 
-class Happening {
-  // `source`: as the appliance has it; `facts`: {service, serviceName, words, who, outcome}.
-  constructor(kind, source, facts) {
-    Object.assign(this, { who: "", outcome: "" }, facts);
-    this.kind = kind;
-    this.id = source.id;
-    this.key = `${kind}-${source.id}`;
-    this.time = source.time ?? source.begin;
-    this.words = this.words.slice(0, kWordsLimit);
-  }
-
-  signature() {
-    return JSON.stringify([this.time, this.serviceName, this.words, this.who, this.outcome]);
-  }
-
-  searched() {
-    return `${this.serviceName}\n${this.words}\n${this.who && text(`who.${this.who}`)}`.toLowerCase();
-  }
-}
+const known = new WeakMap(); // what was described before
 
 export function nameOf(service) {
-  return serviceName(service) ?? text("service.unknown", { number: service });
+  return infoOf(service)?.name ?? text("service.unknown", { number: service });
 }
 
-// The versions of an operation that changed one; "" otherwise.
+// The versions of an operation that changes them, as a sentence; else "".
 export function versionsOf({ fromVersion, toVersion }) {
-  return toVersion === "" || toVersion === undefined || toVersion === fromVersion
-    ? ""
-    : text("operation.versions", { from: fromVersion || "–", to: toVersion });
+  return toVersion && toVersion !== fromVersion
+    ? text("operation.versions", { from: fromVersion || "–", to: toVersion })
+    : "";
 }
 
 function operationOf(operation) {
-  const words = [text(`operation.${operation.method}`), versionsOf(operation)];
-  return new Happening("operation", operation, {
-    service: operation.service,
-    serviceName: nameOf(operation.service),
-    words: words.filter(Boolean).join(" ") + (operation.problem ? ": " + operation.problem : ""),
-    who: operation.who,
-    outcome: operation.outcome,
-  });
+  const { method, service, begin, who, outcome, problem } = operation;
+  const what = `${text(`operation.${method}`)} ${versionsOf(operation)}`.trim();
+  return { service, name: nameOf(service), time: begin, who, outcome, words: problem ? `${what}: ${problem}` : what };
 }
 
-function entryOf(entry, services) {
-  const texts = entry.texts.filter(Boolean);
-  const isOfService = entry.event === kAddOnControlled;
-  const joined = texts.slice(isOfService ? 1 : 0).join(": ");
-  return new Happening("entry", entry, {
-    service: services.find((info) => info.name === entry.texts[0])?.service,
-    serviceName: isOfService ? entry.texts[0] : "",
-    words: isOfService ? joined : text("entry.other", { event: entry.event, texts: joined }),
-    who: entry.who,
-  });
+function entryOf({ event, texts, time, who }) {
+  const words = texts.filter(Boolean).join(": ");
+  if (event !== kAddOnControlled) {
+    return { name: "", time, who, words: text("entry.other", { event, texts: words }) };
+  }
+  const service = store.services.find((info) => info.name === texts[0])?.service;
+  return { service, name: texts[0], time, who, words: texts[1] };
 }
 
-function notificationOf(notification) {
-  const { type, texts } = notification;
-  const isOfService = type === kAddOnChanged && kAddOnActions.includes(texts[1]);
-  const name = isOfService ? nameOf(Number(texts[0])) : "";
-  return new Happening("notification", notification, {
-    service: isOfService ? Number(texts[0]) : undefined,
-    serviceName: name,
-    words: isOfService ? text(`notice.${texts[1]}`, { name }) : text("notice.other", { type, texts: texts.join(", ") }),
-  });
+function notificationOf({ type, texts, time }) {
+  const service = Number(texts[0]);
+  return type === kAddOnChanged
+    ? { service, name: nameOf(service), time, words: text(`notice.${texts[1]}`) }
+    : { name: "", time, words: text("notice.other", { type, texts: texts.join(", ") }) };
 }
 
-// Newest first.
-export function describe({ operations, history, services }) {
+// All of them, newest first: [{kind, id, key, service, name, time, who, words, outcome}].
+export function happenings() {
   return [
-    ...operations.all().map(operationOf),
-    ...history.entries.map((entry) => entryOf(entry, services)),
-    ...history.notifications.map(notificationOf),
+    ...store.operations.all().map((one) => described("operation", one, operationOf)),
+    ...store.entries.map((one) => described("entry", one, entryOf)),
+    ...store.notifications.map((one) => described("notification", one, notificationOf)),
   ].sort((a, b) => (a.time < b.time ? 1 : a.time > b.time ? -1 : b.id - a.id));
+}
+
+function described(kind, one, describe) {
+  if (!known.has(one)) {
+    const { words, ...others } = describe(one);
+    known.set(one, { who: "", outcome: "", ...others, words: words.slice(0, kWordsLimit), kind, id: one.id, key: `${kind}-${one.id}` });
+  }
+  return known.get(one);
 }

@@ -1,48 +1,63 @@
-// The bar at the top: which appliance this is, whether it answers, the language, the way out.
-import { make, reconcile, setAttribute, setShown, setText } from "./dom.js";
+// The bar at the top: which appliance this is, whether it answers, the language, the way out. Below it, what is wrong.
+import { showOptions } from "./activity.js";
+import { announce, button, make, setAttribute, setShown, setText } from "./dom.js";
 import { store } from "./store.js";
-import { fill, language, languageName, languages, setLanguage, text } from "./texts.js";
+import { fill, language, languages, setLanguage, text } from "./texts.js";
 
-const kAppliance = "";
+const kTroubles = ["lost", "refused"];
 
 const byId = (id) => document.getElementById(id);
 
-// `onChoose` is called with the name of a recorder, "" for the appliance itself.
-export function prepareHeader({ onChoose, onSignOut, onLanguage }) {
+// Says everything of the page that is there from the beginning. `onChoose` is called with the name of a recorder, ""
+// for the appliance itself.
+export function prepareHeader(onChoose, onSignOut) {
+  document.documentElement.lang = language;
+  document.querySelectorAll("[data-text]").forEach((element) => fill(element, element.dataset.text));
   byId("shown").addEventListener("change", (event) => onChoose(event.target.value));
   byId("sign-out").addEventListener("click", onSignOut);
-  const choice = byId("language");
-  for (const code of languages) {
-    choice.append(make("option", { value: code, lang: code }, languageName(code)));
-  }
-  choice.value = language;
-  choice.addEventListener("change", () => {
-    setLanguage(choice.value);
-    onLanguage();
-  });
+  showOptions(byId("language"), Object.entries(languages));
+  byId("language").value = language;
+  byId("language").setAttribute("aria-label", text("language"));
+  byId("language").addEventListener("change", (event) => setLanguage(event.target.value));
 }
 
 export function showHeader(isSignedIn, recorders) {
-  const { appliance, connection } = store;
-  document.title = appliance.name === "" ? "Camvora" : `${appliance.name} – Camvora`;
+  const { appliance, connection, recorder } = store;
+  document.title = appliance.name ? `${appliance.name} – Camvora` : "Camvora";
   for (const id of ["appliance", "connection", "sign-out"]) {
     setShown(byId(id), isSignedIn);
   }
   setText(byId("appliance-name"), appliance.name);
-  fill(byId("appliance-facts"), "appliance.facts", { model: appliance.model, version: appliance.version });
+  setText(byId("appliance-facts"), `${appliance.model} · Camvora ${appliance.version}`);
   setShown(byId("cms-host"), appliance.blCmsHost);
-  setAttribute(byId("connection"), "data-connection", connection);
-  fill(byId("connection"), `connection.${connection}`);
-  showChoice(isSignedIn && recorders.length > 0, recorders);
+  if (byId("connection").dataset.connection !== connection) {
+    setAttribute(byId("connection"), "data-connection", connection);
+    fill(byId("connection"), `connection.${connection}`);
+    announce(`connection.${connection}`);
+  }
+  setShown(byId("shown-field"), isSignedIn && recorders.length > 0);
+  showOptions(byId("shown"), [["", text("appliance.this")], ...recorders.map((name) => [name, name])]);
+  byId("shown").value = recorder;
 }
 
-function showChoice(isThere, recorders) {
-  setShown(byId("shown-field"), isThere);
-  const options = [{ value: kAppliance, words: text("appliance.this") },
-    ...recorders.map((name) => ({ value: name, words: name }))];
-  reconcile(byId("shown"), options, (option) => option.value, (option) => make("option", { value: option.value }),
-    (element, option) => setText(element, option.words));
-  if (byId("shown").value !== store.recorder) {
-    byId("shown").value = store.recorder;
+export class Banner {
+  #title = make("p", { class: "strip-title" });
+  #words = make("p");
+  #trouble = make("div", { class: "banner trouble" }, make("div", {}, this.#title, this.#words));
+  #recorder = make("p", { class: "banner" });
+  element = make("div", {}, this.#trouble, this.#recorder);
+
+  constructor(onRetry) {
+    this.#trouble.append(button("lost.retry", onRetry));
+  }
+
+  show() {
+    const { connection, recorder } = store;
+    const key = kTroubles.includes(connection) ? connection : "lost";
+    setShown(this.#trouble, key === connection);
+    fill(this.#title, `${key}.title`);
+    fill(this.#words, `${key}.words`, { name: recorder });
+    setShown(this.#recorder, recorder !== "");
+    fill(this.#recorder, "recorder.note", { name: recorder });
   }
 }

@@ -1,80 +1,39 @@
 // A package file's way to the appliance, in one window: sent, checked, shown, and installed when that is agreed to.
-import { call, CallError, kUnreachable } from "./api.js";
 import { Dialog } from "./dialog.js";
-import { button, foreign, make } from "./dom.js";
-import { percent, size } from "./format.js";
+import { make } from "./dom.js";
+import { percent, Rate, size } from "./format.js";
 import { logLines } from "./loglines.js";
-import { alone, isBusy, order, whenSeen } from "./orders.js";
+import { alone, carryOut, isBusy, order } from "./orders.js";
 import { isDowngrade, planFor } from "./plan.js";
-import { refusalOf } from "./problems.js";
-import { Rate } from "./rate.js";
-import { store } from "./store.js";
-import { fill } from "./texts.js";
+import { isCut, refusalOf } from "./problems.js";
+import { infoOf, store } from "./store.js";
+import { fill, foreign } from "./texts.js";
 import { upload, UploadCancelled } from "./upload.js";
 
 const kExtension = ".spk";
 
-function paragraph(key, values, attributes = {}) {
-  const element = make("p", attributes);
-  fill(element, key, values);
-  return element;
-}
-
-function takers() {
-  return store.services.filter((info) => info.blHasPackages);
-}
-
 // The service that the file's name begins with.
-function namedBy(file) {
-  const name = file.name.toLowerCase();
-  return takers().find((info) => name.startsWith(info.shortName) && !/^\w/.test(name.slice(info.shortName.length)));
+function namedBy({ name }) {
+  return store.services.find(({ blHasPackages, shortName }) =>
+    blHasPackages && name.startsWith(shortName) && !/^\w/.test(name.slice(shortName.length)));
 }
 
-// Lets the user choose a file; `service` is its service unless its name says another.
+// Lets the user choose a file.
 export function chooseFile(service) {
-  const input = make("input", { type: "file", accept: kExtension, hidden: true });
-  input.addEventListener("change", () => {
-    input.remove();
-    if (input.files.length > 0) {
-      installFile(input.files[0], service);
-    }
-  });
-  input.addEventListener("cancel", () => input.remove());
-  document.body.append(input);
+  const input = make("input", { type: "file", accept: kExtension });
+  input.addEventListener("change", () => installFile(input.files[0], service));
   input.click();
 }
 
+// `service` is the file's unless its name says another; undefined where only the name can tell.
 export function installFile(file, service) {
-  const info = namedBy(file) ?? takers().find((candidate) => candidate.service === service);
-  if (info !== undefined) {
+  const info = namedBy(file) ?? infoOf(service);
+  if (info) {
     void new Installation(file, info).run();
   } else {
-    askForService(file);
+    const dialog = new Dialog("install.title");
+    dialog.show([make("p", { text: ["install.which", { file: file.name }] })], dialog.closer("dialog.close"));
   }
-}
-
-function askForService(file) {
-  const dialog = new Dialog("install.title");
-  const services = takers();
-  if (services.length === 0) {
-    dialog.show([paragraph("install.unknown")], [button("install.close", () => dialog.close())]);
-    return;
-  }
-  const question = make("legend");
-  fill(question, "install.which", { file: file.name });
-  const choices = services.map((info, index) => make("label", { class: "choice" },
-    make("input", { type: "radio", name: "service", value: info.service, checked: index === 0 }),
-    foreign(info.name)));
-  const form = make("fieldset", {}, question, ...choices);
-  const next = () => {
-    const chosen = Number(form.querySelector(":checked").value);
-    dialog.close();
-    installFile(file, chosen);
-  };
-  dialog.show([form], [
-    button("install.cancel", () => dialog.close()),
-    button("install.next", next, { class: "primary" }),
-  ]);
 }
 
 class Installation {
@@ -88,7 +47,7 @@ class Installation {
     this.#file = file;
     this.#info = info;
     this.#dialog = new Dialog("install.titleFor", { name: info.name });
-    this.#dialog.element.addEventListener("close", () => {
+    this.#dialog.whenClosed(() => {
       this.#isOpen = false;
       this.#cancelUpload();
     });
@@ -96,101 +55,74 @@ class Installation {
 
   async run() {
     if (!this.#file.name.endsWith(kExtension)) {
-      this.#showRefusal("refusal.extension", "advice.device_pack.sel_file", { file: this.#file.name }, "");
+      this.#showRefusal({ why: "refusal.extension", advice: "advice.device_pack.sel_file", values: {} });
     } else if (isBusy(this.#info.service)) {
-      this.#showEnd([paragraph("install.busy", { name: this.#info.name }, { class: "failure-words" })]);
+      this.#showRefusal({ why: "refusal.busy", advice: "advice.busy", values: { name: this.#info.name } });
     } else {
       await alone(this.#info.service, "Upload", () => this.#sendAndCheck());
     }
   }
 
   async #sendAndCheck() {
+    const { service } = this.#info;
     try {
       const pkgInfo = await this.#send();
-      store.pending.get(this.#info.service).method = "GetPkgInfo";
-      this.#dialog.show([make("p", { text: "install.checking", role: "status" }), make("progress")],
-        [this.#closeButton("install.cancel")]);
-      const { data, request } = await call("GetPkgInfo", { service: this.#info.service, pkgInfo });
-      await whenSeen(this.#info.service, "GetPkgInfo", request);
-      if (this.#isOpen) {
-        this.#showPlan(data);
-      }
+      store.pending.get(service).method = "GetPkgInfo";
+      this.#dialog.show([make("p", { text: "install.checking", role: "status" }),
+        make("progress", { label: "work.GetPkgInfo" })], this.#dialog.closer("dialog.cancel"));
+      this.#showPlan(await carryOut(service, "GetPkgInfo", { pkgInfo }));
     } catch (error) {
       this.#showFailure(error);
     }
   }
 
   #send() {
-    const bar = make("progress", { max: this.#file.size, value: 0, label: "work.Upload" });
-    const done = make("p", { class: "amount" });
-    const note = store.recorder === "" ? [] : [paragraph("install.onRecorder", { name: store.recorder })];
-    this.#dialog.show([paragraph("install.sending", { file: this.#file.name }), bar, done, ...note],
-      [this.#closeButton("install.cancel")]);
+    const { name, size: bytes } = this.#file;
+    const bar = make("progress", { max: bytes, value: 0, label: "work.Upload" });
+    const amount = make("p", { class: "amount" });
     const rate = new Rate();
-    const sending = upload(this.#file, (sent, whole) => {
+    this.#dialog.show([make("p", { text: ["install.sending", { file: name }] }), bar, amount,
+      ...(store.recorder ? [make("p", { text: ["install.onRecorder", { name: store.recorder }] })] : [])],
+    this.#dialog.closer("dialog.cancel"));
+    const { done, cancel } = upload(this.#file, (sent) => {
       bar.value = sent;
-      fill(done, "install.sent", { sent: percent(sent, whole), size: size(whole), rate: size(rate.add(sent)) });
+      fill(amount, "amount.rate", { done: percent(sent, bytes), size: size(bytes), rate: size(rate.add(sent)) });
     });
-    this.#cancelUpload = sending.cancel;
-    return sending.done.finally(() => {
-      this.#cancelUpload = () => {};
-    });
+    this.#cancelUpload = cancel;
+    return done;
   }
 
   #showPlan(pack) {
     const isOlder = isDowngrade(this.#info, pack.version);
-    const install = () => {
-      this.#dialog.close();
-      void order(this.#info.service, "Update", { filePath: pack.filePath });
-    };
-    this.#dialog.show(planFor(this.#info, { ...pack, file: this.#file.name }), [
-      this.#closeButton("install.cancel"),
-      button(isOlder ? "install.confirmOlder" : "install.confirm", install, { class: isOlder ? "danger" : "primary" }),
-    ]);
+    const install = () => void order(this.#info.service, "Update", { filePath: pack.filePath });
+    this.#dialog.show(planFor(this.#info, { ...pack, file: this.#file.name }), this.#dialog.closer("dialog.cancel"),
+      isOlder ? this.#dialog.doer("install.confirmOlder", install, "danger") : this.#dialog.doer("install.confirm", install));
   }
 
   #showFailure(error) {
-    if (!this.#isOpen || error instanceof UploadCancelled) {
+    if (error instanceof UploadCancelled || !this.#isOpen) {
       return;
     }
-    if (!(error instanceof CallError)) {
-      throw error;
-    }
-    if (error.code === kUnreachable) {
-      this.#showCut();
+    if (isCut(error)) {
+      this.#showEnd("install.cut", "advice.cut", {}, "",
+        this.#dialog.doer("install.again", () => installFile(this.#file, this.#info.service)));
     } else {
-      const { why, advice, values } = refusalOf(error);
-      this.#showRefusal(why, advice, values, error.request);
+      this.#showRefusal({ ...refusalOf(error), request: error.request });
     }
   }
 
-  #showCut() {
-    const again = () => void this.run();
-    this.#showEnd([
-      paragraph("install.cut", { file: this.#file.name }, { class: "failure-words", role: "alert" }),
-      paragraph("install.cutAdvice"),
-    ], button("install.again", again, { class: "primary" }));
-  }
-
-  #showRefusal(why, advice, values, request) {
+  #showRefusal({ why, advice, values, request }) {
     this.#dialog.setTitle("install.refused");
-    const another = () => {
-      this.#dialog.close();
-      chooseFile(this.#info.service);
-    };
-    this.#showEnd([
-      make("p", { class: "subject" }, foreign(this.#file.name)),
-      paragraph(why, values, { class: "failure-words", role: "alert" }),
-      paragraph(advice, values),
-      ...(request === "" ? [] : [logLines(request, "install.logged")]),
-    ], button("install.another", another, { class: "primary" }));
+    this.#showEnd(why, advice, values, request,
+      this.#dialog.doer("install.another", () => chooseFile(this.#info.service)));
   }
 
-  #showEnd(content, ...actions) {
-    this.#dialog.show(content, [this.#closeButton("install.close"), ...actions]);
-  }
-
-  #closeButton(key) {
-    return button(key, () => this.#dialog.close());
+  #showEnd(why, advice, values, request, next) {
+    this.#dialog.show([
+      make("p", {}, foreign(this.#file.name)),
+      make("p", { text: [why, values], class: "failure-words", role: "alert" }),
+      make("p", { text: [advice, values] }),
+      ...(request ? [logLines(request)] : []),
+    ], this.#dialog.closer("dialog.close"), next);
   }
 }

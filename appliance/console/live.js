@@ -1,92 +1,87 @@
 // The appliance itself, followed by its stream of events.
-import { call } from "./api.js";
+import { call, page } from "./api.js";
 import { EventStream } from "./events.js";
 import { changed, setConnection, store, take } from "./store.js";
 
-const kLogPauseMs = 300;
+const kKept = 300; // of notifications, and of entries of the operation log
+const kLookMs = 3000; // what is over at once may never be in the stream
+const kLogPauseMs = 1000;
 const kSettleMs = 4000;
 const kSettleStepMs = 150;
 
-let stream = null;
-let logTimer = null;
+let stream;
+let logTimer;
+let lookTimer;
 
-// Follows the appliance until `stop`. `onRefused` is called when nobody is signed in any more.
+// `onRefused` is called when nobody is signed in any more.
 export function start(onRefused) {
-  stream = new EventStream({
-    onEvent: takeEvent,
-    onLost: () => setConnection("lost"),
-    onRefused,
-  });
-  void stream.run();
+  stream = new EventStream({ onEvent: takeEvent, onLost: () => setConnection("lost"), onRefused });
+  lookTimer = setInterval(() => store.operations.look(0), kLookMs);
 }
 
 export function stop() {
-  stream?.stop();
-  clearTimeout(logTimer);
+  stream.stop();
+  clearInterval(lookTimer);
 }
 
 export function retryNow() {
-  stream?.retryNow();
+  stream.retryNow();
+}
+
+export async function readServices() {
+  const { data } = await call("List");
+  take({ services: data.list.map((entry) => entry.info) });
 }
 
 // Waits until the operation of the request is known, and over where `isAnswerTheEnd`, and shows in the services.
-// Without a request, only for the latter.
 export async function settle(request, isAnswerTheEnd) {
   const until = performance.now() + kSettleMs;
-  while (request !== "" && !isKnown(request, isAnswerTheEnd) && performance.now() < until) {
+  const operation = () => store.operations.ofRequest(request);
+  const isKnown = () => operation() && !(isAnswerTheEnd && operation().outcome === "running");
+  while (!isKnown() && performance.now() < until) {
+    await (operation() ? store.operations.read(operation().id) : store.operations.catchUp());
     await new Promise((resolve) => setTimeout(resolve, kSettleStepMs));
-    await readOperation(request);
   }
-  if (store.operations.ofRequest(request)?.outcome !== "running") {
-    const { list } = (await call("List")).data;
-    take({ services: list.map((entry) => entry.info) });
+  if (operation()?.outcome !== "running") {
+    await readServices();
   }
-}
-
-function isKnown(request, isOver) {
-  const operation = store.operations.ofRequest(request);
-  return operation !== undefined && !(isOver && operation.outcome === "running");
-}
-
-async function readOperation(request) {
-  const operation = store.operations.ofRequest(request);
-  await (operation === undefined ? store.operations.catchUp() : store.operations.read(operation.id));
 }
 
 function takeEvent(name, data) {
   if (name === "notification") {
-    store.history.addNotification(data);
+    store.notifications = [...store.notifications, data].slice(-kKept);
     changed();
-    readLogSoon();
-    return;
+  } else {
+    take(data);
+    store.operations.see(data.operations);
   }
   if (name === "snapshot") {
     void catchUp();
   }
-  if (name === "snapshot" || name === "state") {
-    take(data);
-    store.operations.see(data.operations ?? []);
-    readLogSoon();
-  }
+  logTimer ??= setTimeout(readLog, kLogPauseMs);
 }
 
-// What has happened before the stream began; only with that the appliance is shown as it is.
+// Only with what has happened before the stream began the appliance is shown as it is.
 async function catchUp() {
   try {
-    await store.operations.load();
+    await store.operations.read();
     setConnection("live");
   } catch {
-    stream?.drop();
+    stream.drop();
   }
 }
 
-function readLogSoon() {
-  if (logTimer !== null) {
-    return;
+async function readLog() {
+  try {
+    const last = store.entries.at(-1)?.id ?? 0;
+    const { entries } = await page(last === 0 ? "/operationlog" : `/operationlog?after=${last}`);
+    const news = entries.filter((entry) => entry.id > last);
+    if (news.length > 0) {
+      store.entries = [...store.entries, ...news].slice(-kKept);
+      changed();
+    }
+  } catch {
+    // the next event, or the next connection, brings another attempt
   }
-  logTimer = setTimeout(async () => {
-    logTimer = null;
-    await store.history.readLog().catch(() => {});
-    changed();
-  }, kLogPauseMs);
+  logTimer = undefined;
 }

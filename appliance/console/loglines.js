@@ -1,38 +1,30 @@
 // The log lines of a request, read when somebody unfolds them.
 import { page } from "./api.js";
-import { foreign, make } from "./dom.js";
+import { make } from "./dom.js";
 import { time } from "./format.js";
 import { wordsFor } from "./problems.js";
-import { fill } from "./texts.js";
+import { foreign } from "./texts.js";
 
 const kShown = 200;
 
-// An element to unfold. `titleKey` is its summary.
-export function logLines(request, titleKey) {
-  const list = make("ol", { class: "loglines" });
-  const details = make("details", { class: "log" }, make("summary", { text: titleKey }), list);
-  details.addEventListener("toggle", () => {
+export function logLines(request) {
+  const list = make("ol", { class: "loglines", tabindex: "0", label: "log.title" });
+  const details = make("details", { class: "log" }, make("summary", { text: "log.title" }), list);
+  details.addEventListener("toggle", async () => {
     if (details.open && list.childElementCount === 0) {
-      void load(list, request);
+      list.replaceChildren(...(await read(request)));
     }
   });
   return details;
 }
 
-async function load(list, request) {
+async function read(request) {
   try {
-    const { lines } = await page(`/log?request=${encodeURIComponent(request)}`);
-    list.replaceChildren(...lines.slice(-kShown).map(lineOf));
-    if (lines.length === 0) {
-      list.append(make("li", { text: "log.none" }));
-    }
+    const { lines } = await page(`/log?request=${request}`);
+    return lines.length === 0
+      ? [make("li", { text: "log.none" })]
+      : lines.slice(-kShown).map((line) => make("li", {}, make("time", {}, time(line.time)), " ", foreign(line.text)));
   } catch (error) {
-    const line = make("li");
-    fill(line, "log.failed", { reason: wordsFor(error) });
-    list.replaceChildren(line);
+    return [make("li", { text: ["log.failed", { reason: wordsFor(error) }] })];
   }
-}
-
-function lineOf(line) {
-  return make("li", {}, make("time", {}, time(line.time)), " ", foreign(line.text));
 }

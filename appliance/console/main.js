@@ -1,50 +1,43 @@
-// Starts the console: signs in, then shows the appliance for as long as the session lasts.
+// Signs in, then shows the appliance for as long as the session lasts.
 import { Activity } from "./activity.js";
-import { exchange, isRefusal, page, whenSessionEnds } from "./api.js";
-import { Banner } from "./banner.js";
+import { callAt, exchange, isRefusal, page, whenSessionEnds } from "./api.js";
 import { guardClicks } from "./dom.js";
-import { prepareHeader, showHeader } from "./header.js";
+import { Banner, prepareHeader, showHeader } from "./header.js";
+import * as live from "./live.js";
+import * as recorder from "./recorder.js";
 import { Services } from "./services.js";
 import { signIn, SignInView, signOut, takeCode } from "./signin.js";
-import { hideAppliance, showAppliance } from "./source.js";
-import { changed, setConnection, store, whenChanged } from "./store.js";
-import { translate } from "./texts.js";
+import { changed, forget, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
 
 const kRetryMs = 2000;
 
-const main = document.getElementById("main");
-const signInView = new SignInView(() => void open());
-const views = [new Banner(), new Services(), new Activity()];
+const signInView = new SignInView(open);
+const views = [new Banner(() => source?.retryNow()), new Services(), new Activity()];
 
+let source; // what follows the appliance that is shown: `live`, or `recorder`
 let isSignedIn = false;
 let recorders = [];
 
 function show() {
   showHeader(isSignedIn, recorders);
   if (isSignedIn) {
-    for (const view of views) {
-      view.show();
-    }
+    views.forEach((view) => view.show());
   }
+}
+
+function enter(...entered) {
+  document.getElementById("main").replaceChildren(...entered.map((view) => view.element));
 }
 
 // Shows how to get in. `reason` is a text's key, "" for none.
 function shut(reason) {
   isSignedIn = false;
   recorders = [];
-  hideAppliance();
-  store.appliance = { name: "", model: "", version: "", blCmsHost: false };
-  for (const dialog of document.querySelectorAll("dialog")) {
-    dialog.close();
-  }
+  source?.stop();
+  forgetAppliance();
+  document.querySelectorAll("dialog").forEach((dialog) => dialog.close());
   signInView.note(reason);
   enter(signInView);
-}
-
-// Puts the views on the page, in the present language.
-function enter(...shown) {
-  main.replaceChildren(...shown.map((view) => view.element));
-  translate(main);
 }
 
 function end() {
@@ -53,7 +46,7 @@ function end() {
   }
 }
 
-// Shows the appliance, where somebody is signed in.
+// Shows the appliance where somebody is signed in, else the way in.
 async function open() {
   try {
     store.appliance = (await exchange("/appliance", "GET")).data;
@@ -62,7 +55,7 @@ async function open() {
       shut("");
     } else {
       setConnection("lost");
-      setTimeout(() => void open(), kRetryMs);
+      setTimeout(open, kRetryMs);
     }
     return;
   }
@@ -70,13 +63,18 @@ async function open() {
   enter(...views);
   choose("");
   const { pairs } = await page("/pairs").catch(() => ({ pairs: [] }));
-  recorders = pairs.filter((pair) => pair.role === "server").map((pair) => pair.name);
+  recorders = pairs.filter(({ role }) => role === "server").map(({ name }) => name);
   changed();
 }
 
-function choose(recorder) {
-  showAppliance(recorder, end);
-  show();
+// Shows the paired recorder of that name, "" for the appliance itself.
+function choose(name) {
+  source?.stop();
+  forget();
+  store.recorder = name;
+  callAt(name);
+  source = name === "" ? live : recorder;
+  source.start(end);
 }
 
 async function leave() {
@@ -86,22 +84,16 @@ async function leave() {
 
 async function begin() {
   const code = takeCode();
-  if (code !== "") {
-    try {
-      await signIn(code);
-    } catch (error) {
-      await open();
-      signInView.showRefusal(error);
-      return;
-    }
-  }
+  const refusal = code && (await signIn(code).then(() => undefined, (error) => error));
   await open();
+  if (refusal) {
+    signInView.noteRefusal(refusal);
+  }
 }
 
-guardClicks(document);
+guardClicks();
 whenChanged(show);
 whenSessionEnds(end);
-prepareHeader({ onChoose: choose, onSignOut: () => void leave(), onLanguage: show });
-translate(document);
-addEventListener("hashchange", () => void begin());
+prepareHeader(choose, leave);
+addEventListener("hashchange", begin);
 void begin();

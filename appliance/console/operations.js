@@ -1,107 +1,109 @@
-// The operations that the appliance has recorded, running and ended ones, by their ids.
+// The operations that the appliance has recorded, by their ids: those that run, and the last that have ended.
 import { page } from "./api.js";
 
-const kPage = "/operations";
 const kKept = 300;
-const kLookMs = 1000;
-const kInstalling = ["Enable", "Disable", "Restart", "Update", "Restore"];
+const kLookMs = 300;
+const kChanging = ["Enable", "Disable", "Restart", "Update", "Restore"];
 
 const isRunning = (operation) => operation.outcome === "running";
 
 export class Operations {
-  #byId = new Map();
-  #streamed = new Set(); // ids that the stream last named as running
+  #all = []; // by their ids
+  #streamed = []; // those that the stream last named as running
   #onChange;
-  #isLooking = false;
+  #timer;
 
   constructor(onChange) {
     this.#onChange = onChange;
   }
 
   clear() {
-    this.#byId.clear();
-    this.#streamed.clear();
+    this.#all = [];
   }
 
   all() {
-    return [...this.#byId.values()];
+    return this.#all;
   }
 
   get(id) {
-    return this.#byId.get(id);
-  }
-
-  running(service) {
-    return this.all().find((operation) => operation.service === service && isRunning(operation));
+    return this.#all.find((operation) => operation.id === id);
   }
 
   ofRequest(request) {
-    return this.all().find((operation) => operation.request === request);
+    return this.#all.find((operation) => operation.request === request);
+  }
+
+  running(service) {
+    return this.#all.find((operation) => operation.service === service && isRunning(operation));
   }
 
   // The last that has ended of those that change the service.
-  lastEnded(service) {
-    return this.all().filter((operation) => operation.service === service && !isRunning(operation)
-      && kInstalling.includes(operation.method)).at(-1);
+  lastChange(service) {
+    return this.#all.findLast((operation) =>
+      operation.service === service && !isRunning(operation) && kChanging.includes(operation.method));
   }
 
-  async load() {
-    this.#keep((await page(kPage)).operations);
-  }
-
-  // `running`: those that run, as the stream has it. Of others that were running the end is asked for.
-  see(running) {
-    this.#streamed = new Set(running.map((operation) => operation.id));
-    this.#keep(running);
-    void this.#look();
-  }
-
+  // Reads all of them, or only the one with that id. Returns whether there was any.
   async read(id) {
-    this.#keep((await page(`${kPage}?id=${id}`)).operations);
+    const { operations } = await page(id === undefined ? "/operations" : `/operations?id=${id}`);
+    this.#keep(operations);
+    return operations.length > 0;
   }
 
-  // Reads those that have begun since, which may be over before the stream names them.
+  // `running`: those that run, as the stream has it. The ends of others that did are asked for.
+  see(running) {
+    const before = String(this.#streamed);
+    this.#streamed = running.map((operation) => operation.id);
+    this.#keep(running);
+    if (String(this.#streamed) !== before) {
+      this.look(0);
+    }
+  }
+
+  // Reads those that have begun since.
   async catchUp() {
-    for (;;) {
-      const next = Math.max(0, ...this.#byId.keys()) + 1;
-      const found = (await page(`${kPage}?id=${next}`)).operations;
-      if (found.length === 0) {
-        return;
-      }
-      this.#keep(found);
+    const last = this.#all.at(-1);
+    if (last === undefined) {
+      await this.read();
+    } else if (await this.read(last.id + 1)) {
+      await this.catchUp();
     }
   }
 
-  async #look() {
-    if (this.#isLooking) {
-      return;
-    }
-    this.#isLooking = true;
-    try {
-      await this.catchUp();
-      for (const operation of this.#unseen()) {
-        await this.read(operation.id);
+  // Reads what is not known yet: begins, and ends.
+  look(pauseMs) {
+    this.#timer ??= setTimeout(async () => {
+      try {
+        await this.catchUp();
+        await Promise.all(this.#unseen().map((operation) => this.read(operation.id)));
+      } catch {
+        // the next event, or the next connection, brings another look
       }
-    } catch {
-      // the next event or the next connection brings another look
-    } finally {
-      this.#isLooking = false;
-    }
+      this.#timer = undefined;
+      this.#lookIfUnseen();
+    }, pauseMs);
+  }
+
+  #lookIfUnseen() {
     if (this.#unseen().length > 0) {
-      setTimeout(() => this.#look(), kLookMs);
+      this.look(kLookMs);
     }
   }
 
   #unseen() {
-    return this.all().filter((operation) => isRunning(operation) && !this.#streamed.has(operation.id));
+    return this.#all.filter((operation) => isRunning(operation) && !this.#streamed.includes(operation.id));
   }
 
+  // Answers may come out of order, but nothing that has ended runs again.
   #keep(operations) {
-    for (const operation of operations) {
-      this.#byId.set(operation.id, operation);
+    const known = new Map(this.#all.map((operation) => [operation.id, operation]));
+    const isNews = (operation) => !known.has(operation.id) || isRunning(known.get(operation.id));
+    const news = operations.filter(isNews);
+    if (news.length > 0) {
+      news.forEach((operation) => known.set(operation.id, operation));
+      this.#all = [...known.values()].sort((a, b) => a.id - b.id).slice(-kKept);
+      this.#onChange();
     }
-    const ids = [...this.#byId.keys()].sort((a, b) => a - b);
-    this.#byId = new Map(ids.slice(-kKept).map((id) => [id, this.#byId.get(id)]));
-    this.#onChange();
+    this.#lookIfUnseen();
   }
 }

@@ -1,90 +1,76 @@
 // One operation in a window: what it was, how it ended, and its course.
-import { Dialog } from "./dialog.js";
-import { button, foreign, make, setText } from "./dom.js";
-import { facts } from "./facts.js";
+import { page } from "./api.js";
+import { Dialog, facts } from "./dialog.js";
+import { make } from "./dom.js";
 import { duration, time } from "./format.js";
 import { nameOf, versionsOf } from "./happenings.js";
 import { store, whenChanged } from "./store.js";
-import { fill, text } from "./texts.js";
-import { readTimeline } from "./timeline.js";
+import { foreign, redraw, text } from "./texts.js";
 
-let present = null; // the window that is open
+const kProgramEnds = { "-1": "program.killed", "-2": "program.absent" }; // by exit status
+
+let follow = () => {}; // what the open window does at a change
+
+whenChanged(() => follow());
 
 export function openOperation(id) {
-  const operation = store.operations.get(id);
-  if (operation !== undefined) {
-    present = new OperationView(operation);
-  }
+  const { method, service, request } = store.operations.get(id);
+  const dialog = new Dialog("operation.title", { what: text(`operation.${method}`), name: nameOf(service) });
+  const details = make("div");
+  const course = make("ol", { class: "timeline" });
+  dialog.element.classList.add("wide");
+  dialog.show([details, make("h3", { text: "operation.timeline" }), course], dialog.closer("dialog.close"));
+  follow = () => {
+    const operation = store.operations.get(id);
+    redraw(details, operation, () => {
+      void showCourse(course, request);
+      return [factsOf(operation)];
+    });
+  };
+  follow();
+  dialog.whenClosed(() => {
+    follow = () => {};
+  });
 }
 
-whenChanged(() => present?.follow());
-
-class OperationView {
-  #dialog;
-  #id;
-  #seen = "";
-  #facts = make("div");
-  #timeline = make("ol", { class: "timeline" });
-
-  constructor(operation) {
-    this.#id = operation.id;
-    this.#dialog = new Dialog("operation.title",
-      { what: text(`operation.${operation.method}`), name: nameOf(operation.service) });
-    this.#dialog.element.classList.add("wide");
-    this.#dialog.show([this.#facts, make("h3", { text: "operation.timeline" }), this.#timeline],
-      [button("install.close", () => this.#dialog.close())]);
-    this.#dialog.element.addEventListener("close", () => {
-      present = null;
-    });
-    this.#timeline.append(make("li", { text: "operation.timelineLoading" }));
-    this.follow();
-  }
-
-  // Shows the operation as it stands now.
-  follow() {
-    const operation = store.operations.get(this.#id);
-    const seen = JSON.stringify(operation);
-    if (operation === undefined || seen === this.#seen) {
-      return;
-    }
-    this.#seen = seen;
-    this.#facts.replaceChildren(factsOf(operation));
-    void this.#showCourse(operation.request);
-  }
-
-  async #showCourse(request) {
-    const steps = await readTimeline(request);
-    this.#timeline.replaceChildren(...steps.map(stepOf));
-    if (steps.length === 0) {
-      this.#timeline.append(make("li", { class: "quiet", text: "operation.timelineNone" }));
-    }
-  }
+async function showCourse(list, request) {
+  const steps = await readTimeline(request);
+  list.replaceChildren(...(steps.length > 0 ? steps.map(stepOf) : [make("li", { class: "quiet", text: "timeline.none" })]));
 }
 
 function factsOf(operation) {
-  const outcome = make("span", { class: "outcome", "data-outcome": operation.outcome });
-  setText(outcome, text(`outcome.${operation.outcome}`));
+  const { outcome, problem, who, begin, durationMs, request } = operation;
   return facts([
-    ["operation.outcome", outcome],
-    ["operation.reason", operation.problem && foreign(operation.problem)],
+    ["operation.outcome", make("span", { class: "outcome", "data-outcome": outcome, text: `outcome.${outcome}` })],
+    ["operation.reason", problem && foreign(problem)],
     ["operation.change", versionsOf(operation)],
-    ["operation.who", text(`who.${operation.who}`)],
-    ["operation.begin", time(operation.begin)],
-    [operation.outcome === "running" ? "operation.durationSoFar" : "operation.duration", duration(operation.durationMs)],
-    ["operation.request", make("code", {}, operation.request)],
+    ["operation.who", text(`who.${who}`)],
+    ["operation.begin", time(begin)],
+    ["operation.duration", outcome !== "running" && duration(durationMs)],
+    ["operation.request", make("code", {}, request)],
   ]);
 }
 
-function stepOf(step) {
-  const words = make("span", { class: "step-words", dir: "auto" });
-  words.append(step.kind === "program" ? make("code", {}, foreign(step.words)) : foreign(step.words));
-  const line = make("li", { class: step.isBad ? "step bad" : "step" },
-    make("time", { class: "number", datetime: step.time }, time(step.time)),
-    make("span", { class: "kind", text: `timeline.${step.kind}` }), words);
-  if (step.end !== undefined) {
-    const end = make("span", { class: "step-end" });
-    fill(end, step.end.key, step.end.values);
-    line.append(end);
-  }
-  return line;
+function stepOf({ kind, time: when, words, end, isBad }) {
+  return make("li", { class: isBad ? "step bad" : "step" },
+    make("time", { datetime: when }, time(when)), make("span", { class: "kind", text: `timeline.${kind}` }),
+    make(kind === "program" ? "code" : "span", { class: "step-words" }, foreign(words)),
+    ...(end ? [make("span", { class: "step-end", text: end })] : []));
+}
+
+// [{kind, time, words, end, isBad}]; `end` is a key of the texts with its values. What cannot be read is left out.
+async function readTimeline(request) {
+  const read = (name) => page(`/${name}?request=${request}`).catch(() => ({}));
+  const [{ programs = [] }, { lines = [] }, { entries = [] }] =
+    await Promise.all(["programs", "log", "operationlog"].map(read));
+  return [
+    ...programs.map(stepOfProgram),
+    ...lines.map((line) => ({ kind: "log", time: line.time, words: line.text })),
+    ...entries.map((entry) => ({ kind: "entry", time: entry.time, words: entry.texts.filter(Boolean).join(": ") })),
+  ].sort((a, b) => (a.time < b.time ? -1 : Number(a.time > b.time)));
+}
+
+function stepOfProgram({ path, arguments: given, time, exitStatus, durationMs }) {
+  const end = [kProgramEnds[exitStatus] ?? "program.ended", { status: exitStatus, duration: duration(durationMs) }];
+  return { kind: "program", time, words: `${path} ${[given].flat().join(" ")}`.trim(), end, isBad: exitStatus !== 0 };
 }

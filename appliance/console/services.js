@@ -1,61 +1,49 @@
-// The services, a card each, and what is done to all of them.
-import { lookForAll } from "./actions.js";
+// The services, a card each, and what is done for all of them.
+import { installDropped, lookForAll } from "./actions.js";
 import { Card } from "./card.js";
 import { button, make, reconcile, setAttribute, setEnabled, setShown } from "./dom.js";
-import { chooseFile, installFile } from "./install.js";
 import { stateOf } from "./servicestate.js";
 import { store } from "./store.js";
 import { fill } from "./texts.js";
 
 export class Services {
-  element;
-  #cards = new Map();
+  #cards = new WeakMap(); // by their elements
   #grid = make("div", { class: "cards" });
-  #summary = make("p", { class: "quiet" });
   #running = make("span");
   #updates = make("span");
+  #summary = make("p", { class: "quiet" }, this.#running, this.#updates);
+  #check = button("services.check", lookForAll);
   #empty = make("div", { class: "empty", hidden: true }, make("p", { class: "empty-title", text: "services.none" }),
     make("p", { class: "quiet", text: "services.none.words" }));
-  #check = button("services.checkAll", () => void lookForAll());
-  #install = button("services.install", () => chooseFile());
+  element = make("section", { "aria-labelledby": "services-title" },
+    make("header", { class: "section-head" },
+      make("div", {}, make("h2", { id: "services-title", text: "services.title" }), this.#summary), this.#check),
+    this.#grid, this.#empty);
 
   constructor() {
-    this.#summary.append(this.#running, this.#updates);
-    this.element = make("section", { "aria-labelledby": "services-title" },
-      make("header", { class: "section-head" },
-        make("div", {}, make("h2", { id: "services-title", text: "services.title" }), this.#summary),
-        make("div", { class: "buttons" }, this.#check, this.#install)),
-      this.#grid, this.#empty);
     takeDropsAnywhere();
   }
 
   show() {
     const isUsable = store.connection === "live";
     const known = store.services.map(stateOf);
-    setAttribute(this.#grid, "data-stale", String(!isUsable));
-    reconcile(this.#grid, known, ({ info }) => info.service, ({ info }) => this.#cardOf(info.service).element,
-      (element, one) => this.#cardOf(one.info.service).show(one, isUsable));
-    this.#showSummary(known);
+    setAttribute(this.#grid, "data-stale", !isUsable);
+    reconcile(this.#grid, known, ({ info }) => info.service, ({ info }) => this.#makeCard(info.service),
+      (element, one) => this.#cards.get(element).show(one, isUsable));
     setShown(this.#empty, isUsable && known.length === 0);
-    const takers = known.filter(({ info }) => info.blHasPackages);
-    setEnabled(this.#check, isUsable && takers.some(({ actions }) => actions.has("check")));
-    setEnabled(this.#install, isUsable && takers.some(({ actions }) => actions.has("install")));
-  }
-
-  #cardOf(service) {
-    if (!this.#cards.has(service)) {
-      this.#cards.set(service, new Card(service));
-    }
-    return this.#cards.get(service);
-  }
-
-  #showSummary(known) {
     setShown(this.#summary, known.length > 0);
-    fill(this.#running, "services.summary",
+    fill(this.#running, "services.running",
       { running: known.filter(({ info }) => info.blRunning).length, all: known.length });
-    const updates = known.filter(({ release }) => release !== undefined).length;
+    const updates = known.filter(({ release }) => release).length;
     setShown(this.#updates, updates > 0);
     fill(this.#updates, "services.updates", { count: updates });
+    setEnabled(this.#check, isUsable && known.some(({ actions }) => actions.has("check")));
+  }
+
+  #makeCard(service) {
+    const card = new Card(service);
+    this.#cards.set(card.element, card);
+    return card.element;
   }
 }
 
@@ -65,7 +53,7 @@ function takeDropsAnywhere() {
   document.addEventListener("drop", (event) => {
     event.preventDefault();
     if (event.dataTransfer.files.length > 0 && store.connection === "live") {
-      installFile(event.dataTransfer.files[0]);
+      void installDropped(event.dataTransfer.files[0]);
     }
   });
 }

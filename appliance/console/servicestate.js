@@ -1,91 +1,76 @@
-// How a service stands, of all that is known of it: what its card shows, and what may be asked for it now.
+// How a service stands, of all that is known: what its card shows, and what may be asked for it.
 import { store } from "./store.js";
+import { changeBetween } from "./versions.js";
 
-const kStarted = 1;
+const kStarted = 1; // statuses of a service
 const kInProgress = 4;
-const kDownloading = 1;
-const kDownloaded = 2;
-const kDownloadFailed = 4;
-const kReading = ["DownloadStart", "GetPkgInfo", "Upload", "CheckUpdateInfo"]; // leave the service as it is
+const kReading = ["DownloadStart", "GetPkgInfo", "Upload", "CheckUpdateInfo", "SetAutoUpdate"]; // leave it as it is
 
-// Returns {info, state, work, failure, release, download, actions}: state is "running", "stopped", "busy",
-// "absent" or "failed"; work is what is under way, as an operation or as {method, begin}; actions is a set.
+export const kDownload = { running: 1, ready: 2, failed: 4 }; // statuses of a download
+
+// Of `info`, as the appliance describes the service: {info, work, release, download, check, failure, state, actions}.
+// `work` is what is under way, with "method" and "begin"; `state` is "running", "stopped", "busy", "absent", "dead"
+// (it was started, and does not run) or "cut" (an action had no end); `actions` is a set of names.
 export function stateOf(info) {
-  const service = info.service;
-  const work = store.operations.running(service) ?? store.pending.get(service);
-  const release = store.releases.find((found) => found.service === service && found.version !== "");
-  const download = store.downloads.find((found) => found.service === service);
-  const known = { info, work, release, download, failure: failureOf(service, download) };
-  known.check = store.checks.get(service);
+  const { service } = info;
+  const known = {
+    info,
+    work: store.operations.running(service) ?? store.pending.get(service),
+    release: store.releases.find((release) => release.service === service && isNewer(release.version, info.version)),
+    download: store.downloads.find((download) => download.service === service),
+    check: store.checks.get(service),
+  };
+  known.failure = failureOf(service, known.download);
   known.state = nameOf(known);
-  known.actions = actionsOf(known);
+  known.actions = new Set(actionsOf(known));
   return known;
 }
 
-// A service whose action was cut stays "in progress", and one whose process has died stays "started".
+// What was found stays known when it is installed.
+function isNewer(version, installed) {
+  return version !== "" && ["first", "newer"].includes(changeBetween(installed, version));
+}
+
 function nameOf({ info, work }) {
-  if (work !== undefined && !kReading.includes(work.method)) {
+  if (work && !kReading.includes(work.method)) {
     return "busy";
   }
   if (info.blHasPackages && info.version === "") {
     return "absent";
   }
   if (info.status === kInProgress) {
-    return store.recorder === "" ? "failed" : "busy";
+    return store.recorder === "" ? "cut" : "busy"; // what a recorder does shows in nothing else
   }
   if (info.blRunning) {
     return "running";
   }
-  return info.status === kStarted ? "failed" : "stopped";
+  return info.status === kStarted ? "dead" : "stopped";
 }
 
 function failureOf(service, download) {
-  const problem = store.problems.get(service);
-  if (problem !== undefined) {
-    return problem;
+  const last = store.operations.lastChange(service);
+  if (store.problems.has(service)) {
+    return store.problems.get(service);
   }
-  const last = store.operations.lastEnded(service);
-  if (last !== undefined && last.id !== store.dismissed.get(service) && ["failed", "lost"].includes(last.outcome)) {
+  if (["failed", "lost"].includes(last?.outcome) && last.id !== store.dismissed.get(service)) {
     return { ...last, text: last.problem };
   }
-  if (download?.status === kDownloadFailed) {
-    return { method: "DownloadStart", text: download.problem, request: "", outcome: "failed" };
-  }
-  return undefined;
+  return download?.status === kDownload.failed ? { method: "DownloadStart", text: download.problem } : undefined;
 }
 
-function actionsOf({ info, state, work, release, download, check }) {
-  const actions = new Set();
-  if (download?.status === kDownloading) {
-    actions.add("cancel");
+function actionsOf({ info, state, work, release, download }) {
+  if (download?.status === kDownload.running) {
+    return ["cancel"];
   }
-  if (work !== undefined) {
-    return actions;
+  if (work) {
+    return [];
   }
-  if (state !== "absent") {
-    actions.add(info.blRunning ? "stop" : "start");
-  }
-  if (info.blRunning) {
-    actions.add("restart");
-  }
-  if (info.blHasPackages) {
-    addPackageActions(actions, { info, release, download, check });
-  }
-  return actions;
-}
-
-function addPackageActions(actions, { info, release, download, check }) {
-  actions.add(info.blAutoUpdate ? "autoOff" : "autoOn");
-  if (download?.status === kDownloading) {
-    return;
-  }
-  actions.add("check").add("install");
-  if (download?.status === kDownloaded) {
-    actions.add("update");
-  } else if (release !== undefined || check === 2) {
-    actions.add("download");
-  }
-  if (info.blFactoryCopy) {
-    actions.add("restore");
-  }
+  const power = info.blRunning ? ["stop", "restart"] : ["start"];
+  const ready = download?.status === kDownload.ready ? ["update"] : release ? ["download"] : [];
+  const online = store.recorder === "" ? ["check", ...ready] : []; // a recorder tells nothing of releases
+  return [
+    ...(state === "absent" ? [] : power),
+    ...(info.blHasPackages ? [info.blAutoUpdate ? "autoOff" : "autoOn", "install", ...online] : []),
+    ...(info.blFactoryCopy ? ["restore"] : []),
+  ];
 }

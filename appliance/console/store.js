@@ -1,29 +1,30 @@
-// What the console knows of the appliance that it shows. Whoever shows it is told of changes, once a frame.
-import { History } from "./history.js";
+// What is known of the appliance that is shown. Who shows it is told of changes, a few times a second at most.
 import { Operations } from "./operations.js";
 
 const kDismissed = "camvora-dismissed";
+const kPauseMs = 500; // between two looks of those who show it
+const kNoAppliance = { name: "", model: "", version: "", blCmsHost: false };
+const kStreamed = ["services", "downloads", "releases"];
 
 export const store = {
-  connection: "connecting", // "live" or "lost" later
-  appliance: { name: "", model: "", version: "", blCmsHost: false },
+  connection: "connecting", // later "live", "lost" or "refused"
+  appliance: kNoAppliance,
   recorder: "", // the paired recorder that is shown; "" is the appliance itself
-  services: [],
-  downloads: [],
-  releases: [],
   operations: new Operations(changed),
-  history: new History(),
-  pending: new Map(), // service number to what was asked for it and is not over yet: {method, begin}
-  problems: new Map(), // service number to why the last thing asked for it failed: {method, code, text, request}
-  checks: new Map(), // service number to what the last look for a release has answered
+  pending: new Map(), // service to what is asked for it and not over: {method, begin}
+  problems: new Map(), // service to why the last thing that was asked for it failed, see problemOf
+  checks: new Map(), // service to what the last look for a release has answered
   dismissed: new Map(JSON.parse(sessionStorage.getItem(kDismissed) ?? "[]")), // service to the last failure put away
 };
 
-const listeners = new Set();
+const listeners = [];
 let isScheduled = false;
+let toldAt = 0;
+
+forget();
 
 export function whenChanged(listener) {
-  listeners.add(listener);
+  listeners.push(listener);
 }
 
 export function changed() {
@@ -31,12 +32,13 @@ export function changed() {
     return;
   }
   isScheduled = true;
-  requestAnimationFrame(() => {
-    isScheduled = false;
-    for (const listener of listeners) {
-      listener();
-    }
-  });
+  setTimeout(() => requestAnimationFrame(tellAll), Math.max(0, toldAt + kPauseMs - performance.now()));
+}
+
+function tellAll() {
+  isScheduled = false;
+  toldAt = performance.now();
+  listeners.forEach((listener) => listener());
 }
 
 export function setConnection(connection) {
@@ -44,35 +46,38 @@ export function setConnection(connection) {
   changed();
 }
 
-// Takes over those members of `news` that the store has: services, downloads, releases.
+// Takes over what `news` has of services, downloads and releases.
 export function take(news) {
-  for (const name of ["services", "downloads", "releases"]) {
+  for (const name of kStreamed) {
     store[name] = news[name] ?? store[name];
   }
   changed();
 }
 
-// Forgets the appliance, as when another one is shown or the session has ended.
+// Forgets the appliance, as when another one is shown or the session is over.
 export function forget() {
-  store.services = [];
-  store.downloads = [];
-  store.releases = [];
-  for (const name of ["pending", "problems", "checks", "operations", "history"]) {
+  for (const name of [...kStreamed, "entries", "notifications"]) {
+    store[name] = [];
+  }
+  for (const name of ["pending", "problems", "checks", "operations"]) {
     store[name].clear();
   }
   setConnection("connecting");
 }
 
-export function serviceName(service) {
-  return store.services.find((info) => info.service === service)?.name;
+export function forgetAppliance() {
+  store.appliance = kNoAppliance;
+  forget();
 }
 
+export function infoOf(service) {
+  return store.services.find((info) => info.service === service);
+}
+
+// Puts the failure away that the service shows.
 export function dismiss(service) {
   store.problems.delete(service);
-  const last = store.operations.lastEnded(service);
-  if (last !== undefined) {
-    store.dismissed.set(service, last.id);
-    sessionStorage.setItem(kDismissed, JSON.stringify([...store.dismissed]));
-  }
+  store.dismissed.set(service, store.operations.lastChange(service)?.id);
+  sessionStorage.setItem(kDismissed, JSON.stringify([...store.dismissed]));
   changed();
 }

@@ -1,104 +1,60 @@
 // What the console says, in the language of who reads it. Sentences have "{name}" where a value goes in.
-import de from "./texts-de.js";
-import en from "./texts-en.js";
-
-const kTables = { en, de };
 const kStored = "camvora-language";
-const kFirstStrongIsolate = "\u2068";
-const kPopIsolate = "\u2069";
+const kIsolate = ["\u2068", "\u2069"]; // characters that keep a value's direction to itself
 
-const valuesOf = new WeakMap(); // what stands in the sentences of elements, for another language
+export const languages = { en: "English", de: "Deutsch" };
+export const language = chosenLanguage();
 
-export const languages = Object.keys(kTables);
-export let language = chosenLanguage();
-
-// A language's name in itself.
-export function languageName(code) {
-  return kTables[code]["language.name"];
-}
+const table = (await import(`./texts-${language}.js`)).default;
+const shown = new WeakMap();
 
 function chosenLanguage() {
   const wishes = [localStorage.getItem(kStored), ...navigator.languages];
-  const codes = wishes.filter(Boolean).map((wish) => wish.slice(0, 2).toLowerCase());
-  return codes.find((code) => code in kTables) ?? "en";
+  return wishes.map((wish) => wish?.slice(0, 2).toLowerCase()).find((code) => code in languages) ?? "en";
 }
 
 export function setLanguage(code) {
-  language = code;
   localStorage.setItem(kStored, code);
-  translate(document);
+  location.reload();
 }
 
 export function hasText(key) {
-  return key in kTables[language];
+  return key in table;
 }
 
-// The sentence of `key` as plain text, its values isolated from the direction of what stands around them.
-export function text(key, values = {}) {
-  return pieces(key, values)
-    .map((piece) => (piece.isValue ? kFirstStrongIsolate + piece.words + kPopIsolate : piece.words))
-    .join("");
+// The sentence of `key` as plain text.
+export function text(key, values) {
+  return pieces(key, values).map(({ words, isValue }) => (isValue ? kIsolate[0] + words + kIsolate[1] : words)).join("");
 }
 
-// Shows the sentence of `key` in `element`, and anew whenever the language changes.
+// Shows the sentence of `key` in `element`.
 export function fill(element, key, values) {
-  const written = signature(key, values);
-  if (element.dataset.written === written) {
-    return;
-  }
-  element.dataset.written = written;
-  element.dataset.text = key;
-  element.replaceChildren(...pieces(key, values).map(asNode));
-  keepValues(element, values);
+  redraw(element, [key, values], () => pieces(key, values)
+    .map(({ words, isValue }) => (isValue ? foreign(words) : words)));
 }
 
-// Gives `element` the sentence of `key` as its accessible name.
-export function label(element, key, values) {
-  element.dataset.label = key;
-  keepValues(element, values);
-  const words = text(key, values);
-  if (element.getAttribute("aria-label") !== words) {
-    element.setAttribute("aria-label", words);
+// Replaces the content of `element` by what `build` returns, where `state` is not what it shows already.
+export function redraw(element, state, build) {
+  const signature = JSON.stringify(state);
+  if (shown.get(element) !== signature) {
+    shown.set(element, signature);
+    const hasFocus = element.contains(document.activeElement);
+    element.replaceChildren(...build());
+    if (hasFocus) {
+      element.querySelector("button, summary")?.focus();
+    }
   }
 }
 
-// Says everything below `root` in the present language.
-export function translate(root) {
-  document.documentElement.lang = language;
-  for (const element of root.querySelectorAll("[data-text]")) {
-    fill(element, element.dataset.text, valuesOf.get(element));
-  }
-  for (const element of root.querySelectorAll("[data-label]")) {
-    label(element, element.dataset.label, valuesOf.get(element));
-  }
+// A text of unknown origin, kept from changing the direction of what stands around it.
+export function foreign(words) {
+  const element = document.createElement("bdi");
+  element.dir = "auto";
+  element.textContent = words;
+  return element;
 }
 
-function keepValues(element, given) {
-  if (given !== undefined) {
-    valuesOf.set(element, given);
-  }
-}
-
-function signature(key, given) {
-  return language + "\n" + key + "\n" + (given === undefined ? "" : JSON.stringify(given));
-}
-
-function pieces(key, given = {}) {
-  const sentence = kTables[language][key] ?? key;
-  return sentence
-    .split(/(\{\w+\})/)
-    .filter((piece) => piece !== "")
-    .map((piece) => (/^\{\w+\}$/.test(piece)
-      ? { isValue: true, words: String(given[piece.slice(1, -1)] ?? "") }
-      : { isValue: false, words: piece }));
-}
-
-function asNode(piece) {
-  if (!piece.isValue) {
-    return document.createTextNode(piece.words);
-  }
-  const node = document.createElement("bdi");
-  node.dir = "auto";
-  node.textContent = piece.words;
-  return node;
+function pieces(key, values = {}) {
+  return (table[key] ?? key).split(/\{(\w+)\}/).map((words, index) =>
+    (index % 2 === 1 ? { words: String(values[words] ?? ""), isValue: true } : { words, isValue: false }));
 }

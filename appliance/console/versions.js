@@ -1,40 +1,21 @@
-// The order of versions: pieces between "." and "-" are compared one by one, numbers by their value and above words.
-const kEqual = 0;
-
-function pieceOf(words) {
-  return /^\d+$/.test(words)
-    ? { isNumber: true, words: words.replace(/^0+/, "") }
-    : { isNumber: false, words };
-}
-
+// The order of versions: their pieces one by one, numbers by value and above words.
 function comparePieces(a, b) {
-  if (a.isNumber !== b.isNumber) {
-    return a.isNumber ? 1 : -1;
+  const [x, y] = [a, b].map((piece) => (/^\d+$/.test(piece) ? BigInt(piece) : piece));
+  if (typeof x !== typeof y) {
+    return typeof x === "bigint" ? 1 : -1;
   }
-  if (a.isNumber && a.words.length !== b.words.length) {
-    return a.words.length - b.words.length;
-  }
-  return a.words < b.words ? -1 : Number(a.words > b.words);
+  return x < y ? -1 : Number(x > y);
 }
 
 // Below, at or above zero, as `a` is older than, the same as or newer than `b`.
 export function compareVersions(a, b) {
-  const left = a.split(/[.-]/);
-  const right = b.split(/[.-]/);
-  for (let i = 0; i < Math.max(left.length, right.length); ++i) {
-    const order = comparePieces(pieceOf(left[i] ?? "0"), pieceOf(right[i] ?? "0"));
-    if (order !== kEqual) {
-      return order;
-    }
-  }
-  return kEqual;
+  const [left, right] = [a, b].map((version) => version.split(/[.-]/));
+  const count = Math.max(left.length, right.length);
+  const orders = Array.from({ length: count }, (_, i) => comparePieces(left[i] ?? "0", right[i] ?? "0"));
+  return orders.find((order) => order !== 0) ?? 0;
 }
 
 // What an installation of `next` over `installed` is: "first", "newer", "same" or "older".
 export function changeBetween(installed, next) {
-  if (!installed) {
-    return "first";
-  }
-  const order = compareVersions(next, installed);
-  return order === kEqual ? "same" : order > kEqual ? "newer" : "older";
+  return installed === "" ? "first" : ["older", "same", "newer"][Math.sign(compareVersions(next, installed)) + 1];
 }

@@ -1,0 +1,50 @@
+// Releases from a feed: looked for, downloaded, cancelled, installed.
+import assert from "node:assert/strict";
+import { after, test } from "node:test";
+
+import { Feed } from "./support/feed.js";
+import { eventually } from "./support/eventually.js";
+import { useConsole } from "./support/fixture.js";
+
+const its = useConsole();
+let feed;
+
+after(() => feed.end());
+
+test("releases that cannot be asked for are told, and what to look at", async () => {
+  await its.user.button("Look for a release: Device Pack").click();
+  await its.user.sees(/The releases could not be asked for/, its.user.card("Device Pack"));
+  feed = await Feed.start(its.appliance, ["device_pack-2.2.0-0140", "device_pack-2.3.0-0152", "local_display-1.4.6-0058"]);
+  await its.user.button("Look for new releases").click();
+  await its.user.sees(/New release .*2\.3\.0-0152/, its.user.card("Device Pack"));
+  await its.user.sees("What is new in device_pack-2.3.0-0152", its.user.card("Device Pack"));
+  await its.user.sees("Up to date", its.user.card("Local Display"));
+  await its.user.sees(/1.* with a new release/);
+});
+
+test("a download shows its progress and can be cancelled, in whatever window", async () => {
+  feed.isSlow = true;
+  const card = its.user.card("Device Pack");
+  await its.user.button("Download: Device Pack").click();
+  const bar = card.getByRole("progressbar", { name: "Download" });
+  await eventually(async () => Number(await bar.getAttribute("value")) > 0, "something has arrived");
+  await its.user.sees(/% of .* · .*\/s/, card);
+  assert.equal(await its.user.isOff(its.user.button("Restore …: Device Pack")), true);
+  await its.user.page.reload();
+  await its.user.sees(/Downloading .*2\.3\.0-0152/, card);
+  await its.user.button("Cancel: Device Pack").click();
+  await its.user.becomesUsable(its.user.button("Download: Device Pack"));
+  assert.equal(await card.getByText("The download failed").count(), 0);
+});
+
+test("a downloaded release is installed when that is agreed to", async () => {
+  feed.isSlow = false;
+  await its.user.button("Download: Device Pack").click();
+  await its.user.becomesUsable(its.user.button("Install: Device Pack"));
+  await its.user.button("Install: Device Pack").click();
+  await its.user.sees(/Install .*2\.3\.0-0152.* of .*Device Pack.*\?/, its.user.dialog);
+  await its.user.button("Install", its.user.dialog).click();
+  await eventually(async () => (await its.appliance.info(1)).version === "2.3.0-0152", "it is installed");
+  await its.user.sees("2.3.0-0152", its.user.card("Device Pack"));
+  await eventually(async () => !(await its.user.card("Device Pack").locator(".release").isVisible()), "the news is over");
+});

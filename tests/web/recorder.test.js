@@ -1,0 +1,54 @@
+// A CMS host, and a recorder that is seen through it.
+import assert from "node:assert/strict";
+import { after, test } from "node:test";
+
+import { Appliance, samplePath } from "./support/appliance.js";
+import { useConsole } from "./support/fixture.js";
+
+const kRecorder = "gate.house-2";
+
+const its = useConsole({ prepare });
+
+let recorder;
+
+async function prepare({ appliance, user }) {
+  recorder = await Appliance.start();
+  await appliance.pairWith(recorder, kRecorder);
+  await user.page.reload();
+  await user.sees("CMS host");
+  await user.page.getByLabel("Shown").selectOption(kRecorder);
+  await user.sees(new RegExp(`You see the recorder .*${kRecorder}`));
+}
+
+after(() => recorder?.end());
+
+test("its services start and stop, and what is not passed on is said", async () => {
+  await its.user.sees("The recorder keeps its own activity");
+  await its.user.button("Start: Service 3").click();
+  await its.user.showsState("Service 3", "Running");
+  assert.equal((await recorder.info(3)).blRunning, true);
+  assert.equal((await its.appliance.info(3)).blRunning, false);
+  await its.user.card("Service 3").getByText("Commands").click();
+  await its.user.sees(`camvoractl --server ${kRecorder} stop service3`, its.user.card("Service 3"));
+});
+
+test("a package reaches it by way of the host", async () => {
+  const chooser = its.user.page.waitForEvent("filechooser");
+  await its.user.button("Install from file …: Local Display").click();
+  await (await chooser).setFiles(samplePath("local_display-1.6.0-0071"));
+  await its.user.sees("To install", its.user.dialog);
+  await its.user.button("Install", its.user.dialog).click();
+  await its.user.sees("1.6.0-0071", its.user.card("Local Display"));
+  assert.equal((await recorder.info(6)).version, "1.6.0-0071");
+  assert.equal((await its.appliance.info(6)).version, "1.5.2-0064");
+});
+
+test("one that refuses the host, or is away, holds back its own view only", async () => {
+  await recorder.client("pair", "remove", "host");
+  await its.user.sees("The recorder does not admit this appliance");
+  assert.equal(await its.user.isOff(its.user.button("Start: Service 4")), true);
+  await its.user.page.getByLabel("Shown").selectOption("This appliance");
+  await its.user.isLive();
+  await its.user.becomesUsable(its.user.button("Start: Service 4"));
+  await its.user.sees("1.5.2-0064", its.user.card("Local Display"));
+});
