@@ -16,7 +16,7 @@ constexpr std::int64_t kTime = 1577836800;  // 2020-01-01 UTC
 constexpr unsigned int kDataMode = 0644;
 constexpr unsigned int kProgramMode = 0755;
 constexpr unsigned int kLinkMode = 0777;
-constexpr std::size_t kPieceBytes = 64UL * 1024;
+constexpr std::size_t kCopiedBytes = 64UL * 1024;
 
 }  // namespace
 
@@ -51,7 +51,7 @@ void ArchiveWriter::AddFile(const std::string& name, const PlainFile& file, bool
     const Entry entry = MakeEntry(name, AE_IFREG, isProgram ? kProgramMode : kDataMode);
     archive_entry_set_size(entry.get(), static_cast<la_int64_t>(file.SizeBytes()));
     Begin(entry);
-    std::array<char, kPieceBytes> piece;
+    std::array<char, kCopiedBytes> piece;
     for (std::uint64_t offset = 0; offset < file.SizeBytes();) {
         const std::size_t size = file.ReadAt(
             offset, piece.data(), std::min<std::uint64_t>(piece.size(), file.SizeBytes() - offset));

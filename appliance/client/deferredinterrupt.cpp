@@ -7,26 +7,26 @@ namespace {
 
 enum class State { kEnds, kWaits, kHasCome };
 
-std::atomic<State> state = State::kEnds;
+std::atomic<State> interrupt = State::kEnds;
 static_assert(std::atomic<State>::is_always_lock_free);
 
 }  // namespace
 
 DeferredInterrupt::DeferredInterrupt() {
-    state = State::kWaits;
+    interrupt = State::kWaits;
 }
 
 DeferredInterrupt::~DeferredInterrupt() {
-    state = State::kEnds;
+    interrupt = State::kEnds;
 }
 
 bool DeferredInterrupt::HasCome() const {
-    return state == State::kHasCome;
+    return interrupt == State::kHasCome;
 }
 
 bool DeferredInterrupt::Note() {
     State expected = State::kWaits;
-    return state.compare_exchange_strong(expected, State::kHasCome);
+    return interrupt.compare_exchange_strong(expected, State::kHasCome);
 }
 
 }  // namespace client

@@ -12,7 +12,7 @@
 namespace client {
 namespace {
 
-constexpr std::size_t kPieceBytes = 64UL * 1024;
+constexpr std::size_t kDigestedBytes = 64UL * 1024;
 
 std::string Hex(const unsigned char* bytes, unsigned int sizeBytes) {
     constexpr char kDigits[] = "0123456789abcdef";
@@ -29,7 +29,7 @@ std::string Hex(const unsigned char* bytes, unsigned int sizeBytes) {
 std::string Sha256Of(const PlainFile& file) {
     const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
     bool isGood = EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) == 1;
-    std::vector<char> piece(kPieceBytes);
+    std::vector<char> piece(kDigestedBytes);
     std::uint64_t offset = 0;
     for (std::size_t size = 1; isGood && size > 0; offset += size) {
         size = file.ReadAt(offset, piece.data(), piece.size());

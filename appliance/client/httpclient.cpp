@@ -19,7 +19,7 @@ constexpr std::chrono::seconds kConnectLimit{10};
 constexpr std::chrono::seconds kSilenceLimit{30};  // a living stream carries something every few seconds
 constexpr char kStreamType[] = "text/event-stream";
 constexpr std::size_t kReplyLimitBytes = 16U << 20U;
-constexpr std::size_t kPieceBytes = 64U << 10U;
+constexpr std::size_t kSentBytes = 64U << 10U;
 
 httplib::Request MakeRequest(const char* method, const std::string& path, const std::string& body,
                              const std::string& token) {
@@ -196,7 +196,7 @@ HttpReply HttpClient::PostFile(const std::string& path, const FormFile& file,
         if (exchange.IsAnswered()) {
             return false;
         }
-        std::array<char, kPieceBytes> piece;
+        std::array<char, kSentBytes> piece;
         const std::size_t size = file.ReadAt(offset, piece.data(), std::min(piece.size(), leftBytes));
         exchange.Restart();
         if (!sink.write(piece.data(), size)) {

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::chrono::minutes kUpdateLimit(121);  // a little more than the appliance's own of one request
 
-constexpr char kGoesOn[] =
+constexpr char kInstallsOn[] =
     "The appliance goes on installing; \"camvoractl list\" shows what has come of it\n";
 
 struct Seen {
@@ -87,8 +87,10 @@ void CarryOut(Session& session, const InstallPlan& plan, const Order& order, Jso
 }
 
 void Install(Session& session, const InstallPlan& plan, const std::string& folder) {
-    Order order{
-        "Update", {}, "The appliance installs " + plan.service.name + " " + plan.package.version, kGoesOn};
+    Order order{"Update",
+                {},
+                "The appliance installs " + plan.service.name + " " + plan.package.version,
+                kInstallsOn};
     order.params["service"] = plan.service.number;
     if (!folder.empty()) {
         order.params["filePath"] = folder;

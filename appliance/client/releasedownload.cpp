@@ -24,7 +24,7 @@ constexpr std::chrono::hours kDownloadLimit{24};
 // An earlier failure stands in the appliance's record until the download that was ordered has begun.
 constexpr std::chrono::seconds kPatienceBefore{3};
 
-constexpr char kGoesOn[] = "The appliance may go on downloading; \"camvoractl cancel\" ends that\n";
+constexpr char kDownloadsOn[] = "The appliance may go on downloading; \"camvoractl cancel\" ends that\n";
 
 constexpr int kReady = 2;
 constexpr int kFailed = 4;
@@ -128,7 +128,7 @@ private:
     const Appliance& host_;
     const Service service_;
     Json::Value params_;
-    const InterruptNote note_{kGoesOn};
+    const InterruptNote note_{kDownloadsOn};
     const DeferredInterrupt interrupt_;
     Progress progress_;
     TransferRate rate_;

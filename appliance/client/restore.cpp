@@ -15,7 +15,8 @@
 namespace client {
 namespace {
 
-constexpr char kGoesOn[] = "The appliance goes on restoring; \"camvoractl list\" shows what has come of it\n";
+constexpr char kRestoresOn[] =
+    "The appliance goes on restoring; \"camvoractl list\" shows what has come of it\n";
 
 struct RestoreArguments {
     std::string service;
@@ -60,7 +61,7 @@ Json::Value RestoreDocument(const InstallPlan& plan) {
 }
 
 Order RestoreOrder(const Service& service) {
-    Order order{"Restore", {}, "The appliance restores " + service.name, kGoesOn};
+    Order order{"Restore", {}, "The appliance restores " + service.name, kRestoresOn};
     order.params["service"] = service.number;
     order.params["serviceName"] = service.name;
     order.params["description"] = "restored by camvoractl";

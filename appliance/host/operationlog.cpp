@@ -11,7 +11,7 @@ namespace host {
 
 namespace {
 
-constexpr int kLimit = 1000;
+constexpr int kEntriesLimit = 1000;
 
 Json::Value ToJson(const camvora::LogEntry& entry) {
     Json::Value data(Json::objectValue);
@@ -31,7 +31,7 @@ Json::Value ToJson(const camvora::LogEntry& entry) {
 
 Reply ReplyWithOperationLog(const httplib::Request& request) {
     const std::string requestId = request.get_param_value("request");
-    long long after = requestId.empty() ? std::max(camvora::LastLogEntryId() - kLimit, 0LL) : 0;
+    long long after = requestId.empty() ? std::max(camvora::LastLogEntryId() - kEntriesLimit, 0LL) : 0;
     if (request.has_param("after")) {
         const std::optional<long long> wanted = ParseDecimal(request.get_param_value("after"));
         if (!wanted) {
@@ -41,7 +41,7 @@ Reply ReplyWithOperationLog(const httplib::Request& request) {
     }
     Json::Value data(Json::objectValue);
     data["entries"] = Json::Value(Json::arrayValue);
-    for (const camvora::LogEntry& entry : camvora::LogEntriesAfter(after, requestId, kLimit)) {
+    for (const camvora::LogEntry& entry : camvora::LogEntriesAfter(after, requestId, kEntriesLimit)) {
         data["entries"].append(ToJson(entry));
     }
     return SuccessReply(data);

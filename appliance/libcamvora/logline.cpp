@@ -22,7 +22,7 @@ std::string Quoted(const char* text) {
 
 }  // namespace
 
-std::string FormatLogLine(const LogEntry& entry) {
+std::string FormatLogLine(const LogLine& entry) {
     return kLogLineBegin + UtcTimeText() + "\",\"pid\":" + std::to_string(getpid()) +
            ",\"request\":" + Quoted(RequestId().c_str()) + ",\"source\":" + Quoted(entry.source) +
            ",\"line\":" + std::to_string(entry.line) + ",\"function\":" + Quoted(entry.function) +

@@ -7,7 +7,7 @@ namespace camvora {
 
 // What the caller of the log knows. The texts end with a NUL, may hold any other bytes, and stay the
 // caller's.
-struct LogEntry {
+struct LogLine {
     const char* source;
     int line;
     const char* function;
@@ -19,6 +19,6 @@ inline constexpr char kLogLineBegin[] = "{\"time\":\"";
 
 // The entry, written now by this process for its request, as one JSON object on one line that ends in "\n".
 // Pure ASCII: whatever the texts hold, there is no second line and no control character in it.
-std::string FormatLogLine(const LogEntry& entry);
+std::string FormatLogLine(const LogLine& entry);
 
 }  // namespace camvora

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kFailed = 400;
-constexpr char kPackage[] = "var/packages/Camvora/";
+constexpr char kPackageFolder[] = "var/packages/Camvora/";
 constexpr char kUploads[] = "target/@CVData/upload/";
 constexpr char kWorkDirectory[] = "target/cv_addOns_";
 
@@ -37,7 +37,7 @@ Answer Inspect(const Appliance& appliance, HttpCalls& calls, const AddOn& addOn,
     std::ofstream(appliance.PackagePath(file), std::ios::binary) << package;
     Json::Value params = Param("service", addOn.service);
     params["pkgInfo"]["fileName"] = "x.spk";
-    params["pkgInfo"]["filePath"] = "/" + (kPackage + file);
+    params["pkgInfo"]["filePath"] = "/" + (kPackageFolder + file);
     return calls.AddOns("GetPkgInfo", params);
 }
 
@@ -60,10 +60,10 @@ Listing ListingOutside(const Appliance& appliance) {
     std::set<std::string> leftOut;
     for (const char* name :
          {"log", "run", "camvora.db", "camvora.db-journal", "camvora.db-shm", "camvora.db-wal"}) {
-        leftOut.insert(std::string(kPackage) + "target/@CVData/" + name);
+        leftOut.insert(std::string(kPackageFolder) + "target/@CVData/" + name);
     }
     for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
-        leftOut.insert(std::string(kPackage) + kWorkDirectory + addOn.name);
+        leftOut.insert(std::string(kPackageFolder) + kWorkDirectory + addOn.name);
     }
     return ListingOf(appliance.PathOf(""), leftOut);
 }

@@ -12,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-constexpr int kFailed = 400;
+constexpr int kErrFailed = 400;
 constexpr int kPowerCutEvery = 20;
 constexpr double kLockLimitsS = 6.5;
 
@@ -90,7 +90,7 @@ void KillTrials::UpdateWithNothing() {
     const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
     figures_.longestS = std::max(figures_.longestS, seconds);
     Expect(seconds < kLockLimitsS, "the next update took " + std::to_string(seconds) + " s");
-    Expect(answer.Code() == kFailed, "the next update said " + std::to_string(answer.Code()));
+    Expect(answer.Code() == kErrFailed, "the next update said " + std::to_string(answer.Code()));
 }
 
 void KillTrials::Count(const FileCall& call) {

@@ -16,7 +16,7 @@ namespace {
 
 using Steps = std::vector<std::string>;
 
-const Steps kBegin = fake::Admission();
+const Steps kAdmission = fake::Admission();
 const Steps kFailed = {"SetError 400 null"};
 const Steps kDone = {"SetSuccess null"};
 
@@ -75,7 +75,7 @@ TEST_P(Enable, AnswersAndActsInADetachedChild) {
     const std::string action = GetParam().action;
     const fake::DetachedJournal journal =
         fake::ServeAndReap(Process, fake::Authorized(GetParam().method, kEnableParams));
-    EXPECT_EQ(fake::Lines(Join({kBegin, kReadEnable, kDone})), journal.request);
+    EXPECT_EQ(fake::Lines(Join({kAdmission, kReadEnable, kDone})), journal.request);
     const Steps announced = {"CVClientNotify::Notify 24 1 " + action + " 0",
                              "CVLog 321913013 0 'Device Pack' 'by hand' ''"};
     EXPECT_EQ(fake::Lines(Join({{"> setsid"}, Action("1", action, "> ", announced), {"> _exit 0"}})),
@@ -90,7 +90,7 @@ TEST(EnableFailure, LogsAFailedActionAndEndsWell) {
     fake::Answer("BeginCriticalSection", -1);
     const fake::DetachedJournal journal =
         fake::ServeAndReap(Process, fake::Authorized("Enable", kEnableParams));
-    EXPECT_EQ(fake::Lines(Join({kBegin, kReadEnable, kDone})), journal.request);
+    EXPECT_EQ(fake::Lines(Join({kAdmission, kReadEnable, kDone})), journal.request);
     EXPECT_EQ(
         fake::Lines({"> setsid", "> GetServiceStr 1", "> BeginCriticalSection /tmp/cv_name1.lock 3000",
                      R"(> CVPrintf 0 null null addons HandleEnable 'Failed to execute service control.\n')",
@@ -102,7 +102,7 @@ TEST(EnableFailure, FailsWhenItCannotFork) {
     const fake::Session session;
     fake::FailOnce("fork", EAGAIN);
     fake::Serve(Process, fake::Authorized("Enable", kEnableParams));
-    EXPECT_EQ(fake::Lines(Join({kBegin,
+    EXPECT_EQ(fake::Lines(Join({kAdmission,
                                 kReadEnable,
                                 {R"(CVPrintf 0 null null addons HandleEnable 'Failed to fork child\n')"},
                                 kFailed})),
@@ -179,7 +179,7 @@ TEST_P(Restart, StopsThenStarts) {
         GetParam().script();
     }
     fake::Serve(Process, fake::Authorized("Restart", GetParam().params));
-    EXPECT_EQ(fake::Lines(Join({kBegin, {"GetParam service 0"}, GetParam().steps})), fake::Journal());
+    EXPECT_EQ(fake::Lines(Join({kAdmission, {"GetParam service 0"}, GetParam().steps})), fake::Journal());
 }
 
 INSTANTIATE_TEST_SUITE_P(, Restart, testing::ValuesIn(kRestartCases),
@@ -216,7 +216,7 @@ TEST_P(CheckEnableDone, LooksEveryTwoSecondsForTwenty) {
     EXPECT_EQ(GetParam().answer,
               fake::Serve(Process, fake::Authorized("CheckEnableDone", R"({"service":3})")));
     const Steps look = {"GetServiceStr 3", "IsFileExist /tmp/cv_name3.lock"};
-    Steps steps = Join({kBegin, {"GetParam service 0"}});
+    Steps steps = Join({kAdmission, {"GetParam service 0"}});
     for (int i = 0; i < GetParam().sleeps; ++i) {
         steps = Join({steps, look, {"sleep 2"}});
     }

@@ -23,7 +23,7 @@ Steps Begin(const std::string& service) {
     return fake::Admission() + Steps{"GetParam service 0", "AddonsUpdate " + service};
 }
 
-const char kFailed[] = R"(SetError 400 {"param1":"","param2":""})";
+const char kNoDownload[] = R"(SetError 400 {"param1":"","param2":""})";
 
 struct StartCase {
     const char* name;
@@ -44,15 +44,15 @@ const StartCase kStartCases[] = {
      kDownload +
          Steps{R"(> CVPrintf 0 null null addons HandleDownloadStart 'Failed to download device pack.\n')",
                "> _exit 0"}},
-    {"nothing_newer", false, 0, 0, kCheck + Steps{kFailed}, {}},
+    {"nothing_newer", false, 0, 0, kCheck + Steps{kNoDownload}, {}},
     {"check_fails",
      -1,
      0,
      0,
      kCheck + Steps{R"(CVPrintf 0 null null addons HandleDownloadStart 'Failed to check new release.\n')",
-                    kFailed},
+                    kNoDownload},
      {}},
-    {"no_process", true, EAGAIN, 0, kCheck + kFork + Steps{kFailed}, {}},
+    {"no_process", true, EAGAIN, 0, kCheck + kFork + Steps{kNoDownload}, {}},
 };
 
 class DownloadStart : public testing::TestWithParam<StartCase> {
@@ -103,10 +103,10 @@ const ProgressCase kProgressCases[] = {
      {kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0",
       "sleep 1", kRead + "'' 0 0", "sleep 1",
       R"(SetSuccess {"percent":7,"status":4,"version":"name6 2.0-1"})"}},
-    {"unreadable", {"-1"}, {kRead + "'' 0 0", kFailed}},
+    {"unreadable", {"-1"}, {kRead + "'' 0 0", kNoDownload}},
     {"unreadable_after_a_while",
      {R"(["2.0-1"])", "-1"},
-     {kRead + "'' 0 0", "sleep 1", kRead + "2.0-1 0 0", kFailed}},
+     {kRead + "'' 0 0", "sleep 1", kRead + "2.0-1 0 0", kNoDownload}},
 };
 
 class DownloadProgress : public testing::TestWithParam<ProgressCase> {
@@ -135,7 +135,7 @@ TEST(DownloadCancel, AnswersAsTheReleaseClientDoes) {
         fake::Serve(Process, fake::Authorized("DownloadCancel", "{}"));
         EXPECT_EQ(
             fake::Lines(Begin("0") + Steps{"AddonsUpdate::CancelDownload",
-                                           result == 0 ? "SetSuccess null" : kFailed, "~AddonsUpdate 0"}),
+                                           result == 0 ? "SetSuccess null" : kNoDownload, "~AddonsUpdate 0"}),
             fake::Journal());
     }
 }

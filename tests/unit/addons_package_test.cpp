@@ -14,10 +14,8 @@ namespace {
 
 using Steps = std::vector<std::string>;
 
-const Steps kBegin = {"GetParam relayedCmd false", "IsCmsHost", "IsAuthorized", "GetAPIMethod"};
-
 std::string After(const Steps& begin, const Steps& steps) {
-    return fake::Lines(kBegin) + fake::Lines(begin) + fake::Lines(steps);
+    return fake::Lines(fake::Admission()) + fake::Lines(begin) + fake::Lines(steps);
 }
 
 struct UploadCase {

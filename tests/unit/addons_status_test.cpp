@@ -14,13 +14,11 @@ namespace {
 
 using Steps = std::vector<std::string>;
 
-const Steps kBegin = {"GetParam relayedCmd false", "IsCmsHost", "IsAuthorized", "GetAPIMethod"};
-
 struct StatusCase {
     const char* name;
     ORVA::RequestContent request;
     const char* answers;
-    Steps steps;  // after kBegin
+    Steps steps;  // after the admission
 };
 
 Steps Info(const std::string& service, const std::string& info) {
@@ -56,7 +54,7 @@ class Status : public testing::TestWithParam<StatusCase> {
 TEST_P(Status, PassesOnWhatThePlatformSays) {
     fake::AnswerEach(GetParam().answers);
     fake::Serve(Process, GetParam().request);
-    EXPECT_EQ(fake::Lines(kBegin) + fake::Lines(GetParam().steps), fake::Journal());
+    EXPECT_EQ(fake::Lines(fake::Admission()) + fake::Lines(GetParam().steps), fake::Journal());
 }
 
 INSTANTIATE_TEST_SUITE_P(, Status, testing::ValuesIn(kStatusCases),
@@ -75,7 +73,7 @@ TEST(List, DescribesEachServiceOnceInOrder) {
                              R"({"info":3,"service":3},{"info":"four","service":4},)"
                              R"({"info":[5],"service":5},{"info":{},"service":6})";
     const Steps answered = {R"(SetSuccess {"list":[)" + list + "]}"};
-    EXPECT_EQ(fake::Lines(kBegin) + fake::Lines(asked) + fake::Lines(answered), fake::Journal());
+    EXPECT_EQ(fake::Lines(fake::Admission()) + fake::Lines(asked) + fake::Lines(answered), fake::Journal());
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 
 namespace {
 
-const std::string kDir = "PLIBCFileGetKeyValue /var/packages/Camvora/target/cv_addOns_name";
+const std::string kAsked = "PLIBCFileGetKeyValue /var/packages/Camvora/target/cv_addOns_name";
 
 struct PlatformCase {
     const char* name;
@@ -46,7 +46,7 @@ class Platform : public testing::TestWithParam<PlatformCase> {
 };
 
 TEST_P(Platform, IsTheMachines) {
-    fake::Answer(kDir + "1/INFO arch", "x");
+    fake::Answer(kAsked + "1/INFO arch", "x");
     fake::Answer("PLIBCFileGetKeyValue /var/packages/Camvora/INFO arch", "main");
     if (GetParam().unique != nullptr) {
         fake::Answer("PLIBCFileGetKeyValue /etc.defaults/orvainfo.conf unique", GetParam().unique);
@@ -81,11 +81,11 @@ TEST(PkgAllowed, IsThatOfTheService) {
     for (const AllowedCase& row : kAllowedCases) {
         const fake::Session session;
         const std::string service = std::to_string(row.service);
-        fake::Answer(kDir + service + "/INFO package", row.package);
+        fake::Answer(kAsked + service + "/INFO package", row.package);
         EXPECT_EQ(row.allowed, PkgControl(static_cast<ADDON_SERVICE>(row.service)).IsPkgAllowed())
             << row.name;
         std::string journal =
-            fake::Lines({"GetServiceStr " + service, kDir + service + "/INFO package 256 0"});
+            fake::Lines({"GetServiceStr " + service, kAsked + service + "/INFO package 256 0"});
         if (row.logged != nullptr) {
             journal += "CVPrintf 0 null null addonsservice IsPkgAllowed " + std::string(row.logged) + "\n";
         }
@@ -96,7 +96,7 @@ TEST(PkgAllowed, IsThatOfTheService) {
 // An empty value was read all the same.
 TEST(PkgVersion, MayBeEmpty) {
     const fake::Session session;
-    fake::Answer(kDir + "6//conf version", "");
+    fake::Answer(kAsked + "6//conf version", "");
     fake::Answer("PLIBCFileGetKeyValue /var/packages/Camvora/target/etc/cv.conf local_display_min_ver", "");
     EXPECT_TRUE(PkgControl(ADDON_SERVICE_LOCAL_DISPLAY).IsPkgVersionValid());
 }

@@ -21,9 +21,9 @@ using fake::operator+;
 const std::string kMainInfo = "/var/packages/Camvora/INFO";
 const std::string kMainConf = "/var/packages/Camvora/target/etc/cv.conf";
 const std::string kMachine = "/etc.defaults/orvainfo.conf";
-const std::string kDir = "/var/packages/Camvora/target/cv_addOns_name1";
-const std::string kInfo = kDir + "/INFO";
-const std::string kConf = kDir + "/device_pack/conf";
+const std::string kWorkDir = "/var/packages/Camvora/target/cv_addOns_name1";
+const std::string kInfo = kWorkDir + "/INFO";
+const std::string kConf = kWorkDir + "/device_pack/conf";
 
 std::string Value(const std::string& file, const std::string& key) {
     return "PLIBCFileGetKeyValue " + file + " " + key;
@@ -48,24 +48,24 @@ const Steps kRecover = {"lstat /var/packages/Camvora/target/device_pack.aside",
 const Steps kLock = kWait + kRecover;
 const Steps kFind = {Read(kMainConf, "addons_upload_dir"), "PLIBCFileExist /up/1"};
 const Steps kExtract = {
-    "mkdir " + kDir + ".partial",
-    "CVRm " + kDir + "/",
-    "CreateFullDirPath " + kDir + "/",
-    "PLIBCExec /bin/tar -C " + kDir + "/ -xvf /up/1",
-    "nftw " + kDir,
-    "lstat " + kDir + "/device_pack",
-    "PLIBCExec /bin/tar -C " + kDir + "/ -xvf " + kDir + "/package.tgz",
-    "lstat " + kDir,
+    "mkdir " + kWorkDir + ".partial",
+    "CVRm " + kWorkDir + "/",
+    "CreateFullDirPath " + kWorkDir + "/",
+    "PLIBCExec /bin/tar -C " + kWorkDir + "/ -xvf /up/1",
+    "nftw " + kWorkDir,
+    "lstat " + kWorkDir + "/device_pack",
+    "PLIBCExec /bin/tar -C " + kWorkDir + "/ -xvf " + kWorkDir + "/package.tgz",
+    "lstat " + kWorkDir,
     "lstat " + kInfo,
-    "lstat " + kDir + "/device_pack",
+    "lstat " + kWorkDir + "/device_pack",
     "lstat " + kConf,
-    "lstat " + kDir + "/device_pack/script",
-    "lstat " + kDir + "/device_pack/script/preupgrade",
-    "lstat " + kDir + "/device_pack/script/preinst",
-    "lstat " + kDir + "/device_pack/script/postinst",
-    "lstat " + kDir + "/device_pack/script/postupgrade",
-    "lstat " + kDir + "/device_pack/script/restore",
-    "rmdir " + kDir + ".partial",
+    "lstat " + kWorkDir + "/device_pack/script",
+    "lstat " + kWorkDir + "/device_pack/script/preupgrade",
+    "lstat " + kWorkDir + "/device_pack/script/preinst",
+    "lstat " + kWorkDir + "/device_pack/script/postinst",
+    "lstat " + kWorkDir + "/device_pack/script/postupgrade",
+    "lstat " + kWorkDir + "/device_pack/script/restore",
+    "rmdir " + kWorkDir + ".partial",
     "CVRm /up/1",
 };
 const Steps kUnpacked = kLock + kFind + kExtract;
@@ -95,7 +95,7 @@ std::string ErrInfo(const std::string& texts) {
 const std::string kInvalidFile = ErrInfo(R"("localdisplay","invalid_file","","","")") + "}";
 
 const std::string kSuccess =
-    R"({"errinfo":null,"filePath":")" + kDir + R"(/","maintainer":"me","version":"4.1-7"})";
+    R"({"errinfo":null,"filePath":")" + kWorkDir + R"(/","maintainer":"me","version":"4.1-7"})";
 
 struct InspectionCase {
     const char* name;
@@ -277,7 +277,7 @@ TEST(UnpackedTree, IsMarkedWhereItCannotBeRemoved) {
     const fake::Session session;
     fake::Answer("CVRm", -1);
     EXPECT_TRUE(ForgetUnpacked(ADDON_SERVICE_DEVICE_PACK, false));
-    EXPECT_EQ(fake::Lines({"mkdir " + kDir + ".partial", "CVRm " + kDir + "/device_pack"}), Calls());
+    EXPECT_EQ(fake::Lines({"mkdir " + kWorkDir + ".partial", "CVRm " + kWorkDir + "/device_pack"}), Calls());
 }
 
 TEST(ErrorInfo, LeavesOtherMembers) {

@@ -19,7 +19,7 @@ using fake::Steps;
 using fake::operator+;
 
 // Without the looks at the tree.
-std::string Calls() {
+std::string CallsButLooks() {
     return std::regex_replace(fake::Journal(), std::regex("lstat .*\n"), "");
 }
 
@@ -65,7 +65,7 @@ protected:
                              "nftw " + dir.substr(0, dir.size() - 1)};
         EXPECT_EQ(fake::Lines(begin) + fake::Lines(afterFirstRun) + fake::Lines(GetParam().steps) +
                       fake::Lines(afterLastRun) + fake::Lines({"rmdir " + mark, "CVRm /up/1"}),
-                  Calls());
+                  CallsButLooks());
     }
 
     static Steps Refused(const char* reason) {
@@ -114,7 +114,7 @@ TEST_P(Extract, MarksWhatItCannotRemove) {
     fake::Answer("CVRm", -1);
     std::string file = "/up/1";
     ExtractPkg(file, GetParam().fromHost, static_cast<ADDON_SERVICE>(GetParam().service));
-    EXPECT_EQ(std::string::npos, Calls().find("rmdir"));
+    EXPECT_EQ(std::string::npos, CallsButLooks().find("rmdir"));
 }
 
 TEST_P(Extract, UnpacksNothingWithoutAMark) {
@@ -129,7 +129,7 @@ TEST_P(Extract, UnpacksNothingWithoutAMark) {
     const Steps description = HasTree() ? Steps{ClearPlace().front() + "/conf"} : Steps{};
     EXPECT_EQ(
         fake::Lines(begin + description + Steps{"CVRm " + dir, "CreateFullDirPath " + dir, "CVRm /up/1"}),
-        Calls());
+        CallsButLooks());
 }
 
 INSTANTIATE_TEST_SUITE_P(, Extract, testing::ValuesIn(kExtractCases),

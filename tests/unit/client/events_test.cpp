@@ -16,7 +16,7 @@ std::string Data(const std::string& id, const std::string& type, const std::stri
            type + "}\n";
 }
 
-const std::string kStarted = Data("5", "24", R"(["6","1","0"])");
+const std::string kStartOf6 = Data("5", "24", R"(["6","1","0"])");
 const std::string kUpdated = Data("6", "24", R"(["9","2","0"])");
 const std::string kOther = Data("7", "5", R"(["a"])");
 const std::string kSnapshot = R"({"services":[{"name":"Display","service":6}]})"
@@ -35,7 +35,7 @@ Outcome RunWithBreaks(FakeAppliance& appliance, const std::string& line) {
 }
 
 FakeReplies BreakingStreams() {
-    const std::string first = Event("4", "snapshot", kSnapshot) + Event("5", "notification", kStarted) +
+    const std::string first = Event("4", "snapshot", kSnapshot) + Event("5", "notification", kStartOf6) +
                               Event("6", "notification", kUpdated);
     const std::string second = Event("6", "snapshot", kSnapshot) + ": still here\n\ndata: no JSON\n\n" +
                                Event("7", "notification", kOther);
@@ -68,7 +68,7 @@ TEST(EventsCommandTest, GoesOnWhereTheConnectionBroke) {
 TEST(EventsCommandTest, WritesALinePerEventForPrograms) {
     FakeAppliance appliance(BreakingStreams());
     const Outcome outcome = RunWithBreaks(appliance, "events --json");
-    EXPECT_EQ(kSnapshot + kStarted + kUpdated + kSnapshot + kOther, outcome.out);
+    EXPECT_EQ(kSnapshot + kStartOf6 + kUpdated + kSnapshot + kOther, outcome.out);
     EXPECT_EQ("camvoractl: Interrupted\n", outcome.err);
 }
 

@@ -61,7 +61,7 @@ const std::string kLooks = "Looking at what is installed and runs\n";
 const std::string kWarnings =
     "Warning: /bin/mv -f \\x1B ended with exit status 1\n"
     "Warning: /d/script/postinst could not be run or did not end by itself\n";
-const std::string kReason = "The request was r1\nThe appliance logged:\nT  s:9  F  why\n";
+const std::string kWhy = "The request was r1\nThe appliance logged:\nT  s:9  F  why\n";
 
 // What the terminal shows, up to that text at least. It may come after the program has ended.
 std::string ReadUntil(int terminal, const std::string& text) {
@@ -180,20 +180,20 @@ struct FailedCase {
 
 const FailedCase kFailedCases[] = {
     {"refused", "GetPkgInfo", Error(200, R"({"code":400,"data":{"errinfo":{"sec":"device_pack"}}})"), 4,
-     "The appliance does not take x.spk: device_pack/\nerrinfo.sec  device_pack\n" + kReason},
+     "The appliance does not take x.spk: device_pack/\nerrinfo.sec  device_pack\n" + kWhy},
     {"nowhere_unpacked", "GetPkgInfo", Success(R"({"version":"2.2-1","filePath":""})"), 1,
      kSent + "camvoractl: GetPkgInfo failed: the answer names no unpacked package\n"},
     {"update_failed", "Update", kUpdateFailed, 1,
      kInstalls + kWarnings + "Installed now: 2.2-1\n" +
-         "camvoractl: Update failed (error 400): the appliance could not do it\n" + kReason},
+         "camvoractl: Update failed (error 400): the appliance could not do it\n" + kWhy},
     {"another_version_is_there", "GetInfo", Installed("2.1-9"), 9,
      kLooks + kWarnings + "camvoractl: The device_pack 2.2-1 was to be installed, but 2.1-9 is there\n" +
-         kReason},
+         kWhy},
     {"a_service_stays_away", "List", InTurn({kAllRun, kAllRun, kAllRun, List(true, false)}), 9,
      kLooks + kWarnings +
          "camvoractl: The device_pack 2.2-1 is installed, but this does not run as before: "
          "The local_display\n" +
-         kReason},
+         kWhy},
 };
 
 class InstallFailedTest : public InstallTest, public testing::WithParamInterface<FailedCase> {};
