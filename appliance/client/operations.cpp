@@ -69,9 +69,8 @@ void AddOperations(Command program, Session& session) {
     Command command = program.Add("operations", "Show what was done, or all about one operation");
     command.Explain(
         "An operation begins with a request and ends when its work has ended, which may be long after the "
-        "answer. "
-        "Of one, the timeline is shown: the programs that it ran, its log lines, and its operation-log "
-        "entries.");
+        "answer. Of one, the timeline is shown: the programs that it ran, its log lines, and its "
+        "operation-log entries.");
     const auto id = std::make_shared<std::string>();
     command.OptionalArgument("ID", *id, "Number of the operation, or the id of its request");
     command.Run([&session, id] { id->empty() ? ShowOperations(session) : ShowOperation(session, *id); });
