@@ -47,12 +47,12 @@ Table DetailTable(const Json::Value& operation, const Names& names) {
     return table;
 }
 
-void ShowAll(Session& session) {
+void ShowOperations(Session& session) {
     const Json::Value operations = session.Host().Operations();
     session.Print(operations, OperationTable(operations, ServiceNames(session.Host())));
 }
 
-void ShowOne(Session& session, const std::string& id) {
+void ShowOperation(Session& session, const std::string& id) {
     const Json::Value operation = FindOperation(session.Host(), id);
     const Json::Value timeline = TimelineOf(session.Host(), operation);
     Json::Value data;
@@ -73,7 +73,7 @@ void AddOperations(Command program, Session& session) {
         "operation-log entries.");
     const auto id = std::make_shared<std::string>();
     command.OptionalArgument("ID", *id, "Number of the operation, or the id of its request");
-    command.Run([&session, id] { id->empty() ? ShowAll(session) : ShowOne(session, *id); });
+    command.Run([&session, id] { id->empty() ? ShowOperations(session) : ShowOperation(session, *id); });
 }
 
 }  // namespace client

@@ -41,7 +41,7 @@ export async function alone(service, method, work) {
   }
   store.problems.delete(service);
   store.pending.set(service, { method, begin: new Date().toISOString() });
-  changed();
+  changed(true);
   try {
     return await work();
   } catch (error) {
@@ -49,7 +49,7 @@ export async function alone(service, method, work) {
     return undefined;
   } finally {
     store.pending.delete(service);
-    changed();
+    changed(true);
   }
 }
 

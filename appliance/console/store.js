@@ -10,7 +10,7 @@ export const store = {
   connection: "connecting", // later "live", "lost" or "refused"
   appliance: kNoAppliance,
   recorder: "", // the paired recorder that is shown; "" is the appliance itself
-  operations: new Operations(changed),
+  operations: new Operations(() => changed()),
   pending: new Map(), // service to what is asked for it and not over: {method, begin}
   problems: new Map(), // service to why the last thing that was asked for it failed, see problemOf
   checks: new Map(), // service to what the last look for a release has answered
@@ -18,7 +18,7 @@ export const store = {
 };
 
 const listeners = [];
-let isScheduled = false;
+let timer;
 let toldAt = 0;
 
 forget();
@@ -27,16 +27,18 @@ export function whenChanged(listener) {
   listeners.push(listener);
 }
 
-export function changed() {
-  if (isScheduled) {
-    return;
+// What the user has asked for shows at once: `isUrgent`.
+export function changed(isUrgent = false) {
+  if (isUrgent) {
+    clearTimeout(timer);
+    timer = undefined;
   }
-  isScheduled = true;
-  setTimeout(() => requestAnimationFrame(tellAll), Math.max(0, toldAt + kPauseMs - performance.now()));
+  const pauseMs = isUrgent ? 0 : toldAt + kPauseMs - performance.now();
+  timer ??= setTimeout(() => requestAnimationFrame(tellAll), pauseMs);
 }
 
 function tellAll() {
-  isScheduled = false;
+  timer = undefined;
   toldAt = performance.now();
   listeners.forEach((listener) => listener());
 }
@@ -79,5 +81,5 @@ export function dismiss(service) {
   store.problems.delete(service);
   store.dismissed.set(service, store.operations.lastChange(service)?.id);
   sessionStorage.setItem(kDismissed, JSON.stringify([...store.dismissed]));
-  changed();
+  changed(true);
 }

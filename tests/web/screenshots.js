@@ -19,7 +19,7 @@ async function makeHistory(appliance) {
     await eventually(async () => (await appliance.info(Number(service))).blRunning, serviceName);
   }
   await appliance.call("SetAutoUpdate", { service: 1, blEnable: true });
-  const { filePath } = await appliance.upload("device_pack-2.2.1-0141-failing", 1);
+  const { filePath } = await appliance.upload("device_pack-2.2.1-0141-failing", "device_pack");
   await appliance.call("Update", { service: 1, filePath });
   await appliance.call("CheckUpdateInfo", { service: 1 });
   const { mend } = appliance.breakActions("service5");

@@ -86,7 +86,7 @@ test("two windows and the client show the same, and nothing can be ordered in on
 });
 
 test("an operation of somebody else, seen after a reload too, is in progress until it ends", async () => {
-  const { filePath } = await its.appliance.upload("device_pack-2.2.2-0142-hanging", 1);
+  const { filePath } = await its.appliance.upload("device_pack-2.2.2-0142-hanging", "device_pack");
   const update = its.appliance.call("Update", { service: 1, filePath });
   for (const look of [() => {}, () => its.user.page.reload()]) {
     await look();

@@ -121,17 +121,9 @@ export class Appliance {
       .filter(isMine).map(Number);
   }
 
-  // Sends a sample package and has it checked. Returns what "GetPkgInfo" answers.
-  async upload(sample, service) {
-    const form = new FormData();
-    form.append("addonsSpkFile", new Blob([readFileSync(samplePath(sample))]), `${sample}.spk`);
-    const reply = await fetch(`${this.url}${kMethods}Upload`, {
-      method: "POST",
-      headers: { Authorization: `Bearer ${this.token}` },
-      body: form,
-    });
-    const { pkgInfo } = (await reply.json()).data;
-    return this.call("GetPkgInfo", { service, pkgInfo });
+  // Sends a sample package and has it checked, not by the console. Returns what "GetPkgInfo" answers.
+  async upload(sample, shortName) {
+    return JSON.parse(await this.client("--json", "upload", samplePath(sample), shortName));
   }
 
   // What the owner asks for, beside the browser.
