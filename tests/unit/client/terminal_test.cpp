@@ -11,13 +11,13 @@
 
 namespace {
 
-const std::string kServices =
+const std::string kOneService =
     R"({"list":[{"service":1,"info":{"service":1,"name":"Device Pack","shortName":"device_pack","status":1,)"
     R"("statusName":"started","blRunning":true,"version":"2.1.0-0130"}}]})";
 
 // What "list" writes to a terminal of 70 columns.
 std::string ShownList(const std::vector<std::string>& more) {
-    const FakeAppliance appliance({{"List", Success(kServices)}});
+    const FakeAppliance appliance({{"List", Success(kOneService)}});
     const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     EXPECT_EQ(0, grantpt(terminal) + unlockpt(terminal));
     const int output = open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
