@@ -10,6 +10,8 @@ export default {
   "lost.title": "Das Gerät antwortet nicht",
   "lost.words": "Zu sehen ist, was zuletzt bekannt war. Sobald es antwortet, lässt sich alles wieder bedienen.",
   "lost.retry": "Jetzt versuchen",
+  "halted.title": "Camvora ist gestoppt",
+  "halted.words": "Nichts wird aufgezeichnet. Während ein Paket ersetzt wird, ist das kurz so; sonst startet es „S82camvora.sh start“.",
   "refused.title": "Der Rekorder lässt dieses Gerät nicht zu",
   "refused.words": "Koppeln Sie beide neu: hier „camvoractl pair code {name}“, dann dort „camvoractl pair join“.",
 

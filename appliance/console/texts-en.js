@@ -10,6 +10,8 @@ export default {
   "lost.title": "The appliance does not answer",
   "lost.words": "What you see is what was known last. Everything can be used again as soon as it answers.",
   "lost.retry": "Try now",
+  "halted.title": "Camvora is stopped",
+  "halted.words": "Nothing is recorded. While an add-on is replaced that is so for a moment; else “S82camvora.sh start” starts it.",
   "refused.title": "The recorder does not admit this appliance",
   "refused.words": "Pair them again: “camvoractl pair code {name}” here, then “camvoractl pair join” there.",
 
