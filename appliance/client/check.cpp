@@ -48,8 +48,7 @@ void AddCheck(Command program, Session& session) {
     Command command = program.Add("check", "Tell whether a package file would be taken");
     command.Explain(
         "No appliance has to run. What its folder says of its version and platform is compared with, too; "
-        "without "
-        "one, rules that need that are not checked.");
+        "without one, rules that need that are not checked.");
     const auto path = std::make_shared<std::string>();
     command.Argument("FILE", *path, "Package file");
     command.Run([&session, path] { Check(session, *path); });

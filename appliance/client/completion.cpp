@@ -42,10 +42,9 @@ void PrintWords(const Session& session, const CommandDescription& program,
 void AddCompletion(Command program, Session& session) {
     Command command = program.Add("completion", "Print the script for completion in a shell");
     command.Explain(
-        "For bash, put it into ~/.local/share/bash-completion/completions/camvoractl; for zsh, into a folder "
-        "of "
-        "$fpath as _camvoractl. Services, methods and operations are then offered as the appliance has "
-        "them.");
+        "For bash, put it into ~/.local/share/bash-completion/completions/camvoractl; for zsh, into a "
+        "folder of $fpath as _camvoractl. Services, methods and operations are then offered as the "
+        "appliance has them.");
     const auto shell = std::make_shared<std::string>();
     command.Argument("SHELL", *shell, "\"bash\" or \"zsh\"");
     command.Run([&session, shell] { PrintScript(session, *shell); });

@@ -32,9 +32,8 @@ void MakeLink(Session& session) {
 void AddConsole(Command program, Session& session) {
     Command command = program.Add("console", "Print a link that signs a browser in");
     command.Explain(
-        "It opens the appliance's web console, once, within ten minutes, and for whoever has it: the browser "
-        "may "
-        "then do all that you may.");
+        "It opens the appliance's web console, once, within ten minutes, and for whoever has it: the "
+        "browser may then do all that you may.");
     command.Run([&session] { MakeLink(session); });
 }
 

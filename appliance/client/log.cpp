@@ -44,8 +44,7 @@ void AddLog(Command program, Session& session) {
     Command command = program.Add("log", "Show the operation log, or a request's log");
     command.Explain(
         "Without REQUEST that is what was done with the services, and by whom; with it, what the appliance "
-        "logged "
-        "while it served that request.");
+        "logged while it served that request.");
     const auto arguments = std::make_shared<LogArguments>();
     command.OptionalArgument("REQUEST", arguments->requestId,
                              "Id of a request, as failures, --no-wait and the log name it");

@@ -157,9 +157,8 @@ std::string ManualPage(const CommandDescription& program) {
            Section("SYNOPSIS") + ".B camvoractl\n.I COMMAND\n[\\fIARGUMENT\\fR...] [\\fIOPTION\\fR...]\n" +
            Section("DESCRIPTION") + Line(program.help) +
            Line(
-               "A SERVICE is a number or a short name. The outcome goes to standard output, everything else "
-               "to "
-               "standard error; with --json the outcome and errors are JSON.") +
+               "A SERVICE is a number or a short name. The outcome goes to standard output, everything "
+               "else to standard error; with --json the outcome and errors are JSON.") +
            CommandSection(program) + Section("OPTIONS FOR ALL COMMANDS") + OptionItems(program) + ".PP\n" +
            Line(PrecedenceText()) + EnvironmentSection() + FileSection() + ExitStatusSection() +
            ExampleSection(program);

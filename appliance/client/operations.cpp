@@ -47,12 +47,12 @@ Table DetailTable(const Json::Value& operation, const Names& names) {
     return table;
 }
 
-void ShowAll(Session& session) {
+void ShowOperations(Session& session) {
     const Json::Value operations = session.Host().Operations();
     session.Print(operations, OperationTable(operations, ServiceNames(session.Host())));
 }
 
-void ShowOne(Session& session, const std::string& id) {
+void ShowOperation(Session& session, const std::string& id) {
     const Json::Value operation = FindOperation(session.Host(), id);
     const Json::Value timeline = TimelineOf(session.Host(), operation);
     Json::Value data;
@@ -69,12 +69,11 @@ void AddOperations(Command program, Session& session) {
     Command command = program.Add("operations", "Show what was done, or all about one operation");
     command.Explain(
         "An operation begins with a request and ends when its work has ended, which may be long after the "
-        "answer. "
-        "Of one, the timeline is shown: the programs that it ran, its log lines, and its operation-log "
-        "entries.");
+        "answer. Of one, the timeline is shown: the programs that it ran, its log lines, and its "
+        "operation-log entries.");
     const auto id = std::make_shared<std::string>();
     command.OptionalArgument("ID", *id, "Number of the operation, or the id of its request");
-    command.Run([&session, id] { id->empty() ? ShowAll(session) : ShowOne(session, *id); });
+    command.Run([&session, id] { id->empty() ? ShowOperations(session) : ShowOperation(session, *id); });
 }
 
 }  // namespace client

@@ -12,7 +12,8 @@ namespace {
 using Widths = std::vector<std::size_t>;
 
 constexpr std::size_t kGap = 2;
-constexpr std::size_t kNarrowest = 4;
+constexpr std::size_t kNarrowestHeading = 4;
+constexpr std::size_t kNarrowest = 1;
 
 std::size_t LineWidth(const Widths& widths) {
     return std::accumulate(widths.begin(), widths.end(), kGap * (widths.size() - 1));
@@ -28,9 +29,9 @@ Widths Limited(const Widths& kept, const Widths& cut, std::size_t limit) {
 }
 
 // Narrows the widest of what is `cut` until the line fits, by no more than is needed.
-Widths Fitted(const Widths& kept, const Widths& cut, std::size_t columns) {
+Widths Fitted(const Widths& kept, const Widths& cut, std::size_t narrowest, std::size_t columns) {
     std::size_t limit = *std::max_element(cut.begin(), cut.end());
-    while (limit > kNarrowest && LineWidth(Limited(kept, cut, limit)) > columns) {
+    while (limit > narrowest && LineWidth(Limited(kept, cut, limit)) > columns) {
         --limit;
     }
     return Limited(kept, cut, limit);
@@ -72,8 +73,8 @@ Table::Widths Table::FittedWidths(std::size_t columns) const {
     }
     Widths cells = ColumnWidths(rows_.begin() + 1);
     cells.resize(headings.size());
-    const Widths widths = Fitted(cells, headings, columns);
-    return Fitted(Widths(widths.size()), widths, columns);
+    const Widths widths = Fitted(cells, headings, kNarrowestHeading, columns);
+    return Fitted(Widths(widths.size()), widths, kNarrowest, columns);
 }
 
 Table::Widths Table::ColumnWidths(std::vector<Row>::const_iterator first) const {

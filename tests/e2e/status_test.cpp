@@ -49,7 +49,8 @@ TEST_F(StatusTest, TheHostTellsWhatItServes) {
 TEST_F(StatusTest, TheHostDescribesWhatItServes) {
     const Json::Value document = stranger_.Get("/api/openapi.json").body;
     for (const Json::Value& method : stranger_.Get("/api").Data()["apis"][0]["methods"]) {
-        EXPECT_TRUE(document["paths"].isMember("/api/ORVA.Camvora.AddOns/v1/" + method.asString())) << method;
+        EXPECT_TRUE(document["paths"].isMember("/api/ORVA.Camvora.AddOns/v1/" + method.asString()))
+            << method.asString();
     }
 }
 

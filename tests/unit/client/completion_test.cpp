@@ -5,9 +5,9 @@
 
 namespace {
 
-using Words = std::vector<std::string>;
+using Offers = std::vector<std::string>;
 
-const FakeReply kList = Success(
+const FakeReply kServicesByState = Success(
     R"({"list":[{"service":1,"info":{"shortName":"device_pack","blRunning":true,"blHasPackages":true}},)"
     R"({"service":2,"info":{"shortName":"cms","blRunning":false}},)"
     R"({"service":6,"info":{"shortName":"local_display","blRunning":false,"blHasPackages":true,)"
@@ -17,7 +17,7 @@ struct WordCase {
     const char* name;
     std::string line;
     std::string last;
-    Words words;
+    Offers words;
 };
 
 const WordCase kWordCases[] = {
@@ -50,7 +50,7 @@ class CompletionTest : public testing::TestWithParam<WordCase> {};
 
 TEST_P(CompletionTest, OffersWhatFits) {
     const FakeAppliance appliance(
-        {{"List", kList},
+        {{"List", kServicesByState},
          {"GET /operations",
           Success(R"({"operations":[{"id":12,"outcome":"done"},{"id":13,"outcome":"running"}]})")},
          {"GET /pairs", Success(R"({"pairs":[{"name":"r","role":"server"}]})")}});
@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(All, CompletionTest, testing::ValuesIn(kWordCases),
                          [](const auto& c) { return std::string(c.param.name); });
 
 TEST(CompletionTest, IsTheSameForWhoWantsJson) {
-    EXPECT_EQ(Words({"list", "log"}), Offered("", "l", {"CAMVORA_JSON=yes"}));
+    EXPECT_EQ(Offers({"list", "log"}), Offered("", "l", {"CAMVORA_JSON=yes"}));
 }
 
 TEST(CompletionTest, IsSilentWithoutAnAppliance) {
@@ -83,7 +83,7 @@ std::string CompletedByBash(const FakeAppliance& appliance, const std::string& w
 }
 
 TEST(CompletionScriptTest, WorksInBash) {
-    const FakeAppliance appliance({{"List", kList}});
+    const FakeAppliance appliance({{"List", kServicesByState}});
     EXPECT_EQ("cms\nlocal_display\n", CompletedByBash(appliance, "camvoractl start ''"));
     EXPECT_EQ("1\n2\n6\n", CompletedByBash(appliance, "camvoractl call GetInfo service ="));
     EXPECT_EQ("option -o nospace\nlang=\n", CompletedByBash(appliance, "camvoractl call GetAppsStatus l"));

@@ -13,7 +13,7 @@ const std::string kMethodPath = "POST /api/ORVA.Camvora.AddOns/v1/";
 const FakeReply kNoSuchMethod = {
     404, R"({"success":false,"error":{"code":1003,"data":{"text":"no such method"}}})"};
 
-std::vector<std::string> Words(const std::string& line) {
+std::vector<std::string> WordsOf(const std::string& line) {
     std::istringstream stream(line);
     return {std::istream_iterator<std::string>(stream), {}};
 }
@@ -55,12 +55,12 @@ FakeReply InTurn(const std::vector<FakeReply>& replies) {
 }
 
 Program StartClient(const std::string& line, const std::vector<std::string>& environment, int outDescriptor) {
-    return Program(Words(CAMVORACTL " " + line), environment, outDescriptor);
+    return Program(WordsOf(CAMVORACTL " " + line), environment, outDescriptor);
 }
 
 std::vector<std::string> Offered(const std::string& line, const std::string& last,
                                  const std::vector<std::string>& environment) {
-    std::vector<std::string> command = Words(CAMVORACTL " complete-words -- " + line);
+    std::vector<std::string> command = WordsOf(CAMVORACTL " complete-words -- " + line);
     command.push_back(last);
     std::istringstream lines(Program(command, environment).Wait().out);
     std::vector<std::string> words;

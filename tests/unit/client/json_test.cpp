@@ -14,34 +14,35 @@
 
 namespace {
 
-const std::string kInfo =
+const std::string kDescription =
     R"({"service":1,"name":"DP","shortName":"device_pack","status":1,"statusName":"started","blRunning":true,)"
     R"("version":"2.2-1","blHasPackages":true,"blFactoryCopy":true,"blAutoUpdate":true,"pid":8,"since":"T"})";
-const std::string kStopped =
+const std::string kStoppedInfo =
     R"({"service":1,"name":"DP","shortName":"device_pack","status":0,"statusName":"stopped","blRunning":false,)"
     R"("version":""})";
-const std::string kEntry =
+const std::string kLogEntry =
     R"({"id":4,"time":"T","request":"r1","who":"client","event":7,"number":0,"texts":["a","",""]})";
-const std::string kOperation =
+const std::string kDoneOperation =
     R"({"id":12,"request":"r1","who":"client","method":"Update","service":1,"fromVersion":"2.1-9",)"
     R"("toVersion":"2.2-1","outcome":"done","begin":"2026-03-01T12:03:07.123Z","durationMs":5,"code":0,)"
     R"("problem":""})";
-const std::string kPrograms =
+const std::string kProgramRecord =
     R"({"programs":[{"id":1,"time":"T","request":"r1","path":"/bin/mv","arguments":["a"],"exitStatus":1,)"
     R"("durationMs":3,"peakMemoryKiB":1}]})";
-const std::string kReleases =
+const std::string kReleaseRecord =
     R"({"releases":[{"service":1,"version":"2.3-1","date":"2026-11-25","notes":"","size":3,"checked":"T"}]})";
-const std::string kDownloads =
+const std::string kDownloadRecord =
     R"({"downloads":[{"service":1,"version":"2.2-1","status":2,"bytes":1,"size":4,"problem":""}]})";
-const std::string kEvents = "id: 4\nevent: snapshot\ndata: {\"lastNotification\":4,\"services\":[" + kInfo +
-                            "]}\n\nevent: state\ndata: {\"services\":[]}\n\n"
-                            "id: 5\nevent: notification\ndata: "
-                            "{\"id\":5,\"time\":\"T\",\"type\":24,\"texts\":[\"1\",\"1\",\"0\"]}\n\n";
+const std::string kEventStream = "id: 4\nevent: snapshot\ndata: {\"lastNotification\":4,\"services\":[" +
+                                 kDescription +
+                                 "]}\n\nevent: state\ndata: {\"services\":[]}\n\n"
+                                 "id: 5\nevent: notification\ndata: "
+                                 "{\"id\":5,\"time\":\"T\",\"type\":24,\"texts\":[\"1\",\"1\",\"0\"]}\n\n";
 
-FakeReplies Replies() {
+FakeReplies RepliesForAll() {
     return {
-        {"List", Success(R"({"list":[{"service":1,"info":)" + kInfo + "}]}")},
-        {"GetInfo", Success(kInfo)},
+        {"List", Success(R"({"list":[{"service":1,"info":)" + kDescription + "}]}")},
+        {"GetInfo", Success(kDescription)},
         {"GetAppsStatus", Success(R"({"appsStatus":{"a":{"title":"A","path":"a","blEnabled":true}}})")},
         {"Enable", Success("null")},
         {"Disable", Success("null")},
@@ -57,17 +58,17 @@ FakeReplies Replies() {
         {"GetPkgInfo", Success(R"({"version":"2.2-1","maintainer":"Me","filePath":"/w/","errinfo":null})")},
         {"GET /api",
          Success(R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["List","X"]}]})")},
-        {"GET /releases", Success(kReleases)},
-        {"GET /downloads", Success(kDownloads)},
-        {"GET /programs", Success(kPrograms)},
-        {"GET /programs?request=r1", Success(kPrograms)},
+        {"GET /releases", Success(kReleaseRecord)},
+        {"GET /downloads", Success(kDownloadRecord)},
+        {"GET /programs", Success(kProgramRecord)},
+        {"GET /programs?request=r1", Success(kProgramRecord)},
         {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
-        {"GET /operationlog", Success(R"({"entries":[)" + kEntry + "]}")},
+        {"GET /operationlog", Success(R"({"entries":[)" + kLogEntry + "]}")},
         {"GET /operationlog?after=4", Success(R"({"entries":[]})")},
-        {"GET /operationlog?request=r1", Success(R"({"entries":[)" + kEntry + "]}")},
-        {"GET /operations", Success(R"({"operations":[)" + kOperation + "]}")},
-        {"GET /operations?id=12", Success(R"({"operations":[)" + kOperation + "]}")},
-        {"GET /events", InTurn({{200, kEvents, "", false, "text/event-stream"},
+        {"GET /operationlog?request=r1", Success(R"({"entries":[)" + kLogEntry + "]}")},
+        {"GET /operations", Success(R"({"operations":[)" + kDoneOperation + "]}")},
+        {"GET /operations?id=12", Success(R"({"operations":[)" + kDoneOperation + "]}")},
+        {"GET /events", InTurn({{200, kEventStream, "", false, "text/event-stream"},
                                 {200, ": here\n\n", "", true, "text/event-stream"}})},
         {"GET /pairs", Success(R"({"pairs":[{"name":"r","role":"server","address":"http://r:1"}]})")},
         {"POST /pairs", Success("null")},
@@ -90,7 +91,7 @@ const JsonCase kJsonCases[] = {
     {"list", "list"},
     {"status", "status 1"},
     {"start", "start device_pack"},
-    {"stop", "stop 1", {{"GetInfo", Success(kStopped)}}},
+    {"stop", "stop 1", {{"GetInfo", Success(kStoppedInfo)}}},
     {"restart", "restart 1 --no-wait"},
     {"apps", "apps"},
     {"updates", "updates"},
@@ -151,7 +152,7 @@ protected:
     }
 
     std::string Output() const {
-        FakeReplies replies = Replies();
+        FakeReplies replies = RepliesForAll();
         for (const auto& [request, reply] : GetParam().replies) {
             replies[request] = reply;
         }

@@ -5,23 +5,23 @@
 
 namespace {
 
-std::string Operation(const std::string& outcome, const std::string& problem = "") {
+std::string OperationThat(const std::string& outcome, const std::string& problem = "") {
     return R"({"id":12,"request":"336f563be6a9a2bd","who":"client","method":"Update","service":1,)"
            R"("fromVersion":"2.1-9","toVersion":"2.2-1","begin":"2026-03-01T12:03:07.900Z","durationMs":75400,)"
            R"("code":0,"outcome":")" +
            outcome + R"(","problem":")" + problem + "\"}";
 }
 
-FakeReply Operations(const std::string& operations) {
+FakeReply OperationList(const std::string& operations) {
     return Success(R"({"operations":[)" + operations + "]}");
 }
 
-FakeReplies Replies(const FakeReply& one) {
+FakeReplies RepliesWith(const FakeReply& one) {
     return {
         {"List", Success(R"({"list":[{"service":1,"info":{"shortName":"device_pack"}}]})")},
-        {"GET /operations", Operations(Operation("failed", "no \\u001b"))},
+        {"GET /operations", OperationList(OperationThat("failed", "no \\u001b"))},
         {"GET /operations?id=12", one},
-        {"GET /operations?id=13", Operations("")},
+        {"GET /operations?id=13", OperationList("")},
         {"GET /log?request=336f563be6a9a2bd",
          Success(
              R"({"lines":[{"time":"2026-03-01T12:03:09.000Z","source":"a","line":1,"function":"F","text":"t"}]})")},
@@ -42,16 +42,16 @@ struct OperationCase {
     std::string err;
 };
 
-const std::string kWaiting = "Waiting for the end of Update device_pack\n";
-const std::string kReason =
+const std::string kWaitsForEnd = "Waiting for the end of Update device_pack\n";
+const std::string kRequestLog =
     "The request was 336f563be6a9a2bd\nThe appliance logged:\n2026-03-01T12:03:09.000Z  a:1  F  t\n";
 
 const OperationCase kOperationCases[] = {
-    {"all", "operations", Operations(""), 0,
+    {"all", "operations", OperationList(""), 0,
      "ID  Begin           By      What                Version         Outcome          Duration\n"
      "12  03-01 12:03:07  client  Update device_pack  2.1-9 -> 2.2-1  failed: no \\x1B  1 min 15 s\n",
      ""},
-    {"one", "operations 12", Operations(Operation("done")), 0,
+    {"one", "operations 12", OperationList(OperationThat("done")), 0,
      "Operation  12\n"
      "Request    336f563be6a9a2bd\n"
      "What       Update device_pack\n"
@@ -68,28 +68,29 @@ const OperationCase kOperationCases[] = {
      "12:03:10.000  entry    DP: by hand\n"
      "12:04:23.300  end      done after 1 min 15 s\n",
      ""},
-    {"unknown_number", "operations 13", Operations(""), 3, "",
+    {"unknown_number", "operations 13", OperationList(""), 3, "",
      "camvoractl: There is no operation 13, or it is too old. \"camvoractl operations\" shows the newest\n"},
-    {"unknown_request", "wait 0123456789012345", Operations(""), 3, "",
+    {"unknown_request", "wait 0123456789012345", OperationList(""), 3, "",
      "camvoractl: There is no operation 0123456789012345, or it is too old. \"camvoractl operations\" shows "
      "the "
      "newest\n"},
-    {"wait", "wait 12", InTurn({Operations(Operation("running")), Operations(Operation("done"))}), 0,
-     "Update device_pack is done, after 1 min 15 s\n", kWaiting},
-    {"wait_for_a_failure", "wait 336f563be6a9a2bd", Operations(""), 1, "",
-     kWaiting + "camvoractl: Update device_pack failed: no \\x1B\n" + kReason},
-    {"wait_for_one_that_nobody_saw_end", "wait 12", Operations(Operation("lost")), 9, "",
-     kWaiting +
+    {"wait", "wait 12",
+     InTurn({OperationList(OperationThat("running")), OperationList(OperationThat("done"))}), 0,
+     "Update device_pack is done, after 1 min 15 s\n", kWaitsForEnd},
+    {"wait_for_a_failure", "wait 336f563be6a9a2bd", OperationList(""), 1, "",
+     kWaitsForEnd + "camvoractl: Update device_pack failed: no \\x1B\n" + kRequestLog},
+    {"wait_for_one_that_nobody_saw_end", "wait 12", OperationList(OperationThat("lost")), 9, "",
+     kWaitsForEnd +
          "camvoractl: Nobody saw the end of Update device_pack: the appliance's HTTP process ended before\n" +
-         kReason},
-    {"wait_too_long", "wait 12 --timeout 1", Operations(Operation("running")), 8, "",
-     kWaiting + "camvoractl: After 1 s, Update device_pack is still under way\n"},
+         kRequestLog},
+    {"wait_too_long", "wait 12 --timeout 1", OperationList(OperationThat("running")), 8, "",
+     kWaitsForEnd + "camvoractl: After 1 s, Update device_pack is still under way\n"},
 };
 
 class OperationsTest : public testing::TestWithParam<OperationCase> {};
 
 TEST_P(OperationsTest, SaysWhatWasDone) {
-    const FakeAppliance appliance(Replies(GetParam().one));
+    const FakeAppliance appliance(RepliesWith(GetParam().one));
     const Outcome outcome = appliance.Run(GetParam().line);
     EXPECT_EQ(GetParam().status, outcome.status);
     EXPECT_EQ(GetParam().out, outcome.out);

@@ -5,7 +5,7 @@
 
 namespace {
 
-const std::string kFile = "camvora/camvoractl.conf";
+const std::string kSettingsFile = "camvora/camvoractl.conf";
 
 struct SettingCase {
     const char* name;
@@ -85,14 +85,14 @@ class SettingsTest : public testing::TestWithParam<SettingCase> {};
 
 TEST_P(SettingsTest, CountAsTheyRank) {
     const TemporaryFolder folder;
-    folder.Write(kFile, GetParam().file);
+    folder.Write(kSettingsFile, GetParam().file);
     std::vector<std::string> environment = GetParam().environment;
     environment.push_back("XDG_CONFIG_HOME=" + folder.Path());
     const Outcome outcome = StartClient(GetParam().line, environment).Wait();
     EXPECT_EQ(GetParam().status, outcome.status);
     std::string shown = GetParam().shown;
     if (const std::size_t place = shown.find('@'); place != std::string::npos) {
-        shown.replace(place, 1, folder.PathOf(kFile));
+        shown.replace(place, 1, folder.PathOf(kSettingsFile));
     }
     EXPECT_NE(std::string::npos, (outcome.out + outcome.err).find(shown)) << outcome.out << outcome.err;
 }
@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(All, SettingsTest, testing::ValuesIn(kSettingCases),
 
 TEST(SettingsFileTest, LiesBelowTheHomeFolder) {
     const TemporaryFolder home;
-    home.Write(".config/" + kFile, "server=r\n");
+    home.Write(".config/" + kSettingsFile, "server=r\n");
     EXPECT_NE(std::string::npos,
               StartClient("settings", {"HOME=" + home.Path()}).Wait().out.find("server      r "));
 }
