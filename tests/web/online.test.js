@@ -12,7 +12,7 @@ let feed;
 after(() => feed.end());
 
 test("releases that cannot be asked for are told, and what to look at", async () => {
-  await its.user.button("Look for a release: Device Pack").click();
+  await its.user.button("Check for update: Device Pack").click();
   await its.user.sees(/The releases could not be asked for/, its.user.card("Device Pack"));
   feed = await Feed.start(its.appliance, ["device_pack-2.3.0-0152", "local_display-1.4.6-0058"]);
   await its.user.button("Look for new releases").click();

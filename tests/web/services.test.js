@@ -114,7 +114,7 @@ test("a package that is stopped is told, until it is started", async () => {
 
 test("the automatic update is switched, and every action is there as a line of the client", async () => {
   const card = its.user.card("Device Pack");
-  const auto = card.getByRole("switch", { name: "Automatic update Device Pack" });
+  const auto = card.getByRole("switch", { name: "Auto-update Device Pack" });
   await auto.click();
   await eventually(async () => (await auto.getAttribute("aria-checked")) === "true", "it is on");
   assert.equal((await its.appliance.info(1)).blAutoUpdate, true);
