@@ -104,11 +104,15 @@ function showRow(row, { kind, id, name, time: when, who, words, outcome }) {
     make("time", { datetime: when }, time(when)),
     make("span", { class: "kind", text: `activity.one.${kind}` }),
     make("span", { class: "service" }, foreign(name)),
-    make(kind === "operation" ? "button" : "span", {
-      class: "words",
-      ...(kind === "operation" && { type: "button", onclick: async () => (await import("./operationview.js")).openOperation(id) }),
-    }, foreign(words)),
+    kind === "operation"
+      ? make("button", { type: "button", class: "words", onclick: () => void open(id) }, foreign(words))
+      : make("span", { class: "words" }, foreign(words)),
     make("span", { class: "who" }, who && text(`who.${who}`)),
     make("span", { class: "outcome" }, outcome && text(`outcome.${outcome}`)),
   ]);
+}
+
+async function open(id) {
+  const { openOperation } = await import("./operationview.js"); // loaded when it is wanted for the first time
+  openOperation(id);
 }

@@ -25,11 +25,13 @@ export class Card {
   #buttons = new Map(["restart", ...kPackageActions].map((action) =>
     [action, button(`action.${action}`, () => this.#act(action))]));
   #commands = new CommandList();
-  #packages = make("div", { class: "buttons quiet-buttons" }, ...kPackageActions.map((action) => this.#buttons.get(action)));
+  #packages = make("div", { class: "buttons quiet-buttons" },
+    ...kPackageActions.map((action) => this.#buttons.get(action)));
   element = make("article", { class: "card", tabindex: "-1" }, this.#bar,
     make("header", {}, this.#name, this.#state), make("div", { class: "facts-line" }, this.#line, this.#autoField),
     this.#failure.element, this.#release.element,
-    make("div", { class: "buttons" }, this.#power, this.#buttons.get("restart"), this.#commands.element), this.#packages);
+    make("div", { class: "buttons" }, this.#power, this.#buttons.get("restart"), this.#commands.element),
+    this.#packages);
 
   constructor(service) {
     this.#name.id = `name-${service}`;
@@ -70,7 +72,8 @@ export class Card {
 
   #showLine({ info, work }) {
     setShown(this.#bar, work);
-    redraw(this.#line, [work?.method, work?.who, info.version, info.since], () => (work ? workLine(work) : factsLine(info)));
+    redraw(this.#line, [work?.method, work?.who, info.version, info.since],
+      () => (work ? workLine(work) : factsLine(info)));
   }
 
   #showButton(element, action, isUsable) {
@@ -99,7 +102,8 @@ export class Card {
 
 function workLine(work) {
   const values = { who: text(`who.${work.who}`), time: time(work.begin) };
-  return [make("strong", { text: `work.${work.method}` }), ...(work.who ? [make("span", { text: ["work.by", values] })] : [])];
+  return [make("strong", { text: `work.${work.method}` }),
+    ...(work.who ? [make("span", { text: ["work.by", values] })] : [])];
 }
 
 function factsLine({ blHasPackages, version, since }) {

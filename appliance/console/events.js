@@ -58,7 +58,8 @@ export class EventStream {
     const { signal } = this.#abort;
     const watch = watchForSilence(() => this.drop());
     try {
-      const response = await fetch("/events", { headers: this.#lastId ? { "Last-Event-ID": this.#lastId } : {}, signal });
+      const headers = this.#lastId ? { "Last-Event-ID": this.#lastId } : {};
+      const response = await fetch("/events", { headers, signal });
       if (!response.ok) {
         readReply(await response.json());
       }

@@ -20,10 +20,11 @@ export class FailureStrip {
 
 function wordsOf({ method, outcome, text: reason, who, begin, request }, service) {
   const what = outcome === "lost" ? ["failed.lost", { what: text(`operation.${method}`) }] : `failed.${method}`;
+  const at = { time: time(begin), who: text(`who.${who}`) };
   return [
     make("p", { class: "strip-title", text: what }),
     ...(reason ? [make("p", {}, foreign(reason))] : []),
-    ...(who ? [make("p", { class: "quiet", text: ["failed.at", { time: time(begin), who: text(`who.${who}`) }] })] : []),
+    ...(who ? [make("p", { class: "quiet", text: ["failed.at", at] })] : []),
     ...(request ? [logLines(request), button("failed.dismiss", () => dismiss(service), { class: "small" })] : []),
   ];
 }

@@ -55,7 +55,9 @@ export function happenings() {
 function described(kind, one, describe) {
   if (!known.has(one)) {
     const { words, ...others } = describe(one);
-    known.set(one, { who: "", outcome: "", ...others, words: words.slice(0, kWordsLimit), kind, id: one.id, key: `${kind}-${one.id}` });
+    const { id } = one;
+    const key = `${kind}-${id}`;
+    known.set(one, { who: "", outcome: "", ...others, words: words.slice(0, kWordsLimit), kind, id, key });
   }
   return known.get(one);
 }

@@ -4,7 +4,6 @@ import { announce, button, make, setAttribute, setShown, setText } from "./dom.j
 import { store } from "./store.js";
 import { fill, language, languages, setLanguage, text } from "./texts.js";
 
-const kTroubles = ["lost", "refused"];
 
 const byId = (id) => document.getElementById(id);
 
@@ -43,21 +42,33 @@ export function showHeader(isSignedIn, recorders) {
 export class Banner {
   #title = make("p", { class: "strip-title" });
   #words = make("p");
+  #retry;
   #trouble = make("div", { class: "banner trouble" }, make("div", {}, this.#title, this.#words));
   #recorder = make("p", { class: "banner" });
   element = make("div", {}, this.#trouble, this.#recorder);
 
   constructor(onRetry) {
-    this.#trouble.append(button("lost.retry", onRetry));
+    this.#retry = button("lost.retry", onRetry);
+    this.#trouble.append(this.#retry);
   }
 
   show() {
     const { connection, recorder } = store;
-    const key = kTroubles.includes(connection) ? connection : "lost";
-    setShown(this.#trouble, key === connection);
-    fill(this.#title, `${key}.title`);
-    fill(this.#words, `${key}.words`, { name: recorder });
+    const trouble = troubleOf(store);
+    setShown(this.#trouble, trouble !== "");
+    setShown(this.#retry, trouble === connection);
+    if (trouble !== "") {
+      fill(this.#title, `${trouble}.title`);
+      fill(this.#words, `${trouble}.words`, { name: recorder });
+    }
     setShown(this.#recorder, recorder !== "");
     fill(this.#recorder, "recorder.note", { name: recorder });
   }
+}
+
+function troubleOf({ connection, recorder, appliance }) {
+  if (connection === "lost" || connection === "refused") {
+    return connection;
+  }
+  return recorder === "" && appliance.blStarted === false ? "halted" : "";
 }

@@ -95,8 +95,9 @@ class Installation {
   #showPlan(pack) {
     const isOlder = isDowngrade(this.#info, pack.version);
     const install = () => void order(this.#info.service, "Update", { filePath: pack.filePath });
-    this.#dialog.show(planFor(this.#info, { ...pack, file: this.#file.name }), this.#dialog.closer("dialog.cancel"),
-      isOlder ? this.#dialog.doer("install.confirmOlder", install, "danger") : this.#dialog.doer("install.confirm", install));
+    const [key, style] = isOlder ? ["install.confirmOlder", "danger"] : ["install.confirm", "primary"];
+    this.#dialog.show(planFor(this.#info, { ...pack, file: this.#file.name }),
+      this.#dialog.closer("dialog.cancel"), this.#dialog.doer(key, install, style));
   }
 
   #showFailure(error) {

@@ -5,12 +5,12 @@ import { changed, setConnection, store, take } from "./store.js";
 
 const kKept = 300; // of notifications, and of entries of the operation log
 const kLookMs = 3000; // what is over at once may never be in the stream
-const kLogPauseMs = 1000;
+const kRestPauseMs = 1000;
 const kSettleMs = 4000;
 const kSettleStepMs = 150;
 
 let stream;
-let logTimer;
+let restTimer;
 let lookTimer;
 
 // `onRefused` is called when nobody is signed in any more.
@@ -58,7 +58,7 @@ function takeEvent(name, data) {
   if (name === "snapshot") {
     void catchUp();
   }
-  logTimer ??= setTimeout(readLog, kLogPauseMs);
+  restTimer ??= setTimeout(readRest, kRestPauseMs);
 }
 
 // Only with what has happened before the stream began the appliance is shown as it is.
@@ -71,17 +71,19 @@ async function catchUp() {
   }
 }
 
-async function readLog() {
+// What the stream does not tell.
+async function readRest() {
   try {
+    store.appliance = await page("/appliance");
     const last = store.entries.at(-1)?.id ?? 0;
     const { entries } = await page(last === 0 ? "/operationlog" : `/operationlog?after=${last}`);
     const news = entries.filter((entry) => entry.id > last);
     if (news.length > 0) {
       store.entries = [...store.entries, ...news].slice(-kKept);
-      changed();
     }
+    changed();
   } catch {
     // the next event, or the next connection, brings another attempt
   }
-  logTimer = undefined;
+  restTimer = undefined;
 }

@@ -35,7 +35,8 @@ export function openOperation(id) {
 
 async function showCourse(list, request) {
   const steps = await readTimeline(request);
-  list.replaceChildren(...(steps.length > 0 ? steps.map(stepOf) : [make("li", { class: "quiet", text: "timeline.none" })]));
+  const nothing = make("li", { class: "quiet", text: "timeline.none" });
+  list.replaceChildren(...(steps.length > 0 ? steps.map(stepOf) : [nothing]));
 }
 
 function factsOf(operation) {

@@ -24,7 +24,8 @@ export function hasText(key) {
 
 // The sentence of `key` as plain text.
 export function text(key, values) {
-  return pieces(key, values).map(({ words, isValue }) => (isValue ? kIsolate[0] + words + kIsolate[1] : words)).join("");
+  const isolated = ({ words, isValue }) => (isValue ? kIsolate[0] + words + kIsolate[1] : words);
+  return pieces(key, values).map(isolated).join("");
 }
 
 // Shows the sentence of `key` in `element`.

@@ -62,12 +62,13 @@ test("damaged, misnamed and too large files are refused, and another can be chos
   await its.user.sees("To install", its.user.dialog);
 });
 
-test("the file's name chooses the service before the place where it was dropped; without either it is said", async () => {
+test("a file's name chooses the service before the place where it is dropped; neither is told", async () => {
   await its.user.drop(its.user.card("Device Pack"), [sample("local_display-1.6.0-0071")]);
   await its.user.sees(/Install a package: .*Local Display/, its.user.dialog);
   await its.user.sees("To install", its.user.dialog);
   await its.user.button("Cancel", its.user.dialog).click();
-  await its.user.drop(its.user.page.getByRole("heading", { name: "Activity" }), [{ ...sample("local_display-1.6.0-0071"), name: "new.spk" }]);
+  const elsewhere = its.user.page.getByRole("heading", { name: "Activity" });
+  await its.user.drop(elsewhere, [{ ...sample("local_display-1.6.0-0071"), name: "new.spk" }]);
   await its.user.sees(/does not say for which service/, its.user.dialog);
 });
 
@@ -98,7 +99,8 @@ test("an installation of the Device Pack says that all stops, and its course can
   await its.user.sees("2.2.1-0141", its.user.card("Device Pack"));
   await its.user.page.getByRole("button", { name: /Installation .*2\.1\.0-0130.* → .*2\.2\.1-0141/ }).click();
   await its.user.sees("done", its.user.dialog);
-  await its.user.sees(/ended with status .*3/, its.user.dialog.getByRole("listitem").filter({ hasText: "script/postinst" }));
+  const script = its.user.dialog.getByRole("listitem").filter({ hasText: "script/postinst" });
+  await its.user.sees(/ended with status .*3/, script);
 });
 
 test("an upload shows how far it is, and can be cancelled; one that is cut can be sent again", async () => {

@@ -8,7 +8,7 @@ import { eventually } from "./support/eventually.js";
 import { Feed } from "./support/feed.js";
 
 const [folder] = process.argv.slice(2);
-const kWide = { viewport: { width: 1240, height: 780 } };
+const kWide = { viewport: { width: 1280, height: 780 } };
 const kNarrow = { viewport: { width: 380, height: 820 } };
 
 // An ordinary evening: some services run, a start has failed, there is a newer release.

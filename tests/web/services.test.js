@@ -1,5 +1,6 @@
 // The services' cards: what is asked for in the console, and what happens elsewhere.
 import assert from "node:assert/strict";
+import { rmSync, writeFileSync } from "node:fs";
 import { beforeEach, test } from "node:test";
 
 import { Console } from "./support/browser.js";
@@ -44,7 +45,7 @@ test("a button does not turn before the state is there, nor does a second click 
   assert.equal(operations.at(-1).who, "console");
 });
 
-test("a start that fails is told in words, with what was logged, until it is put away or a start succeeds", async () => {
+test("a start that fails is told, with what was logged, until it is put away or a start succeeds", async () => {
   const { mend } = its.appliance.breakActions("service5");
   const card = its.user.card("Service 5");
   await its.user.button("Start: Service 5").click();
@@ -75,7 +76,7 @@ test("a process that dies is told", async () => {
   await its.user.showsState("Local Display", "Running");
 });
 
-test("two windows and the client show the same, and nothing can be ordered in one while the other's order runs", async () => {
+test("what is done in another window, or by the client, is shown in all", async () => {
   const other = await Console.beside(its.user, its.appliance.url);
   await other.isLive();
   await its.user.button("Start: Central Management").click();
@@ -101,9 +102,19 @@ test("an operation of somebody else, seen after a reload too, is in progress unt
   await its.user.becomesUsable(its.user.button("Install from file …: Device Pack"));
 });
 
+test("a package that is stopped is told, until it is started", async () => {
+  const mark = its.appliance.pathOf("@CVData/run/started");
+  rmSync(mark);
+  await its.appliance.call("Enable", { service: 4 });
+  await its.user.sees("Camvora is stopped");
+  writeFileSync(mark, "");
+  await its.appliance.call("Disable", { service: 4 });
+  await eventually(async () => !(await its.user.page.getByText("Camvora is stopped").isVisible()), "it is started");
+});
+
 test("the automatic update is switched, and every action is there as a line of the client", async () => {
   const card = its.user.card("Device Pack");
-  const auto = card.getByRole("switch", { name: "Automatic update Device Pack" });
+  const auto = card.getByRole("switch", { name: "Auto-update Device Pack" });
   await auto.click();
   await eventually(async () => (await auto.getAttribute("aria-checked")) === "true", "it is on");
   assert.equal((await its.appliance.info(1)).blAutoUpdate, true);

@@ -27,8 +27,9 @@ export class Feed {
     await appliance.client("feed", "build", feed.#folder, "--key", key);
     await new Promise((resolve) => feed.#server.listen(0, "127.0.0.1", resolve));
     copyFileSync(`${key}.pub`, appliance.pathOf("etc/feed.pem"));
-    writeFileSync(appliance.pathOf("etc/releases.conf"),
-      `feed_url="http://127.0.0.1:${feed.#server.address().port}"\nfeed_key="/var/packages/Camvora/target/etc/feed.pem"\n`);
+    const url = `http://127.0.0.1:${feed.#server.address().port}`;
+    const settings = `feed_url="${url}"\nfeed_key="/var/packages/Camvora/target/etc/feed.pem"\n`;
+    writeFileSync(appliance.pathOf("etc/releases.conf"), settings);
     return feed;
   }
 
