@@ -22,6 +22,8 @@ export function start(onRefused) {
 export function stop() {
   stream.stop();
   clearInterval(lookTimer);
+  clearTimeout(restTimer);
+  restTimer = undefined;
 }
 
 export function retryNow() {

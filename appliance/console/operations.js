@@ -12,13 +12,17 @@ export class Operations {
   #streamed = []; // those that the stream last named as running
   #onChange;
   #timer;
+  #era = 0; // grows when all is forgotten
 
   constructor(onChange) {
     this.#onChange = onChange;
   }
 
+  // Forgets all of them, and what is still being asked for.
   clear() {
     this.#all = [];
+    this.#streamed = [];
+    ++this.#era;
   }
 
   all() {
@@ -45,7 +49,11 @@ export class Operations {
 
   // Reads all of them, or only the one with that id. Returns whether there was any.
   async read(id) {
+    const era = this.#era;
     const { operations } = await page(id === undefined ? "/operations" : `/operations?id=${id}`);
+    if (era !== this.#era) {
+      return false;
+    }
     this.#keep(operations);
     return operations.length > 0;
   }
@@ -72,14 +80,18 @@ export class Operations {
 
   // Reads what is not known yet: begins, and ends.
   look(pauseMs) {
+    const era = this.#era;
     this.#timer ??= setTimeout(async () => {
+      this.#timer = undefined;
+      if (era !== this.#era) {
+        return;
+      }
       try {
         await this.catchUp();
         await Promise.all(this.#unseen().map((operation) => this.read(operation.id)));
       } catch {
         // the next event, or the next connection, brings another look
       }
-      this.#timer = undefined;
       this.#lookIfUnseen();
     }, pauseMs);
   }

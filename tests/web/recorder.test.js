@@ -14,6 +14,8 @@ let recorder;
 async function prepare({ appliance, user }) {
   recorder = await Appliance.start();
   await appliance.pairWith(recorder, kRecorder);
+  appliance.breakActions("service4");
+  await appliance.call("Enable", { service: 4 });
   await user.page.reload();
   await user.sees("CMS host");
   await user.page.getByLabel("Shown").selectOption(kRecorder);
@@ -24,6 +26,7 @@ after(() => recorder?.end());
 
 test("its services start and stop, and what is not passed on is said", async () => {
   await its.user.sees("The recorder keeps its own activity");
+  assert.equal(await its.user.card("Service 4").getByText("The start failed").isVisible(), false);
   await its.user.button("Start: Service 3").click();
   await its.user.showsState("Service 3", "Running");
   assert.equal((await recorder.info(3)).blRunning, true);
@@ -51,4 +54,5 @@ test("one that refuses the host, or is away, holds back its own view only", asyn
   await its.user.isLive();
   await its.user.becomesUsable(its.user.button("Start: Service 4"));
   await its.user.sees("1.5.2-0064", its.user.card("Local Display"));
+  await its.user.sees("The start failed", its.user.card("Service 4"));
 });
