@@ -4,24 +4,20 @@ import { EventStream } from "./events.js";
 import { changed, setConnection, store, take } from "./store.js";
 
 const kKept = 300; // of notifications, and of entries of the operation log
-const kLookMs = 3000; // what is over at once may never be in the stream
 const kRestPauseMs = 1000;
 const kSettleMs = 4000;
 const kSettleStepMs = 150;
 
 let stream;
 let restTimer;
-let lookTimer;
 
 // `onRefused` is called when nobody is signed in any more.
 export function start(onRefused) {
   stream = new EventStream({ onEvent: takeEvent, onLost: () => setConnection("lost"), onRefused });
-  lookTimer = setInterval(() => store.operations.look(0), kLookMs);
 }
 
 export function stop() {
   stream.stop();
-  clearInterval(lookTimer);
   clearTimeout(restTimer);
   restTimer = undefined;
 }
@@ -55,7 +51,7 @@ function takeEvent(name, data) {
     changed();
   } else {
     take(data);
-    store.operations.see(data.operations);
+    store.operations.see(data.operations, data.lastOperation);
   }
   if (name === "snapshot") {
     void catchUp();
@@ -66,7 +62,7 @@ function takeEvent(name, data) {
 // Only with what has happened before the stream began the appliance is shown as it is.
 async function catchUp() {
   try {
-    await store.operations.read();
+    await store.operations.catchUp();
     setConnection("live");
   } catch {
     stream.drop();

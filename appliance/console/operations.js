@@ -10,6 +10,7 @@ const isRunning = (operation) => operation.outcome === "running";
 export class Operations {
   #all = []; // by their ids
   #streamed = []; // those that the stream last named as running
+  #readTo = 0; // the newest of those that were read as a list
   #onChange;
   #timer;
   #era = 0; // grows when all is forgotten
@@ -22,6 +23,7 @@ export class Operations {
   clear() {
     this.#all = [];
     this.#streamed = [];
+    this.#readTo = 0;
     ++this.#era;
   }
 
@@ -47,35 +49,36 @@ export class Operations {
       operation.service === service && !isRunning(operation) && kChanging.includes(operation.method));
   }
 
-  // Reads all of them, or only the one with that id. Returns whether there was any.
+  // Reads the one with that id.
   async read(id) {
-    const era = this.#era;
-    const { operations } = await page(id === undefined ? "/operations" : `/operations?id=${id}`);
-    if (era !== this.#era) {
-      return false;
-    }
-    this.#keep(operations);
-    return operations.length > 0;
+    await this.#fetch(`?id=${id}`);
   }
 
-  // `running`: those that run, as the stream has it. The ends of others that did are asked for.
-  see(running) {
+  // `running` and `lastId`: those that run, and the newest, as the stream has it. The ends of others that did run,
+  // and those that were over at once, are asked for.
+  see(running, lastId) {
     const before = String(this.#streamed);
     this.#streamed = running.map((operation) => operation.id);
     this.#keep(running);
-    if (String(this.#streamed) !== before) {
+    if (lastId > this.#readTo || String(this.#streamed) !== before) {
       this.look(0);
     }
   }
 
-  // Reads those that have begun since.
+  // Reads those that have begun since the last time.
   async catchUp() {
-    const last = this.#all.at(-1);
-    if (last === undefined) {
-      await this.read();
-    } else if (await this.read(last.id + 1)) {
-      await this.catchUp();
+    const news = await this.#fetch(this.#readTo === 0 ? "" : `?after=${this.#readTo}`);
+    this.#readTo = news.at(-1)?.id ?? this.#readTo;
+  }
+
+  async #fetch(query) {
+    const era = this.#era;
+    const { operations } = await page(`/operations${query}`);
+    if (era !== this.#era) {
+      return [];
     }
+    this.#keep(operations);
+    return operations;
   }
 
   // Reads what is not known yet: begins, and ends.

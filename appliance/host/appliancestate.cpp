@@ -4,6 +4,7 @@
 #include "host/operations.h"
 #include "host/releases.h"
 
+#include "libcamvora/operations.h"
 #include "platform/cms.h"
 #include "platform/plibc.h"
 #include "platform/services.h"
@@ -46,6 +47,7 @@ Json::Value ApplianceState() {
     state["downloads"] = Downloads();
     state["releases"] = Releases();
     state["operations"] = RunningOperations();
+    state["lastOperation"] = Json::Int64{camvora::LastOperationId()};
     return state;
 }
 

@@ -17,6 +17,11 @@ namespace {
 constexpr int kLimit = 1000;
 constexpr char kDuration[] = "durationMs";
 
+// Parameters of the page.
+constexpr char kId[] = "id";
+constexpr char kAfter[] = "after";
+constexpr char kRequest[] = "request";
+
 struct OperationKind {
     const char* method;
     bool isDetached;
@@ -50,9 +55,21 @@ Json::Value ToJson(const camvora::Operation& operation) {
     return entry;
 }
 
-std::vector<camvora::Operation> OneOperation(long long id) {
-    const std::optional<camvora::Operation> found = camvora::FindOperation(id);
+template <class Key>
+std::vector<camvora::Operation> OneOperation(const Key& key) {
+    const std::optional<camvora::Operation> found = camvora::FindOperation(key);
     return found ? std::vector<camvora::Operation>{*found} : std::vector<camvora::Operation>{};
+}
+
+// `number` is the value of "id" or "after", if one of them is there.
+std::vector<camvora::Operation> Wanted(const httplib::Request& request, std::optional<long long> number) {
+    if (request.has_param(kRequest)) {
+        return OneOperation(request.get_param_value(kRequest));
+    }
+    if (request.has_param(kId)) {
+        return OneOperation(*number);
+    }
+    return camvora::OperationsAfter(number.value_or(camvora::LastOperationId() - kLimit), kLimit);
 }
 
 }  // namespace
@@ -75,13 +92,15 @@ Json::Value RunningOperations() {
 }
 
 Reply ReplyWithOperations(const httplib::Request& request) {
-    const std::optional<long long> id = ParseDecimal(request.get_param_value("id"));
-    if (request.has_param("id") && !id) {
-        return ReplyFor(FrameworkError::kBadRequest, "the parameter \"id\" is not a number");
+    const std::optional<long long> number =
+        ParseDecimal(request.get_param_value(request.has_param(kId) ? kId : kAfter));
+    const bool needsNumber = request.has_param(kId) || request.has_param(kAfter);
+    if (needsNumber && !number) {
+        return ReplyFor(FrameworkError::kBadRequest, "the parameter \"id\" or \"after\" is not a number");
     }
     Json::Value data(Json::objectValue);
     data["operations"] = Json::Value(Json::arrayValue);
-    for (const camvora::Operation& operation : id ? OneOperation(*id) : camvora::NewestOperations(kLimit)) {
+    for (const camvora::Operation& operation : Wanted(request, number)) {
         data["operations"].append(ToJson(operation));
     }
     return SuccessReply(data);

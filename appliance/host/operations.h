@@ -19,8 +19,9 @@ bool IsDetached(const std::string& method);
 // thread may call. Throws std::exception when the store cannot be read.
 Json::Value RunningOperations();
 
-// Answers with the newest thousand operations, in the order of their begins; "id" asks for one alone. Any
-// thread may call. Throws std::exception when the store cannot be read.
+// Answers with operations in the order of their begins, at most a thousand. Without parameters these are the
+// newest; "after" asks for those that follow an id, "id" and "request" for one alone. Any thread may call.
+// Throws std::exception when the store cannot be read.
 Reply ReplyWithOperations(const httplib::Request& request);
 
 }  // namespace host

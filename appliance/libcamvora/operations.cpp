@@ -125,8 +125,16 @@ void LoseRunningOperations() {
     });
 }
 
-std::vector<Operation> NewestOperations(int limit) {
-    return Select("id > (SELECT coalesce(max(id), 0) FROM operations) - ?2 ORDER BY id", std::int64_t{limit});
+long long LastOperationId() {
+    long long id = 0;
+    TheStore().Query([&id](SQLite::Database& database) {
+        id = database.execAndGet("SELECT coalesce(max(id), 0) FROM operations").getInt64();
+    });
+    return id;
+}
+
+std::vector<Operation> OperationsAfter(long long id, int limit) {
+    return Select("id > ?2 ORDER BY id LIMIT ?3", std::int64_t{id}, limit);
 }
 
 std::vector<Operation> RunningOperations() {

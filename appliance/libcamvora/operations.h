@@ -51,9 +51,12 @@ void CancelDownloadsSince(const std::string& time, int service);
 // Records that all running operations have ended unseen. Called when the host starts.
 void LoseRunningOperations();
 
-// Which ones. Throws std::exception when the store cannot be read, as do the next two.
-//   limit  the newest ones at most, in the order of their begins
-std::vector<Operation> NewestOperations(int limit);
+// The id of the newest operation, 0 when there is none yet. Throws std::exception when the store cannot be
+// read, as do the next four.
+long long LastOperationId();
+
+// At most `limit` of those with ids above `id`, in the order of their begins.
+std::vector<Operation> OperationsAfter(long long id, int limit);
 std::vector<Operation> RunningOperations();
 std::optional<Operation> FindOperation(long long id);
 std::optional<Operation> FindOperation(const std::string& requestId);
