@@ -8,7 +8,7 @@ const kLongestPauseMs = 15_000;
 export class EventStream {
   #handlers;
   #isWanted = true;
-  #lastId = "";
+  #lastId = "0"; // what is still kept of the notifications comes first
   #pauseMs = kFirstPauseMs;
   #abort;
   #wake = () => {};
@@ -58,7 +58,7 @@ export class EventStream {
     const { signal } = this.#abort;
     const watch = watchForSilence(() => this.drop());
     try {
-      const headers = this.#lastId ? { "Last-Event-ID": this.#lastId } : {};
+      const headers = { "Last-Event-ID": this.#lastId };
       const response = await fetch("/events", { headers, signal });
       if (!response.ok) {
         readReply(await response.json());
