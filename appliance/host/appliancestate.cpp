@@ -13,10 +13,14 @@
 #include <unistd.h>
 
 #include <array>
+#include <utility>
 
 namespace host {
 
 namespace {
+
+// A service and the operation on it are to be of one moment, or an operation looks as if it had been cut.
+constexpr int kAttempts = 3;
 
 constexpr char kPackageFile[] = "/var/packages/Camvora/INFO";
 
@@ -43,10 +47,17 @@ Json::Value Services() {
 
 Json::Value ApplianceState() {
     Json::Value state(Json::objectValue);
-    state["services"] = Services();
+    state["operations"] = RunningOperations();
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        state["services"] = Services();
+        Json::Value operations = RunningOperations();
+        if (operations == state["operations"]) {
+            break;
+        }
+        state["operations"] = std::move(operations);
+    }
     state["downloads"] = Downloads();
     state["releases"] = Releases();
-    state["operations"] = RunningOperations();
     state["lastOperation"] = Json::Int64{camvora::LastOperationId()};
     return state;
 }

@@ -2,6 +2,7 @@
 
 #include "host/cookies.h"
 #include "host/decimal.h"
+#include "host/requestids.h"
 
 #include "libcamvora/hextext.h"
 
@@ -25,27 +26,41 @@ ConsoleSessions::ConsoleSessions(const std::string& token)
     : token_(token), name_(kNamePrefix + Proof("name of the cookie").substr(0, kNameDigits)) {}
 
 std::string ConsoleSessions::Begin(std::time_t now) const {
-    const std::string end = std::to_string(now + kLifeS);
-    return Cookie(end + "." + Proof("session until " + end), kLifeS);
+    const std::string session = std::to_string(now + kLifeS) + "." + NewRequestId();
+    return Cookie(session + "." + Proof(session), kLifeS);
 }
 
-std::string ConsoleSessions::End() const {
+std::string ConsoleSessions::End(const std::string& cookies, std::time_t now) {
+    const std::string session = SessionIn(cookies);
+    if (IsGenuine(session, now)) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        ended_.insert(session);
+    }
     return Cookie("", 0);
 }
 
 bool ConsoleSessions::IsCarriedBy(const std::string& cookies, std::time_t now) const {
-    const auto all = ParseCookies(cookies);
-    const auto session = all.find(name_);
-    if (session == all.end()) {
+    const std::string session = SessionIn(cookies);
+    if (!IsGenuine(session, now)) {
         return false;
     }
-    const std::size_t dot = session->second.find('.');
-    const std::string end = session->second.substr(0, dot);
-    const std::string proof = dot == std::string::npos ? "" : session->second.substr(dot + 1);
-    const std::string expected = Proof("session until " + end);
-    const std::optional<long long> endS = ParseDecimal(end);
-    return proof.size() == expected.size() &&
-           CRYPTO_memcmp(proof.data(), expected.data(), expected.size()) == 0 && endS && *endS > now;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return ended_.count(session) == 0;
+}
+
+std::string ConsoleSessions::SessionIn(const std::string& cookies) const {
+    const auto all = ParseCookies(cookies);
+    const auto session = all.find(name_);
+    return session == all.end() ? "" : session->second;
+}
+
+// Its form is END.NUMBER.PROOF.
+bool ConsoleSessions::IsGenuine(const std::string& session, std::time_t now) const {
+    const std::string signedPart = session.substr(0, session.rfind('.'));
+    const std::string expected = signedPart + "." + Proof(signedPart);
+    const std::optional<long long> endS = ParseDecimal(session.substr(0, session.find('.')));
+    return session.size() == expected.size() &&
+           CRYPTO_memcmp(session.data(), expected.data(), expected.size()) == 0 && endS && *endS > now;
 }
 
 std::string ConsoleSessions::Proof(const std::string& text) const {

@@ -17,6 +17,7 @@ namespace {
 using HandlerResponse = httplib::Server::HandlerResponse;
 
 constexpr char kRequestId[] = "X-Request-Id";
+constexpr char kNoSniff[] = "X-Content-Type-Options";
 constexpr char kConnection[] = "Connection";
 
 FrameworkError ErrorOf(int httpStatus) {
@@ -43,6 +44,8 @@ void CompleteHead(const httplib::Request& request, httplib::Response& response) 
     if (!response.has_header(kRequestId)) {
         GiveRequestId(response);
     }
+    response.headers.erase(kNoSniff);
+    response.set_header(kNoSniff, "nosniff");
     response.headers.erase("Keep-Alive");  // the library's own numbers do not hold
     if (FramingOf(request) != BodyFraming::kSized || response.has_header(kConnection)) {
         AnnounceClose(response);

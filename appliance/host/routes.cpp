@@ -267,7 +267,12 @@ void Routes::AnswerMakeSignInCode(const httplib::Request& request, httplib::Resp
     }
 }
 
+// Somebody else's page must not use up wrong codes, and with them the right ones.
 void Routes::AnswerSignIn(const httplib::Request& request, httplib::Response& response) {
+    if (request.has_header("Origin") && !IsOfConsole(request)) {
+        AnswerNotAuthorized(response);
+        return;
+    }
     std::string cookie;
     Write(response, signIn_.Begin(request.body, cookie));
     if (!cookie.empty()) {
@@ -275,9 +280,10 @@ void Routes::AnswerSignIn(const httplib::Request& request, httplib::Response& re
     }
 }
 
-void Routes::AnswerSignOut(const httplib::Request& /*request*/, httplib::Response& response) {
+void Routes::AnswerSignOut(const httplib::Request& request, httplib::Response& response) {
+    const std::string cookie = IsOfConsole(request) ? request.get_header_value("Cookie") : "";
     Write(response, SuccessReply(Json::Value()));
-    response.set_header(kSetCookie, signIn_.Sessions().End());
+    response.set_header(kSetCookie, signIn_.Sessions().End(cookie));
 }
 
 void Routes::AnswerAppliance(const httplib::Request& /*request*/, httplib::Response& response) {
@@ -354,9 +360,9 @@ void Routes::AnswerEvents(const httplib::Request& request, httplib::Response& re
     response.set_header("Cache-Control", "no-cache");
     response.set_chunked_content_provider(
         "text/event-stream",
-        [stream, next = std::move(snapshot)](std::size_t, httplib::DataSink& sink) mutable {
+        [this, request, stream, next = std::move(snapshot)](std::size_t, httplib::DataSink& sink) mutable {
             const std::string text = next.empty() ? stream->Next() : std::exchange(next, "");
-            if (text.empty()) {
+            if (text.empty() || !IsAuthorized(request)) {
                 sink.done();
                 return true;
             }

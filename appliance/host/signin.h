@@ -22,6 +22,7 @@ public:
     // Set-Cookie header then.
     Reply Begin(const std::string& body, std::string& cookie);
 
+    ConsoleSessions& Sessions() { return sessions_; }
     const ConsoleSessions& Sessions() const { return sessions_; }
 
 private:

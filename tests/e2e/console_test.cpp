@@ -1,6 +1,10 @@
 // How the web console is served, and who gets in.
 #include "e2e/appliance.h"
+#include "e2e/processes.h"
+#include "e2e/rawconnection.h"
 
+#include <filesystem>
+#include <iterator>
 #include <regex>
 #include <string>
 #include <vector>
@@ -10,7 +14,7 @@ namespace {
 
 class ConsoleTest : public ApplianceTest {
 protected:
-    static void SetUpTestSuite() { Start(); }
+    static void SetUpTestSuite() { Start({"--heartbeat", "1"}); }
 
     std::string Code() { return owner_.Post("/session/codes", "").Data()["code"].asString(); }
 
@@ -82,8 +86,40 @@ TEST_F(ConsoleTest, OnlyTheConsoleItselfChangesAnything) {
     }
     EXPECT_EQ(401, stranger_.Post("/session/codes", "", Session("http:" + host)).status)
         << "a session begets another";
-    const auto end = stranger_.Client().Delete("/session");
+    const httplib::Headers foreign = {{"Origin", "http://127.0.0.1:1"}};
+    EXPECT_EQ(401, stranger_.Post("/session", R"({"code":"wrong"})", foreign).status)
+        << "codes can be used up";
+}
+
+TEST_F(ConsoleTest, SigningOutEndsTheSessionAndItsStreams) {
+    const httplib::Headers session = Session("http:" + appliance_->Url().substr(5));
+    RawConnection stream =
+        OpenStream(appliance_->Url(), "", "Cookie: " + session.find("Cookie")->second + "\r\n");
+    EXPECT_NE(std::string::npos, stream.ReceiveUntil("\n\n").find("event: snapshot"));
+    const auto end = stranger_.Client().Delete("/session", session);
     EXPECT_NE(std::string::npos, end->get_header_value("Set-Cookie").find("=; Path=/; Max-Age=0;"));
+    EXPECT_EQ(401, Get("/appliance", session).status);
+    stream.ReceiveAll();
+    EXPECT_TRUE(stream.IsAtEnd());
+}
+
+TEST_F(ConsoleTest, AHundredOfThemLeaveNothingBehind) {
+    const std::filesystem::path descriptors = "/proc/" + std::to_string(appliance_->HttpProcess()) + "/fd";
+    const auto count = [&descriptors] {
+        return std::distance(std::filesystem::directory_iterator(descriptors),
+                             std::filesystem::directory_iterator());
+    };
+    const auto before = count();
+    {
+        std::vector<RawConnection> streams;
+        for (int i = 0; i < 100; ++i) {
+            streams.push_back(OpenStream(appliance_->Url(), appliance_->Token()));
+            EXPECT_NE(std::string::npos, streams.back().ReceiveUntil("data:").find("event: snapshot"));
+        }
+        EXPECT_EQ(before + 100, count());
+        EXPECT_TRUE(owner_.AddOns("List").Succeeded());
+    }
+    EXPECT_TRUE(WaitUntil([&] { return count() <= before; })) << count() - before;
 }
 
 TEST_F(ConsoleTest, ItsFilesAreOpenToAllAndHoldNoMore) {

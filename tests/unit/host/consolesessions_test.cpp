@@ -23,18 +23,27 @@ TEST(ConsoleSessions, LastTwelveHoursAndNoLongerThanTheToken) {
     EXPECT_TRUE(sessions.IsCarriedBy(cookie, kNow + ConsoleSessions::kLifeS - 1));
     EXPECT_FALSE(sessions.IsCarriedBy(cookie, kNow + ConsoleSessions::kLifeS));
     const std::string value = cookie.substr(cookie.find('='));
-    const std::string other = Sent(ConsoleSessions("another token").End());
-    EXPECT_FALSE(ConsoleSessions("another token").IsCarriedBy(other + value.substr(1), kNow));
+    ConsoleSessions others("another token");
+    EXPECT_FALSE(others.IsCarriedBy(Sent(others.End("")) + value.substr(1), kNow));
+}
+
+TEST(ConsoleSessions, EndOneByOne) {
+    ConsoleSessions sessions("token");
+    const std::string first = Sent(sessions.Begin(kNow));
+    const std::string second = Sent(sessions.Begin(kNow));
+    sessions.End("a=b; " + first, kNow);
+    EXPECT_FALSE(sessions.IsCarriedBy(first, kNow));
+    EXPECT_TRUE(sessions.IsCarriedBy(second, kNow));
 }
 
 TEST(ConsoleSessions, AreNotMadeUp) {
-    const ConsoleSessions sessions("token");
+    ConsoleSessions sessions("token");
     const std::string cookie = Sent(sessions.Begin(kNow));
     const std::string name = cookie.substr(0, cookie.find('=') + 1);
-    const std::string proof = cookie.substr(cookie.find('.'));
+    const std::string rest = cookie.substr(cookie.find('.'));
     for (const std::string& wrong :
-         {std::string(), name, name + ".", name + proof, name + "9999999999" + proof,
-          cookie.substr(0, cookie.size() - 1), cookie + "0", Sent(sessions.End())}) {
+         {std::string(), name, name + ".", name + rest, name + "9999999999" + rest,
+          cookie.substr(0, cookie.size() - 1), cookie + "0", Sent(sessions.End(""))}) {
         EXPECT_FALSE(sessions.IsCarriedBy(wrong, kNow)) << wrong;
     }
 }
