@@ -84,7 +84,15 @@ Json::Value Appliance::Operations() const {
 }
 
 Json::Value Appliance::OperationOf(const std::string& number) const {
-    const Json::Value operations = Operations({{"id", number}});
+    return OneOperation({{"id", number}});
+}
+
+Json::Value Appliance::OperationOfRequest(const std::string& requestId) const {
+    return OneOperation({{"request", requestId}});
+}
+
+Json::Value Appliance::OneOperation(const std::multimap<std::string, std::string>& query) const {
+    const Json::Value operations = Operations(query);
     return operations.empty() ? Json::Value() : operations[0];
 }
 

@@ -65,8 +65,10 @@ public:
     // The newest operations, in the order of their begin and at most a thousand. Throws as Ask does.
     Json::Value Operations() const;
 
-    // The operation of that number; null when there is none. Throws as Ask does.
+    // The operation of that number, or of the request with that id; null when there is none. Throw as Ask
+    // does.
     Json::Value OperationOf(const std::string& number) const;
+    Json::Value OperationOfRequest(const std::string& requestId) const;
 
     // The newest programs that the request has run, or that all have where it is empty, in the order of their
     // ends and at most a thousand. Throws as Ask does.
@@ -86,6 +88,7 @@ public:
 private:
     Json::Value LogEntries(const std::multimap<std::string, std::string>& query) const;
     Json::Value Operations(const std::multimap<std::string, std::string>& query) const;
+    Json::Value OneOperation(const std::multimap<std::string, std::string>& query) const;
     Answer Checked(const HttpReply& reply, const std::string& what) const;
 
     HttpClient http_;

@@ -52,10 +52,11 @@ void SetAutoUpdate(Session& session, const AutoUpdateArguments& arguments) {
 void AddAutoUpdate(Command program, Session& session) {
     Command command = program.Add("auto-update", "Switch the automatic update of an add-on");
     command.Explain(
-        "Newer releases are then looked for and installed every day, at a time of the appliance's own.");
+        "While it is on, the appliance looks for a newer release every day, at a time of its own, and "
+        "installs it.");
     const auto arguments = std::make_shared<AutoUpdateArguments>();
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");
-    command.Argument("on|off", arguments->wish, "Whether it is to be updated every day");
+    command.Argument("on|off", arguments->wish, "Whether newer releases are installed every day");
     command.Run([&session, arguments] { SetAutoUpdate(session, *arguments); });
 }
 

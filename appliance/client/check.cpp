@@ -45,10 +45,10 @@ void Check(const Session& session, const std::string& path) {
 }  // namespace
 
 void AddCheck(Command program, Session& session) {
-    Command command = program.Add("check", "Tell whether a package file would be taken");
+    Command command = program.Add("check", "Tell whether a package file would be accepted");
     command.Explain(
-        "No appliance has to run. What its folder says of its version and platform is compared with, too; "
-        "without one, rules that need that are not checked.");
+        "No appliance needs to run. The package is also compared with the version and platform that the "
+        "appliance's folder names; without a folder, the rules that need those are not checked.");
     const auto path = std::make_shared<std::string>();
     command.Argument("FILE", *path, "Package file");
     command.Run([&session, path] { Check(session, *path); });

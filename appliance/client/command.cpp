@@ -49,7 +49,7 @@ CommandDescription Describe(const CLI::App& app) {
 }  // namespace
 
 Command Command::Add(const char* name, const char* help) {
-    return Command(*app_->add_subcommand(name, help)->group("Commands"));
+    return Command(*app_->add_subcommand(name, help)->group("Commands")->footer(""));
 }
 
 void Command::NeedsCommand() {

@@ -32,7 +32,7 @@ const std::vector<CommandGroup>& CommandGroups() {
         {"Services", {AddList, AddStatus, AddControl, AddApps}},
         {"Releases", {AddUpdates, AddUpdate, AddDownload, AddAutoUpdate, AddRestore}},
         {"Package files", {AddInstall, AddUpload, AddCheck, AddPkg, AddFeed}},
-        {"What happens, and what has happened", {AddEvents, AddOperations, AddWait, AddLog}},
+        {"Events and history", {AddEvents, AddOperations, AddWait, AddLog}},
         {"The appliance", {AddConsole, AddPair, AddMethods, AddCall}},
         {"This program", {AddSettings, AddCompletion, AddMan}},
         {"", {AddCompletionWords}},
@@ -66,7 +66,7 @@ void AddOptions(CLI::App& program, GlobalSettings& settings) {
         AddSetting(program, settings, kind);
     }
     program.set_version_flag("--version", "camvoractl " CAMVORA_VERSION, "Print the version and exit");
-    program.set_help_flag("-h,--help", "Print this, or what a command is for, and exit");
+    program.set_help_flag("-h,--help", "Print this, or the help of a command, and exit");
 }
 
 void AddCommands(CLI::App& program, Session& session) {

@@ -43,8 +43,8 @@ void AddCompletion(Command program, Session& session) {
     Command command = program.Add("completion", "Print the script for completion in a shell");
     command.Explain(
         "For bash, put it into ~/.local/share/bash-completion/completions/camvoractl; for zsh, into a "
-        "folder of $fpath as _camvoractl. Services, methods and operations are then offered as the "
-        "appliance has them.");
+        "folder of $fpath as _camvoractl. The appliance's services, methods and operations are "
+        "offered, too.");
     const auto shell = std::make_shared<std::string>();
     command.Argument("SHELL", *shell, "\"bash\" or \"zsh\"");
     command.Run([&session, shell] { PrintScript(session, *shell); });

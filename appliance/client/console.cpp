@@ -32,7 +32,7 @@ void MakeLink(Session& session) {
 void AddConsole(Command program, Session& session) {
     Command command = program.Add("console", "Print a link that signs a browser in");
     command.Explain(
-        "It opens the appliance's web console, once, within ten minutes, and for whoever has it: the "
+        "It opens the appliance's web console. It works once, within ten minutes, for whoever has it: that "
         "browser may then do all that you may.");
     command.Run([&session] { MakeLink(session); });
 }

@@ -28,12 +28,12 @@ struct Control {
 constexpr Control kControls[] = {
     // clang-format off
     {"start", "enable", "Start a service",
-     "Waits until the service was seen running, and looks once more two seconds later.", "Enable", "started by camvoractl", "is being started",
+     "Waits until the service is seen running, and looks again two seconds later.", "Enable", "started by camvoractl", "is being started",
      &ServiceWait::ForStarted},
-    {"stop", "disable", "Stop a service", "Waits until the service was seen stopped.", "Disable", "stopped by camvoractl", "is being stopped",
+    {"stop", "disable", "Stop a service", "Waits until the service is seen stopped.", "Disable", "stopped by camvoractl", "is being stopped",
      &ServiceWait::ForStopped},
     {"restart", "", "Stop a service and start it again",
-     "Waits until the service was seen running, and looks once more two seconds later.", "Restart", "", "was restarted",
+     "Waits until the service is seen running, and looks again two seconds later.", "Restart", "", "was restarted",
      &ServiceWait::ForStarted},
     // clang-format on
 };
@@ -99,7 +99,7 @@ void AddOne(Command program, Session& session, const Control& control) {
     command.Explain(control.more);
     const auto arguments = std::make_shared<ControlArguments>();
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");
-    command.Flag("!--no-wait", arguments->isWaiting, "Do not look at what became of the service");
+    command.Flag("!--no-wait", arguments->isWaiting, "Do not wait to see what becomes of the service");
     command.Run([&session, &control, arguments] { Run(session, control, *arguments); });
 }
 

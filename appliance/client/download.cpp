@@ -62,9 +62,9 @@ void AddOne(Command program, Session& session, const char* name, const char* hel
 
 void AddDownload(Command program, Session& session) {
     AddOne(program, session, "download", "Download the newer release, without installing it",
-           "The appliance downloads it by itself, and this program follows; Ctrl-C cancels the download.",
+           "The appliance downloads it, and this program shows how far it is; Ctrl-C cancels the download.",
            Download);
-    AddOne(program, session, "cancel", "End a download", "One that is complete stays.", Cancel);
+    AddOne(program, session, "cancel", "Cancel a download", "One that is complete is kept.", Cancel);
 }
 
 }  // namespace client

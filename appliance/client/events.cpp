@@ -115,8 +115,8 @@ Table Follower::Line(const Json::Value& notification) const {
 void AddEvents(Command program, Session& session) {
     Command command = program.Add("events", "Follow what happens to the services");
     command.Explain(
-        "Prints each start, stop and update as it happens, until Ctrl-C. It goes on where it was when the "
-        "connection was lost meanwhile.");
+        "Prints each start, stop and update as it happens, until Ctrl-C. When the connection is lost, it "
+        "reconnects and goes on where it was.");
     command.Run([&session] { Follower(session).Follow(); });
 }
 

@@ -70,7 +70,7 @@ constexpr const char* kExamples[] = {
     "completion bash > ~/.local/share/bash-completion/completions/camvoractl",
     "man | man -l -",
     "pair code recorder",
-    "pair join http://cms.example:5000 ABCD-EFGH --as cms",
+    "pair join http://cms.example:5000 ABCD-EFGH-JKLM --as cms",
     "pair list",
     "pair remove recorder",
 };

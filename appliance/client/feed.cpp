@@ -58,8 +58,8 @@ void AddKey(Command feed, Session& session) {
 void AddBuild(Command feed, Session& session) {
     Command command = feed.Add("build", "Publish the packages in a folder, and their NAME.notes");
     command.Explain(
-        "Writes and signs an index for each add-on of which there are packages. The text in NAME.notes "
-        "goes with NAME.spk.");
+        "Writes and signs an index for each add-on that has packages there. The text in NAME.notes is "
+        "published with NAME.spk.");
     const auto arguments = std::make_shared<BuildArguments>();
     command.Argument("DIR", arguments->dir, "Folder of the feed");
     command.RequiredOption("--key", arguments->keyFile, "FILE", "Private key of the feed");

@@ -137,12 +137,12 @@ std::string PrecedenceText() {
     for (const SettingKind& kind : kSettingKinds) {
         variables += (variables.empty() ? "" : ", ") + std::string(kind.variable);
     }
-    return "Each of them can also be set in the environment (" + variables +
+    return "All but --version and --help can also be set in the environment (" + variables +
            ") and in the file $XDG_CONFIG_HOME/camvora/camvoractl.conf, or "
            "~/.config/camvora/camvoractl.conf, "
-           "with lines as \"timeout=30\" or \"quiet=yes\". The command line comes before the environment, "
-           "that before the file. A folder that is named nearer hides a host, token file or server that was "
-           "set farther away.";
+           "with lines such as \"timeout=30\" or \"quiet=yes\". The command line overrides the environment, "
+           "and the environment the file. A folder also overrides the host, token file and server of the "
+           "sources below its own.";
 }
 
 std::string SettingsFile() {

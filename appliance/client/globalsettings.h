@@ -36,8 +36,8 @@ public:
     // Takes what the command line says, which has been checked.
     void Set(const SettingKind& kind, const std::string& value);
 
-    // The options as they are in force. A folder that was named nearer than a host, a file of the token or a
-    // server hides these: they belong to another appliance.
+    // The options as they are in force. A folder overrides a host, a file of the token or a server from
+    // a lower source, too: they belong to another appliance.
     //   throws  Failure (kUsage) for what the environment or the file should not say
     GlobalOptions InForce() const;
 

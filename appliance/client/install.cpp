@@ -80,8 +80,8 @@ void AddInstall(Command program, Session& session) {
     Command command = program.Add("install", "Send a package file and install it");
     command.Explain(
         "The file is checked here first, then sent; the appliance unpacks and checks it. What would change "
-        "is shown, and asked about, before anything is installed. Afterwards it is looked whether the new "
-        "version is in place and what ran before runs again.");
+        "is shown, and asked about, before anything is installed. Then it checks that the new version is "
+        "in place and that what ran before runs again.");
     const auto arguments = std::make_shared<InstallArguments>();
     command.Argument("FILE", arguments->path, "Package file");
     arguments->consent.AddTo(command);

@@ -43,12 +43,12 @@ void Log(Session& session, const LogArguments& arguments) {
 void AddLog(Command program, Session& session) {
     Command command = program.Add("log", "Show the operation log, or a request's log");
     command.Explain(
-        "Without REQUEST that is what was done with the services, and by whom; with it, what the appliance "
+        "Without REQUEST, shows what was done to the services, and by whom; with it, what the appliance "
         "logged while it served that request.");
     const auto arguments = std::make_shared<LogArguments>();
     command.OptionalArgument("REQUEST", arguments->requestId,
-                             "Id of a request, as failures, --no-wait and the log name it");
-    command.Flag("--follow", arguments->follow, "Go on showing entries as they come, until Ctrl-C");
+                             "Id of a request, as shown by failures, --no-wait and the log");
+    command.Flag("--follow", arguments->follow, "Keep showing entries as they come, until Ctrl-C");
     command.Exclude("--follow", "REQUEST");
     command.Run([&session, arguments] { Log(session, *arguments); });
 }

@@ -150,7 +150,7 @@ void ShowOne(Session& session, const std::string& name) {
 void AddMethods(Command program, Session& session) {
     Command command = program.Add("methods", "Show the web API's methods, or all about one");
     command.Explain(
-        "Of one, the parameters and what it answers are shown. Parameters in brackets may be left out.");
+        "Of one method, its parameters and its answer are shown. Parameters in brackets may be left out.");
     const auto name = std::make_shared<std::string>();
     command.OptionalArgument("METHOD", *name, "Name of the method");
     command.Run([&session, name] { name->empty() ? ShowAll(session) : ShowOne(session, *name); });

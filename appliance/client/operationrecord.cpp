@@ -19,15 +19,6 @@ bool IsNumber(const std::string& id) {
            std::all_of(id.begin(), id.end(), [](char byte) { return byte >= '0' && byte <= '9'; });
 }
 
-Json::Value OperationOfRequest(const Appliance& host, const std::string& requestId) {
-    for (const Json::Value& operation : host.Operations()) {
-        if (Member(operation, "request") == Json::Value(requestId)) {
-            return operation;
-        }
-    }
-    return {};
-}
-
 }  // namespace
 
 std::map<int, std::string> ServiceNames(const Appliance& host) {
@@ -43,7 +34,7 @@ std::map<int, std::string> ServiceNames(const Appliance& host) {
 }
 
 Json::Value FindOperation(const Appliance& host, const std::string& id) {
-    Json::Value operation = IsNumber(id) ? host.OperationOf(id) : OperationOfRequest(host, id);
+    Json::Value operation = IsNumber(id) ? host.OperationOf(id) : host.OperationOfRequest(id);
     if (operation.isNull()) {
         throw Failure(
             ExitStatus::kNotFound,

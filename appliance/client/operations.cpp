@@ -21,13 +21,13 @@ constexpr char kTimeForm[] = "%Y-%m-%d %H:%M:%S";
 constexpr char kShortTimeForm[] = "%m-%d %H:%M:%S";
 
 Table OperationTable(const Json::Value& operations, const Names& names) {
-    constexpr std::size_t kOutcomeColumn = 5;
-    Table table({"ID", "Begin", "By", "What", "Version", "Outcome", "Duration"});
+    constexpr std::size_t kOutcomeColumn = 4;
+    Table table({"ID", "Begin", "By", "What", "Outcome", "Version", "Duration"});
     for (const Json::Value& operation : operations) {
         table.AddRow({LeafText(Member(operation, "id")),
                       LocalTime(LeafText(Member(operation, "begin")), kShortTimeForm),
                       LeafText(Member(operation, "who")), OperationName(operation, names),
-                      OperationVersions(operation), OutcomeWords(operation), OperationDuration(operation)});
+                      OutcomeWords(operation), OperationVersions(operation), OperationDuration(operation)});
         table.Paint(kOutcomeColumn, OutcomeColour(operation));
     }
     return table;
@@ -69,7 +69,7 @@ void AddOperations(Command program, Session& session) {
     Command command = program.Add("operations", "Show what was done, or all about one operation");
     command.Explain(
         "An operation begins with a request and ends when its work has ended, which may be long after the "
-        "answer. Of one, the timeline is shown: the programs that it ran, its log lines, and its "
+        "answer. Of one operation, the timeline is shown: the programs that it ran, its log lines, and its "
         "operation-log entries.");
     const auto id = std::make_shared<std::string>();
     command.OptionalArgument("ID", *id, "Number of the operation, or the id of its request");

@@ -122,19 +122,20 @@ void AddJoin(Command pair, Session& session) {
     const auto arguments = std::make_shared<JoinArguments>();
     command.Argument("HOST_URL", arguments->hostUrl, "Address of the host, http://HOST:PORT");
     command.Argument("CODE", arguments->code, "The code that \"pair code\" printed there");
-    command.Option("--as", arguments->hostName, "NAME [host]", "What to call the host");
+    command.Option("--as", arguments->hostName, "NAME", "What to call the host. Default: host");
     command.Option("--own-url", arguments->ownUrl, "http://HOST:PORT",
                    "Address at which the host reaches this appliance. Default: the one it serves on");
     command.Run([&session, arguments] { Join(session, *arguments); });
 }
 
 // A command with the one argument NAME.
-void AddNamed(Command pair, Session& session, const char* name, const char* help,
-              void (*run)(Session&, const std::string&)) {
+Command AddNamed(Command pair, Session& session, const char* name, const char* help,
+                 void (*run)(Session&, const std::string&)) {
     Command command = pair.Add(name, help);
     const auto server = std::make_shared<std::string>();
     command.Argument("NAME", *server, "Name of the server");
     command.Run([&session, server, run] { run(session, *server); });
+    return command;
 }
 
 }  // namespace
@@ -143,9 +144,10 @@ void AddPair(Command program, Session& session) {
     Command pair = program.Add("pair", "Pair recording servers with a CMS host");
     pair.NeedsCommand();
     pair.Explain(
-        "The host makes a code with \"pair code\"; with that, \"pair join\" at the recording server pairs "
-        "the two.");
-    AddNamed(pair, session, "code", "On the host: make a one-time code for a recording server", MakeCode);
+        "On the host, \"pair code\" makes a code; on the recording server, \"pair join\" uses it to pair the "
+        "two.");
+    AddNamed(pair, session, "code", "On the host: make a one-time code for a recording server", MakeCode)
+        .Explain("Give it to \"pair join\" on that server, which can use it once, within ten minutes.");
     AddJoin(pair, session);
     pair.Add("list", "Show the paired servers").Run([&session] { ListPairs(session); });
     AddNamed(pair, session, "remove", "Forget a paired server", RemovePair);

@@ -85,7 +85,7 @@ void Restore(Session& session, const RestoreArguments& arguments) {
 void AddRestore(Command program, Session& session) {
     Command command = program.Add("restore", "Put an add-on's factory copy in its place");
     command.Explain(
-        "That is the add-on which the appliance left the factory with. Shows what would change, and asks.");
+        "That is the version with which the appliance left the factory. Shows what would change, and asks.");
     const auto arguments = std::make_shared<RestoreArguments>();
     command.Argument("SERVICE", arguments->service, "Number or short name of the service");
     arguments->consent.AddTo(command);

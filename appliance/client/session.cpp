@@ -35,7 +35,12 @@ std::chrono::seconds Session::TimeLimit(std::chrono::seconds unlessGiven) const 
 }
 
 void Session::Print(const Json::Value& data, const Table& table) const {
-    PrintText(data, table.Text(TerminalAt(STDOUT_FILENO)));
+    const Terminal terminal = TerminalAt(STDOUT_FILENO);
+    PrintText(data, table.Text(terminal));
+    if (const std::size_t count = table.LeftOut(terminal); count > 0) {
+        Say(std::to_string(count) + (count == 1 ? " column does" : " columns do") +
+            " not fit; --json has all");
+    }
 }
 
 void Session::PrintText(const Json::Value& data, const std::string& text) const {

@@ -48,9 +48,9 @@ public:
     // True when a person is to see what is going on.
     bool ShowsProgress() const { return !options_.json && !options_.quiet; }
 
-    // Writes the outcome to standard output: `table` for people, `data` for programs. Throws Failure
-    // (kFailed) when it cannot be written. Call once, when the outcome is whole; where there is no end of
-    // it, once for each piece.
+    // Writes the outcome to standard output: `table` for people, who are told when columns do
+    // not fit, `data` for programs. Throws Failure (kFailed) when it cannot be written. Call once, when the
+    // outcome is whole; where there is no end of it, once for each piece.
     void Print(const Json::Value& data, const Table& table) const;
 
     // The same for text that is no table: lines that are written as they are.

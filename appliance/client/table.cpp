@@ -12,29 +12,44 @@ namespace {
 using Widths = std::vector<std::size_t>;
 
 constexpr std::size_t kGap = 2;
-constexpr std::size_t kNarrowestHeading = 4;
-constexpr std::size_t kNarrowest = 1;
+constexpr std::size_t kReadable = 14;
+constexpr std::size_t kReadableName = 24;  // in the first column, which tells the rows apart
 
 std::size_t LineWidth(const Widths& widths) {
     return std::accumulate(widths.begin(), widths.end(), kGap * (widths.size() - 1));
 }
 
-// As wide as each pair needs, where what is `cut` may be no wider than `limit`.
-Widths Limited(const Widths& kept, const Widths& cut, std::size_t limit) {
-    Widths widths = kept;
-    for (std::size_t column = 0; column < widths.size(); ++column) {
-        widths[column] = std::max(kept[column], std::min(cut[column], limit));
+// What of the columns has to be seen, where `whole` would be all of them.
+Widths ReadableWidths(const Widths& whole) {
+    Widths widths;
+    for (const std::size_t width : whole) {
+        widths.push_back(std::min(width, widths.empty() ? kReadableName : kReadable));
     }
     return widths;
 }
 
-// Narrows the widest of what is `cut` until the line fits, by no more than is needed.
-Widths Fitted(const Widths& kept, const Widths& cut, std::size_t narrowest, std::size_t columns) {
-    std::size_t limit = *std::max_element(cut.begin(), cut.end());
-    while (limit > narrowest && LineWidth(Limited(kept, cut, limit)) > columns) {
+// No wider than `limit`, except where less could not be read.
+Widths Limited(const Widths& readable, const Widths& whole, std::size_t limit) {
+    Widths widths = readable;
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+        widths[column] = std::max(readable[column], std::min(whole[column], limit));
+    }
+    return widths;
+}
+
+// The first columns, as many as can be read in a line of `columns`; the widest are cut, by no more than is
+// needed.
+Widths Fitted(const Widths& whole, std::size_t columns) {
+    Widths readable = ReadableWidths(whole);
+    while (readable.size() > 1 && LineWidth(readable) > columns) {
+        readable.pop_back();
+    }
+    readable[0] = std::min(readable[0], columns);
+    std::size_t limit = *std::max_element(whole.begin(), whole.end());
+    while (limit > 0 && LineWidth(Limited(readable, whole, limit)) > columns) {
         --limit;
     }
-    return Limited(kept, cut, limit);
+    return Limited(readable, whole, limit);
 }
 
 }  // namespace
@@ -56,8 +71,7 @@ void Table::Paint(std::size_t column, Colour colour) {
 }
 
 std::string Table::Text(const Terminal& terminal) const {
-    const bool isCut = isShortened_ && terminal.columns > 0;
-    const Widths widths = isCut ? FittedWidths(terminal.columns) : ColumnWidths(rows_.begin());
+    const Widths widths = WidthsOn(terminal);
     std::string text;
     for (const Row& row : rows_) {
         text += Line(row, widths, terminal) + "\n";
@@ -65,24 +79,21 @@ std::string Table::Text(const Terminal& terminal) const {
     return text;
 }
 
-// Headings are cut before what stands below them.
-Table::Widths Table::FittedWidths(std::size_t columns) const {
-    Widths headings;
-    for (const Cell& heading : rows_.front()) {
-        headings.push_back(WidthOf(heading.text));
-    }
-    Widths cells = ColumnWidths(rows_.begin() + 1);
-    cells.resize(headings.size());
-    const Widths widths = Fitted(cells, headings, kNarrowestHeading, columns);
-    return Fitted(Widths(widths.size()), widths, kNarrowest, columns);
+std::size_t Table::LeftOut(const Terminal& terminal) const {
+    return rows_.empty() ? 0 : rows_.front().size() - WidthsOn(terminal).size();
 }
 
-Table::Widths Table::ColumnWidths(std::vector<Row>::const_iterator first) const {
+Table::Widths Table::WidthsOn(const Terminal& terminal) const {
+    const bool isCut = isShortened_ && terminal.columns > 0;
+    return isCut ? Fitted(WholeWidths(), terminal.columns) : WholeWidths();
+}
+
+Table::Widths Table::WholeWidths() const {
     Widths widths;
-    for (auto row = first; row != rows_.end(); ++row) {
-        widths.resize(std::max(widths.size(), row->size()));
-        for (std::size_t column = 0; column < row->size(); ++column) {
-            widths[column] = std::max(widths[column], WidthOf((*row)[column].text));
+    for (const Row& row : rows_) {
+        widths.resize(row.size());
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            widths[column] = std::max(widths[column], WidthOf(row[column].text));
         }
     }
     return widths;
@@ -90,11 +101,11 @@ Table::Widths Table::ColumnWidths(std::vector<Row>::const_iterator first) const 
 
 std::string Table::Line(const Row& row, const Widths& widths, const Terminal& terminal) {
     std::string line;
-    for (std::size_t column = 0; column < row.size(); ++column) {
+    for (std::size_t column = 0; column < widths.size(); ++column) {
         const std::string text = Shortened(row[column].text, widths[column]);
         const bool isPainted = terminal.hasColour && row[column].colour != Colour::kNone;
         line += isPainted ? SequenceFor(row[column].colour) + text + SequenceFor(Colour::kNone) : text;
-        if (column + 1 < row.size()) {
+        if (column + 1 < widths.size()) {
             line += std::string(widths[column] - WidthOf(text) + kGap, ' ');
         }
     }

@@ -28,9 +28,12 @@ public:
     void KeepWhole() { isShortened_ = false; }
 
     // The table as lines, each with its line end: cells printable, an empty one as "-", columns two blanks
-    // apart. On a terminal, one with headings has these cut, then its widest cells, so that no line is
-    // longer than the terminal is wide.
+    // apart. On a terminal, one with headings has its widest cells cut and, where too little of them would
+    // be seen, its last columns left out, so that no line is longer than the terminal is wide.
     std::string Text(const Terminal& terminal = {}) const;
+
+    // The number of columns that are left out there.
+    std::size_t LeftOut(const Terminal& terminal) const;
 
 private:
     struct Cell {
@@ -40,8 +43,8 @@ private:
     using Row = std::vector<Cell>;
     using Widths = std::vector<std::size_t>;
 
-    Widths FittedWidths(std::size_t columns) const;
-    Widths ColumnWidths(std::vector<Row>::const_iterator first) const;
+    Widths WidthsOn(const Terminal& terminal) const;
+    Widths WholeWidths() const;
     static std::string Line(const Row& row, const Widths& widths, const Terminal& terminal);
 
     std::vector<Row> rows_;

@@ -120,7 +120,8 @@ void AddUpdates(Command program, Session& session) {
     Command command = program.Add("updates", "Show which add-ons have newer releases");
     command.Explain("The appliance asks its feed, which takes a moment.");
     const auto hasExitCode = std::make_shared<bool>(false);
-    command.Flag("--exit-code", *hasExitCode, "End with 10 when there is one, with 1 when that is not known");
+    command.Flag("--exit-code", *hasExitCode,
+                 "Exit with 10 when there are any, with 1 when that is not known");
     command.Run([&session, hasExitCode] { Run(session, *hasExitCode); });
 }
 

@@ -71,8 +71,8 @@ void Wait(Session& session, const std::string& id) {
 void AddWait(Command program, Session& session) {
     Command command = program.Add("wait", "Wait for the end of an operation");
     command.Explain(
-        "Ends with 0 when the operation is done, with 1 and its log when it has failed, with 9 when nobody "
-        "saw its end, and with 8 when --timeout is over.");
+        "Exits with 0 when the operation is done, with 1 and its log when it has failed, with 9 when nobody "
+        "saw its end, and with 8 when the time of --timeout is up.");
     const auto id = std::make_shared<std::string>();
     command.Argument("ID", *id, "Number of the operation, or the id of its request, as --no-wait prints it");
     command.Run([&session, id] { Wait(session, *id); });

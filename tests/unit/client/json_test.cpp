@@ -68,6 +68,7 @@ FakeReplies RepliesForAll() {
         {"GET /operationlog?request=r1", Success(R"({"entries":[)" + kLogEntry + "]}")},
         {"GET /operations", Success(R"({"operations":[)" + kDoneOperation + "]}")},
         {"GET /operations?id=12", Success(R"({"operations":[)" + kDoneOperation + "]}")},
+        {"GET /operations?request=r1", Success(R"({"operations":[)" + kDoneOperation + "]}")},
         {"GET /events", InTurn({{200, kEventStream, "", false, "text/event-stream"},
                                 {200, ": here\n\n", "", true, "text/event-stream"}})},
         {"GET /pairs", Success(R"({"pairs":[{"name":"r","role":"server","address":"http://r:1"}]})")},

@@ -22,6 +22,8 @@ FakeReplies RepliesWith(const FakeReply& one) {
         {"GET /operations", OperationList(OperationThat("failed", "no \\u001b"))},
         {"GET /operations?id=12", one},
         {"GET /operations?id=13", OperationList("")},
+        {"GET /operations?request=336f563be6a9a2bd", OperationList(OperationThat("failed", "no \\u001b"))},
+        {"GET /operations?request=0123456789012345", OperationList("")},
         {"GET /log?request=336f563be6a9a2bd",
          Success(
              R"({"lines":[{"time":"2026-03-01T12:03:09.000Z","source":"a","line":1,"function":"F","text":"t"}]})")},
@@ -48,8 +50,8 @@ const std::string kRequestLog =
 
 const OperationCase kOperationCases[] = {
     {"all", "operations", OperationList(""), 0,
-     "ID  Begin           By      What                Version         Outcome          Duration\n"
-     "12  03-01 12:03:07  client  Update device_pack  2.1-9 -> 2.2-1  failed: no \\x1B  1 min 15 s\n",
+     "ID  Begin           By      What                Outcome          Version         Duration\n"
+     "12  03-01 12:03:07  client  Update device_pack  failed: no \\x1B  2.1-9 -> 2.2-1  1 min 15 s\n",
      ""},
     {"one", "operations 12", OperationList(OperationThat("done")), 0,
      "Operation  12\n"

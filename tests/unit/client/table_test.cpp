@@ -18,20 +18,40 @@ TEST(TableTest, AlignsByColumnsAndEndsLinesWithoutBlanks) {
         table.Text());
 }
 
-TEST(TableTest, CutsItsWidestCellsToTheTerminal) {
+struct FitCase {
+    std::size_t columns;
+    const char* text;
+    std::size_t leftOut;
+};
+
+const FitCase kFitCases[] = {
+    {60,
+     "Name         Notes               Automatic\n"
+     "device_pack  better than before  yes\n"
+     "cms          \u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d  no\n",
+     0},
+    {41,
+     "Name         Notes              Automatic\n"
+     "device_pack  better than befo\u2026  yes\n"
+     "cms          \u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u2026  no\n",
+     0},
+    {37,
+     "Name         Notes\n"
+     "device_pack  better than before\n"
+     "cms          \u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d\n",
+     1},
+    {26, "Name\ndevice_pack\ncms\n", 2},
+    {8, "Name\ndevice_\u2026\ncms\n", 2},
+};
+
+TEST(TableTest, CutsItsWidestCellsAndLeavesOutItsLastColumnsToFit) {
     Table table({"Name", "Notes", "Automatic"});
     table.AddRow({"device_pack", "better than before", "yes"});
-    table.AddRow({"cms", "\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d", "no"});
-    EXPECT_EQ(
-        "Name         Notes               Aut\u2026\n"
-        "device_pack  better than before  yes\n"
-        "cms          \u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d      no\n",
-        table.Text({37, false}));
-    EXPECT_EQ(
-        "Name       Notes      Aut\u2026\n"
-        "device_p\u2026  better t\u2026  yes\n"
-        "cms        \u4e2d\u6587\u4e2d\u6587\u2026  no\n",
-        table.Text({26, false}));
+    table.AddRow({"cms", "\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d", "no"});
+    for (const FitCase& one : kFitCases) {
+        EXPECT_EQ(one.text, table.Text({one.columns, false})) << one.columns;
+        EXPECT_EQ(one.leftOut, table.LeftOut({one.columns, false})) << one.columns;
+    }
     table.KeepWhole();
     EXPECT_EQ(table.Text(), table.Text({25, false}));
     Table plain;

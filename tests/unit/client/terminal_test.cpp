@@ -25,7 +25,9 @@ std::string ShownList(const std::vector<std::string>& more) {
     EXPECT_EQ(0, ioctl(output, TIOCSWINSZ, &size));
     std::vector<std::string> environment = more;
     environment.push_back("CAMVORA_DIR=" + appliance.Dir());
-    EXPECT_EQ(0, StartClient("list", environment, output).Wait().status);
+    const Outcome outcome = StartClient("list", environment, output).Wait();
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ("3 columns do not fit; --json has all\n", outcome.err);
     std::array<char, 4096> shown{};
     const ssize_t length = read(terminal, shown.data(), shown.size());
     close(output);
@@ -35,9 +37,8 @@ std::string ShownList(const std::vector<std::string>& more) {
 
 TEST(TerminalTest, ShowsLinesThatFit) {
     EXPECT_EQ(
-        "Name       Short na\u2026  Num\u2026  Run\u2026  Status   Version    Pac\u2026  Fac\u2026  "
-        "Aut\u2026\r\n"
-        "Device P\u2026  device_p\u2026  1     yes   started  2.1.0-01\u2026  -     -     -\r\n",
+        "Name         Short name   Number  Running  Status   Version\r\n"
+        "Device Pack  device_pack  1       yes      started  2.1.0-0130\r\n",
         ShownList({"TERM=dumb"}));
 }
 
