@@ -3,7 +3,7 @@ import { call } from "./api.js";
 import { ask } from "./dialog.js";
 import { alone, order } from "./orders.js";
 import { isDowngrade, planFor, restorePlanFor } from "./plan.js";
-import { store } from "./store.js";
+import { holdView, store } from "./store.js";
 
 const kActions = {
   start: ({ service }) => order(service, "Enable"),
@@ -39,8 +39,11 @@ export function lookForAll() {
 
 async function look(service) {
   await alone(service, "CheckUpdateInfo", async () => {
+    const isShown = holdView();
     const { data } = await call("CheckUpdateInfo", { service });
-    store.checks.set(service, data.status);
+    if (isShown()) {
+      store.checks.set(service, data.status);
+    }
   });
 }
 

@@ -4,7 +4,6 @@ import { announce, button, make, setAttribute, setShown, setText } from "./dom.j
 import { store } from "./store.js";
 import { fill, language, languages, setLanguage, text } from "./texts.js";
 
-
 const byId = (id) => document.getElementById(id);
 
 // Says everything of the page that is there from the beginning. `onChoose` is called with the name of a recorder, ""
@@ -20,8 +19,8 @@ export function prepareHeader(onChoose, onSignOut) {
   byId("language").addEventListener("change", (event) => setLanguage(event.target.value));
 }
 
-export function showHeader(isSignedIn, recorders) {
-  const { appliance, connection, recorder } = store;
+export function showHeader(isSignedIn) {
+  const { appliance, connection, recorder, recorders } = store;
   document.title = appliance.name ? `${appliance.name} – Camvora` : "Camvora";
   for (const id of ["appliance", "connection", "sign-out"]) {
     setShown(byId(id), isSignedIn);

@@ -1,13 +1,13 @@
 // Signs in, then shows the appliance for as long as the session lasts.
 import { Activity } from "./activity.js";
-import { callAt, exchange, isRefusal, page, whenSessionEnds } from "./api.js";
+import { callAt, isRefusal, whenSessionEnds } from "./api.js";
 import { guardClicks } from "./dom.js";
 import { Banner, prepareHeader, showHeader } from "./header.js";
 import * as live from "./live.js";
 import * as recorder from "./recorder.js";
 import { Services } from "./services.js";
 import { signIn, SignInView, signOut, takeCode } from "./signin.js";
-import { changed, forget, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
+import { forget, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
 
 const kRetryMs = 2000;
 
@@ -16,10 +16,9 @@ const views = [new Banner(() => source?.retryNow()), new Services(), new Activit
 
 let source; // what follows the appliance that is shown: `live`, or `recorder`
 let isSignedIn = false;
-let recorders = [];
 
 function show() {
-  showHeader(isSignedIn, recorders);
+  showHeader(isSignedIn);
   if (isSignedIn) {
     views.forEach((view) => view.show());
   }
@@ -32,7 +31,6 @@ function enter(...entered) {
 // Shows how to get in. `reason` is a text's key, "" for none.
 function shut(reason) {
   isSignedIn = false;
-  recorders = [];
   source?.stop();
   forgetAppliance();
   document.querySelectorAll("dialog").forEach((dialog) => dialog.close());
@@ -49,7 +47,7 @@ function end() {
 // Shows the appliance where somebody is signed in, else the way in.
 async function open() {
   try {
-    store.appliance = (await exchange("/appliance", "GET")).data;
+    await live.readAppliance();
   } catch (error) {
     if (isRefusal(error)) {
       shut("");
@@ -62,9 +60,6 @@ async function open() {
   isSignedIn = true;
   enter(...views);
   choose("");
-  const { pairs } = await page("/pairs").catch(() => ({ pairs: [] }));
-  recorders = pairs.filter(({ role }) => role === "server").map(({ name }) => name);
-  changed();
 }
 
 // Shows the paired recorder of that name, "" for the appliance itself.

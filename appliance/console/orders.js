@@ -3,7 +3,7 @@ import { call } from "./api.js";
 import { readServices, settle } from "./live.js";
 import { problemOf } from "./problems.js";
 import * as recorder from "./recorder.js";
-import { changed, infoOf, store } from "./store.js";
+import { changed, holdView, infoOf, store } from "./store.js";
 import { text } from "./texts.js";
 
 const kNamed = ["Enable", "Disable", "Restore"]; // enter the operation log, with words for it
@@ -24,8 +24,9 @@ export function order(service, method, params) {
 
 // Calls the method, and waits until what it was answered shows in the services. Throws a CallError.
 export async function carryOut(service, method, params) {
+  const isShown = holdView();
   const answer = await call(method, { service, ...params }).catch((error) => error);
-  if (answer.request) {
+  if (answer.request && isShown()) {
     await whenSeen(service, answer instanceof Error ? undefined : method, answer.request);
   }
   if (answer instanceof Error) {
@@ -39,17 +40,22 @@ export async function alone(service, method, work) {
   if (isBusy(service)) {
     return undefined;
   }
+  const isShown = holdView();
   store.problems.delete(service);
   store.pending.set(service, { method, begin: new Date().toISOString() });
   changed(true);
   try {
     return await work();
   } catch (error) {
-    store.problems.set(service, problemOf(error, method));
+    if (isShown()) {
+      store.problems.set(service, problemOf(error, method));
+    }
     return undefined;
   } finally {
-    store.pending.delete(service);
-    changed(true);
+    if (isShown()) {
+      store.pending.delete(service);
+      changed(true);
+    }
   }
 }
 

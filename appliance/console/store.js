@@ -7,8 +7,10 @@ const kNoAppliance = { name: "", model: "", version: "", blCmsHost: false };
 const kStreamed = ["services", "downloads", "releases"];
 
 export const store = {
+  era: 0, // grows when all is forgotten
   connection: "connecting", // later "live", "lost" or "refused"
   appliance: kNoAppliance,
+  recorders: [], // the names of those that are paired with it
   recorder: "", // the paired recorder that is shown; "" is the appliance itself
   operations: new Operations(() => changed()),
   pending: new Map(), // service to what is asked for it and not over: {method, begin}
@@ -58,6 +60,7 @@ export function take(news) {
 
 // Forgets the appliance, as when another one is shown or the session is over.
 export function forget() {
+  ++store.era;
   for (const name of [...kStreamed, "entries", "notifications"]) {
     store[name] = [];
   }
@@ -67,8 +70,15 @@ export function forget() {
   setConnection("connecting");
 }
 
+// Returns a function that tells, after a wait, whether it is still the same that is shown.
+export function holdView() {
+  const { era } = store;
+  return () => era === store.era;
+}
+
 export function forgetAppliance() {
   store.appliance = kNoAppliance;
+  store.recorders = [];
   forget();
 }
 

@@ -1,10 +1,13 @@
 // A CMS host, and a recorder that is seen through it.
 import assert from "node:assert/strict";
 import { after, test } from "node:test";
+import { setTimeout as sleep } from "node:timers/promises";
 
 import { Appliance, samplePath } from "./support/appliance.js";
+import { eventually } from "./support/eventually.js";
 import { useConsole } from "./support/fixture.js";
 
+const kLookMs = 1000; // the console looks at what it knows more often
 const kRecorder = "gate.house-2";
 
 const its = useConsole({ prepare });
@@ -44,6 +47,27 @@ test("a package reaches it by way of the host", async () => {
   await its.user.sees("1.6.0-0071", its.user.card("Local Display"));
   assert.equal((await recorder.info(6)).version, "1.6.0-0071");
   assert.equal((await its.appliance.info(6)).version, "1.5.2-0064");
+});
+
+test("a late answer of a recorder leaves the view of the appliance alone", async () => {
+  const { page } = its.user;
+  const isLate = (url) => url.pathname.startsWith("/servers/");
+  const late = [];
+  await page.route(isLate, (route) => void late.push(route));
+  await its.user.becomesUsable(its.user.button("Start: Service 5"));
+  await eventually(() => late.length > 0, "the recorder is asked");
+  await its.user.button("Start: Service 5").click();
+  await eventually(() => late.length > 1, "so it is for the start");
+  await page.getByLabel("Shown").selectOption("This appliance");
+  await its.user.isLive();
+  await its.user.becomesUsable(its.user.button("Start: Service 5"));
+  const isStart = (route) => route.request().url().endsWith("/Enable");
+  await Promise.all(late.map((route) => (isStart(route) ? route.abort() : route.continue())));
+  await sleep(kLookMs);
+  assert.equal(await its.user.card("Local Display").getByText("1.5.2-0064").count(), 1);
+  assert.equal(await its.user.card("Service 5").locator(".failure").isVisible(), false);
+  await page.unroute(isLate);
+  await page.getByLabel("Shown").selectOption(kRecorder);
 });
 
 test("one that refuses the host, or is away, holds back its own view only", async () => {
