@@ -12,11 +12,11 @@ export const store = {
   appliance: kNoAppliance,
   recorders: [], // the names of those that are paired with it
   recorder: "", // the paired recorder that is shown; "" is the appliance itself
-  operations: new Operations(() => changed()),
+  operations: new Operations(() => changed(), forgetOpen),
   pending: new Map(), // service to what is asked for it and not over: {method, begin}
   problems: new Map(), // service to why the last thing that was asked for it failed, see problemOf
   checks: new Map(), // service to what the last look for a release has answered
-  dismissed: new Map(JSON.parse(sessionStorage.getItem(kDismissed) ?? "[]")), // service to the last failure put away
+  dismissed: new Map(JSON.parse(sessionStorage.getItem(kDismissed) ?? "[]")), // kinds of a service to the last failure put away
 };
 
 const listeners = [];
@@ -82,14 +82,25 @@ export function forgetAppliance() {
   forget();
 }
 
+// What had no answer is known by its record, once that is read.
+function forgetOpen() {
+  store.problems.forEach(({ isOpen }, service) => isOpen && store.problems.delete(service));
+}
+
 export function infoOf(service) {
   return store.services.find((info) => info.service === service);
 }
 
-// Puts the failure away that the service shows.
-export function dismiss(service) {
+const lastId = (service, kind) => store.operations.last(service, kind)?.id ?? 0;
+
+// Whether the last failure of that kind of operation was put away.
+export function isDismissed(service, kind) {
+  return store.dismissed.get(`${service} ${kind}`) === lastId(service, kind);
+}
+
+export function dismiss(service, kind) {
   store.problems.delete(service);
-  store.dismissed.set(service, store.operations.lastChange(service)?.id);
+  store.dismissed.set(`${service} ${kind}`, lastId(service, kind));
   sessionStorage.setItem(kDismissed, JSON.stringify([...store.dismissed]));
   changed(true);
 }

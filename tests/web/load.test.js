@@ -23,6 +23,15 @@ test("both languages say the same things, with the same values in them", async (
   assert.deepEqual(await keysOf("de"), await keysOf("en"));
 });
 
+test("there are words for every kind of operation that the host records", async () => {
+  const source = readFileSync(new URL("../../appliance/host/operations.cpp", import.meta.url), "utf8");
+  const methods = [...source.matchAll(/\{"(\w+)", (?:true|false)\}/g)].map(([, method]) => method);
+  assert.ok(methods.includes("Enable") && methods.length > 5);
+  const keys = Object.keys(await keysOf("en"));
+  const needed = methods.flatMap((method) => [`operation.${method}`, `work.${method}`]);
+  assert.deepEqual(needed.filter((key) => !keys.includes(key)), []);
+});
+
 async function measure(session) {
   await session.send("HeapProfiler.collectGarbage");
   const { metrics } = await session.send("Performance.getMetrics");
