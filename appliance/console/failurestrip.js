@@ -1,6 +1,6 @@
 // The part of a card that says what went wrong last, and why.
 import { button, make, setShown } from "./dom.js";
-import { time } from "./format.js";
+import { time, today } from "./format.js";
 import { logLines } from "./loglines.js";
 import { kindOf } from "./operations.js";
 import { dismiss } from "./store.js";
@@ -16,7 +16,7 @@ export class FailureStrip {
     const isQuiet = !work || work.method === "DownloadStart"; // nothing that could mend it is under way
     setShown(this.element, isQuiet && (failure || plain.length > 0));
     const shown = failure && [failure.id, failure.method, failure.text, failure.request];
-    redraw(this.element, [shown, state], () => [...(failure ? wordsOf(failure, info.service) : []), ...plain]);
+    redraw(this.element, [today(), shown, state], () => [...(failure ? wordsOf(failure, info.service) : []), ...plain]);
   }
 }
 

@@ -13,7 +13,7 @@ let restTimer;
 
 // `onRefused` is called when nobody is signed in any more.
 export function start(onRefused) {
-  stream = new EventStream({ onEvent: takeEvent, onLost: () => setConnection("lost"), onRefused });
+  stream = new EventStream({ onEvent: takeEvent, onLost: (error) => setConnection("lost", error), onRefused });
 }
 
 export function stop() {
@@ -79,9 +79,9 @@ async function catchUp() {
     if (isShown()) {
       setConnection("live");
     }
-  } catch {
+  } catch (error) {
     if (isShown()) {
-      stream.drop();
+      stream.drop(error);
     }
   }
 }

@@ -4,24 +4,26 @@ import { callAt, isRefusal, whenSessionEnds } from "./api.js";
 import { guardClicks } from "./dom.js";
 import { Banner, prepareHeader, showHeader } from "./header.js";
 import * as live from "./live.js";
+import { wordsFor } from "./problems.js";
 import * as recorder from "./recorder.js";
 import { Services } from "./services.js";
 import { signIn, SignInView, signOut, takeCode } from "./signin.js";
-import { forget, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
+import { changed, forget, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
 
 const kRetryMs = 2000;
+const kLookMs = 60_000; // another day may have begun
 
 const signInView = new SignInView(open);
-const views = [new Banner(() => source?.retryNow()), new Services(), new Activity()];
+const banner = new Banner(() => (source ? source.retryNow() : open()));
+const views = [banner, new Services(), new Activity()];
 
+let retryTimer;
 let source; // what follows the appliance that is shown: `live`, or `recorder`
 let isSignedIn = false;
 
 function show() {
   showHeader(isSignedIn);
-  if (isSignedIn) {
-    views.forEach((view) => view.show());
-  }
+  (isSignedIn ? views : [banner]).forEach((view) => view.show());
 }
 
 function enter(...entered) {
@@ -32,6 +34,7 @@ function enter(...entered) {
 function shut(reason) {
   isSignedIn = false;
   source?.stop();
+  source = undefined;
   forgetAppliance();
   document.querySelectorAll("dialog").forEach((dialog) => dialog.close());
   signInView.note(reason);
@@ -46,14 +49,16 @@ function end() {
 
 // Shows the appliance where somebody is signed in, else the way in.
 async function open() {
+  clearTimeout(retryTimer);
   try {
     await live.readAppliance();
   } catch (error) {
     if (isRefusal(error)) {
       shut("");
     } else {
-      setConnection("lost");
-      setTimeout(open, kRetryMs);
+      setConnection("lost", error);
+      retryTimer = setTimeout(open, kRetryMs);
+      enter(...(isSignedIn ? views : [banner]));
     }
     return;
   }
@@ -81,7 +86,9 @@ async function begin() {
   const code = takeCode();
   const refusal = code && (await signIn(code).then(() => undefined, (error) => error));
   await open();
-  if (refusal) {
+  if (refusal && isSignedIn) {
+    (await import("./dialog.js")).tell("signin.title", {}, ["refusal.call", { reason: wordsFor(refusal) }]);
+  } else if (refusal) {
     signInView.noteRefusal(refusal);
   }
 }
@@ -91,4 +98,5 @@ whenChanged(show);
 whenSessionEnds(end);
 prepareHeader(choose, leave);
 addEventListener("hashchange", begin);
+setInterval(changed, kLookMs);
 void begin();

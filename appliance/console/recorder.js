@@ -41,14 +41,9 @@ export async function settle(service, isRunning) {
 
 async function poll(mine) {
   for (; mine.isWanted; await pause(kPauseMs)) {
-    let connection = "live";
-    try {
-      await readServices();
-    } catch (error) {
-      connection = isRefusal(error) ? "refused" : "lost";
-    }
+    const error = await readServices().catch((problem) => problem);
     if (mine.isWanted) {
-      setConnection(connection);
+      setConnection(!error ? "live" : isRefusal(error) ? "refused" : "lost", error);
     }
   }
 }

@@ -9,6 +9,7 @@ const kStreamed = ["services", "downloads", "releases"];
 export const store = {
   era: 0, // grows when all is forgotten
   connection: "connecting", // later "live", "lost" or "refused"
+  error: undefined, // of a connection that is lost
   appliance: kNoAppliance,
   recorders: [], // the names of those that are paired with it
   recorder: "", // the paired recorder that is shown; "" is the appliance itself
@@ -45,8 +46,10 @@ function tellAll() {
   listeners.forEach((listener) => listener());
 }
 
-export function setConnection(connection) {
+// `error`: why nobody answers, where that is known.
+export function setConnection(connection, error) {
   store.connection = connection;
+  store.error = error;
   changed();
 }
 

@@ -8,6 +8,7 @@ export default {
   "connection.lost": "Neu verbinden",
   "connection.refused": "Abgewiesen",
   "lost.title": "Das Gerät antwortet nicht",
+  "lost.recorder": "Der Rekorder {name} antwortet nicht",
   "lost.words": "Zu sehen ist, was zuletzt bekannt war. Sobald es antwortet, lässt sich alles wieder bedienen.",
   "lost.retry": "Jetzt versuchen",
   "halted.title": "Camvora ist gestoppt",

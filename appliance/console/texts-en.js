@@ -8,6 +8,7 @@ export default {
   "connection.lost": "Reconnecting",
   "connection.refused": "Refused",
   "lost.title": "The appliance does not answer",
+  "lost.recorder": "The recorder {name} does not answer",
   "lost.words": "What you see is what was known last. Everything can be used again as soon as it answers.",
   "lost.retry": "Try now",
   "halted.title": "Camvora is stopped",
