@@ -28,7 +28,8 @@ export function retryNow() {
 
 // Which appliance it is, and the recorders that are paired with it.
 export async function readAppliance() {
-  const [appliance, { pairs }] = await Promise.all(["/appliance", "/pairs"].map(page));
+  const appliance = await page("/appliance");
+  const { pairs } = appliance.blCmsHost ? await page("/pairs") : { pairs: [] };
   store.appliance = appliance;
   store.recorders = pairs.filter(({ role }) => role === "server").map(({ name }) => name);
   changed();

@@ -68,7 +68,7 @@ export class Operations {
     this.#streamed = running.map((operation) => operation.id);
     this.#keep(running);
     if (lastId > this.#readTo || String(this.#streamed) !== before) {
-      this.look(0);
+      this.#look();
     }
   }
 
@@ -90,7 +90,7 @@ export class Operations {
   }
 
   // Reads what is not known yet: begins, and ends.
-  look(pauseMs) {
+  #look() {
     const era = this.#era;
     this.#timer ??= setTimeout(async () => {
       this.#timer = undefined;
@@ -104,12 +104,12 @@ export class Operations {
         // the next event, or the next connection, brings another look
       }
       this.#lookIfUnseen();
-    }, pauseMs);
+    }, kLookMs);
   }
 
   #lookIfUnseen() {
     if (this.#unseen().length > 0) {
-      this.look(kLookMs);
+      this.#look();
     }
   }
 

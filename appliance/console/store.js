@@ -1,8 +1,8 @@
-// What is known of the appliance that is shown. Who shows it is told of changes, a few times a second at most.
+// What is known of the appliance that is shown. Who shows it is told of changes, once a second at most.
 import { Operations } from "./operations.js";
 
 const kDismissed = "camvora-dismissed";
-const kPauseMs = 500; // between two looks of those who show it
+const kPauseMs = 1000; // between two looks of those who show it
 const kNoAppliance = { name: "", model: "", version: "", blCmsHost: false };
 const kStreamed = ["services", "downloads", "releases"];
 
