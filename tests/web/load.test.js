@@ -52,7 +52,7 @@ test("opening the console loads less than 100 KB, and shows something soon", asy
   await browser.close();
   host.end();
   assert.ok(bytes > 50_000 && bytes < 100_000, "what is loaded");
-  assert.ok(paint < 1000, "the first paint");
+  assert.ok(paint < 1000, "the first paint"); // 300 ms where nothing else runs
 });
 
 test("ten events a second take little of the processor, and thousands leave nothing behind", async (t) => {
@@ -88,6 +88,7 @@ test("ten events a second take little of the processor, and thousands leave noth
   await user.close();
   await browser.close();
   host.end();
+  // What else runs on the machine makes this dearer: the bound is above what is aimed at, 5 % of a core.
   assert.ok(share < 15, "the processor");
   assert.ok(grownKiB < 1024, "the heap");
   assert.ok(last.Nodes - after.Nodes < 200, "the nodes");
