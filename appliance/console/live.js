@@ -28,11 +28,14 @@ export function retryNow() {
 
 // Which appliance it is, and the recorders that are paired with it.
 export async function readAppliance() {
+  const isShown = holdView();
   const appliance = await page("/appliance");
   const { pairs } = appliance.blCmsHost ? await page("/pairs") : { pairs: [] };
-  store.appliance = appliance;
-  store.recorders = pairs.filter(({ role }) => role === "server").map(({ name }) => name);
-  changed();
+  if (isShown()) {
+    store.appliance = appliance;
+    store.recorders = pairs.filter(({ role }) => role === "server").map(({ name }) => name);
+    changed();
+  }
 }
 
 export async function readServices() {

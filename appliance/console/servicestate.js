@@ -4,7 +4,9 @@ import { changeBetween } from "./versions.js";
 
 const kStarted = 1; // statuses of a service
 const kInProgress = 4;
-const kReading = ["DownloadStart", "DownloadCancel", "GetPkgInfo", "Upload", "CheckUpdateInfo", "SetAutoUpdate"]; // leave it as it is
+const kReading = [ // leave it as it is
+  "DownloadStart", "DownloadCancel", "GetPkgInfo", "Upload", "CheckUpdateInfo", "SetAutoUpdate",
+];
 
 export const kDownload = { running: 1, ready: 2, failed: 4 }; // statuses of a download
 

@@ -17,7 +17,7 @@ export const store = {
   pending: new Map(), // service to what is asked for it and not over: {method, begin}
   problems: new Map(), // service to why the last thing that was asked for it failed, see problemOf
   checks: new Map(), // service to what the last look for a release has answered
-  dismissed: new Map(JSON.parse(sessionStorage.getItem(kDismissed) ?? "[]")), // kinds of a service to the last failure put away
+  dismissed: new Map(JSON.parse(sessionStorage.getItem(kDismissed) ?? "[]")), // the last failures put away, by kind
 };
 
 const listeners = [];

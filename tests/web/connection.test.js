@@ -49,7 +49,7 @@ test("so does one that keeps its connections but says nothing for fifteen second
   await its.user.isLive();
 });
 
-test("where the appliance says why it does not answer, so does the banner, even on a page that knows nothing", async () => {
+test("where the appliance says why it does not answer, so does the banner, on an empty page too", async () => {
   await its.user.page.route("**/appliance", refuse(1015));
   await its.user.page.reload();
   await its.user.sees(/The appliance is starting again/);

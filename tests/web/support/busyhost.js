@@ -43,7 +43,8 @@ export class BusyHost {
     const common = { id, request: `request-${id}`, who: "client" };
     this.#keep(this.#operations, { ...common, method: isRunning ? "Enable" : "Disable", service, fromVersion: "",
       toVersion: "", outcome: "done", begin: time, durationMs: 5, code: 0, problem: "" });
-    this.#keep(this.#entries, { ...common, time, event: kControlled, number: 0, texts: [`Service ${service}`, "", ""] });
+    this.#keep(this.#entries,
+      { ...common, time, event: kControlled, number: 0, texts: [`Service ${service}`, "", ""] });
     this.#send("notification", { id, time, request: common.request, type: 24,
       texts: [String(service), String(Number(isRunning)), "0"] });
     this.#send("state", this.#state());
