@@ -1,9 +1,7 @@
 // What the buttons of a service do.
 import { call } from "./api.js";
-import { ask } from "./dialog.js";
-import { alone, order } from "./orders.js";
-import { isDowngrade, planFor, restorePlanFor } from "./plan.js";
-import { store } from "./store.js";
+import { alone, alongside, carryOut, order } from "./orders.js";
+import { holdView, store } from "./store.js";
 
 const kActions = {
   start: ({ service }) => order(service, "Enable"),
@@ -15,12 +13,13 @@ const kActions = {
   install: async ({ service }) => (await installing()).chooseFile(service),
   autoOn: ({ service }) => order(service, "SetAutoUpdate", { blEnable: true }),
   autoOff: ({ service }) => order(service, "SetAutoUpdate", { blEnable: false }),
-  update,
-  restore,
+  update: async (info) => (await agreeing()).update(info),
+  restore: async (info) => (await agreeing()).restore(info),
 };
 
-// Loaded when it is wanted for the first time.
+// Loaded when they are wanted for the first time.
 const installing = () => import("./install.js");
+const agreeing = () => import("./agreed.js");
 
 // `service`: where the file was dropped, undefined for nowhere in particular.
 export async function installDropped(file, service) {
@@ -39,8 +38,11 @@ export function lookForAll() {
 
 async function look(service) {
   await alone(service, "CheckUpdateInfo", async () => {
+    const isShown = holdView();
     const { data } = await call("CheckUpdateInfo", { service });
-    store.checks.set(service, data.status);
+    if (isShown()) {
+      store.checks.set(service, data.status);
+    }
   });
 }
 
@@ -51,20 +53,5 @@ async function download(service) {
 
 // A cancel goes beside what it cancels.
 async function cancel(service) {
-  await call("DownloadCancel", { service }).catch(() => {});
-}
-
-async function update(info) {
-  const { version } = store.downloads.find((download) => download.service === info.service);
-  const values = { name: info.name, version };
-  if (await ask("update.title", values, planFor(info, { version }), "install.confirm", isDowngrade(info, version))) {
-    store.checks.delete(info.service);
-    await order(info.service, "Update", { filePath: "" });
-  }
-}
-
-async function restore(info) {
-  if (await ask("restore.title", { name: info.name }, restorePlanFor(info), "restore.confirm", true)) {
-    await order(info.service, "Restore");
-  }
+  await alongside(service, "DownloadCancel", () => carryOut(service, "DownloadCancel"));
 }

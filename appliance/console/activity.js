@@ -1,6 +1,6 @@
 // What was done on the appliance, in one list.
 import { button, make, reconcile, setAttribute, setShown, setText } from "./dom.js";
-import { time } from "./format.js";
+import { time, today } from "./format.js";
 import { happenings, kKinds } from "./happenings.js";
 import { store } from "./store.js";
 import { foreign, redraw, text } from "./texts.js";
@@ -25,7 +25,8 @@ export class Activity {
     this.#list, this.#empty, this.#more);
 
   show() {
-    const sources = [store.operations.all(), store.entries, store.notifications, store.recorder, store.services.length];
+    const sources = [store.operations.all(), store.entries, store.notifications, store.recorder, store.services.length,
+      store.connection, today()];
     if (sources.some((source, index) => source !== this.#sources[index])) {
       this.#sources = sources;
       this.#showAll();
@@ -41,7 +42,8 @@ export class Activity {
     setShown(this.#list, matching.length > 0);
     setShown(this.#more, matching.length > this.#shown);
     setShown(this.#filters, isHere);
-    setShown(this.#empty, matching.length === 0);
+    const isKnown = all.length > 0 || store.connection === "live";
+    setShown(this.#empty, matching.length === 0 && (isKnown || !isHere));
     this.#showEmpty(!isHere ? "activity.recorder" : all.length === 0 ? "activity.none" : "activity.noMatch");
   }
 
@@ -100,7 +102,7 @@ export function showOptions(select, options) {
 
 function showRow(row, { kind, id, name, time: when, who, words, outcome }) {
   setAttribute(row, "data-outcome", outcome);
-  redraw(row, [when, name, who, words, outcome], () => [
+  redraw(row, [today(), when, name, who, words, outcome], () => [
     make("time", { datetime: when }, time(when)),
     make("span", { class: "kind", text: `activity.one.${kind}` }),
     make("span", { class: "service" }, foreign(name)),

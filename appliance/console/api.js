@@ -3,6 +3,7 @@ const kMethods = "/api/ORVA.Camvora.AddOns/v1/";
 const kRefusals = [105, 1013]; // not admitted, nobody is signed in
 
 export const kUploadPath = `${kMethods}Upload`;
+export const kRecorderAway = 1023;
 export const kUnreachable = 0; // the code of a call without an answer
 
 let relay = "";
@@ -56,7 +57,7 @@ export function readReply({ success, data, error }, request) {
 }
 
 export function isRefusal(error) {
-  return kRefusals.includes(error.code);
+  return kRefusals.includes(error?.code);
 }
 
 function idOf(response) {

@@ -3,7 +3,7 @@ import { act, installDropped } from "./actions.js";
 import { CommandList } from "./commands.js";
 import { announce, button, isEnabled, make, nameAction, setAttribute, setEnabled, setShown, setText } from "./dom.js";
 import { FailureStrip } from "./failurestrip.js";
-import { time } from "./format.js";
+import { time, today } from "./format.js";
 import { ReleaseStrip } from "./releasestrip.js";
 import { store } from "./store.js";
 import { fill, foreign, redraw, text } from "./texts.js";
@@ -72,7 +72,7 @@ export class Card {
 
   #showLine({ info, work }) {
     setShown(this.#bar, work);
-    redraw(this.#line, [work?.method, work?.who, info.version, info.since],
+    redraw(this.#line, [today(), work?.method, work?.who, info.version, info.since],
       () => (work ? workLine(work) : factsLine(info)));
   }
 

@@ -60,6 +60,12 @@ export function ask(title, values, content, confirm, isDangerous) {
   });
 }
 
+// Says something, `sentence`, that needs no answer.
+export function tell(title, values, sentence) {
+  const dialog = new Dialog(title, values);
+  dialog.show([make("p", { text: sentence, role: "alert" })], dialog.closer("dialog.close"));
+}
+
 // A list of facts. `rows`: keys of texts, each with what it is; those without are left out.
 export function facts(rows) {
   return make("dl", { class: "facts" }, ...rows.filter(([, content]) => content).map(([key, content]) =>

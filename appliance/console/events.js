@@ -13,7 +13,7 @@ export class EventStream {
   #abort;
   #wake = () => {};
 
-  // `handlers`: onEvent(name, data); onLost(), at each failure; onRefused(), when nobody is signed in.
+  // `handlers`: onEvent(name, data); onLost(error), at each failure; onRefused(), when nobody is signed in.
   constructor(handlers) {
     this.#handlers = handlers;
     void this.#run();
@@ -25,9 +25,9 @@ export class EventStream {
     this.#wake();
   }
 
-  // Gives the present connection up, for the next one.
-  drop() {
-    this.#abort.abort();
+  // Gives the present connection up, for the next one; `error` says why.
+  drop(error) {
+    this.#abort.abort(error);
   }
 
   // Ends the present pause between two attempts.
@@ -38,18 +38,15 @@ export class EventStream {
 
   async #run() {
     while (this.#isWanted) {
-      await this.#connect().catch((error) => this.#fail(error));
+      const error = await this.#connect().catch((problem) => problem);
+      if (isRefusal(error)) {
+        this.#isWanted = false;
+        this.#handlers.onRefused();
+      }
       if (this.#isWanted) {
-        this.#handlers.onLost();
+        this.#handlers.onLost(error);
         await this.#pause();
       }
-    }
-  }
-
-  #fail(error) {
-    if (isRefusal(error)) {
-      this.#isWanted = false;
-      this.#handlers.onRefused();
     }
   }
 

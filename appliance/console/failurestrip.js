@@ -1,7 +1,8 @@
 // The part of a card that says what went wrong last, and why.
 import { button, make, setShown } from "./dom.js";
-import { time } from "./format.js";
+import { time, today } from "./format.js";
 import { logLines } from "./loglines.js";
+import { kindOf } from "./operations.js";
 import { dismiss } from "./store.js";
 import { foreign, redraw, text } from "./texts.js";
 
@@ -12,19 +13,22 @@ export class FailureStrip {
 
   show({ info, state, work, failure }) {
     const plain = kPlain.includes(state) ? [make("p", { text: `failed.${state}` })] : [];
-    setShown(this.element, !work && (failure || plain.length > 0));
+    const isQuiet = !work || work.method === "DownloadStart"; // nothing that could mend it is under way
+    setShown(this.element, isQuiet && (failure || plain.length > 0));
     const shown = failure && [failure.id, failure.method, failure.text, failure.request];
-    redraw(this.element, [shown, state], () => [...(failure ? wordsOf(failure, info.service) : []), ...plain]);
+    redraw(this.element, [today(), shown, state], () => [...(failure ? wordsOf(failure, info.service) : []), ...plain]);
   }
 }
 
-function wordsOf({ method, outcome, text: reason, who, begin, request }, service) {
-  const what = outcome === "lost" ? ["failed.lost", { what: text(`operation.${method}`) }] : `failed.${method}`;
+function wordsOf({ method, outcome, isOpen, text: reason, who, begin, request }, service) {
+  const key = isOpen ? "failed.open" : outcome === "lost" ? "failed.lost" : `failed.${method}`;
+  const what = [key, { what: text(`operation.${method}`) }];
   const at = { time: time(begin), who: text(`who.${who}`) };
   return [
     make("p", { class: "strip-title", text: what }),
     ...(reason ? [make("p", {}, foreign(reason))] : []),
     ...(who ? [make("p", { class: "quiet", text: ["failed.at", at] })] : []),
-    ...(request ? [logLines(request), button("failed.dismiss", () => dismiss(service), { class: "small" })] : []),
+    ...(request ? [logLines(request)] : []),
+    button("failed.dismiss", () => dismiss(service, kindOf(method)), { class: "small" }),
   ];
 }

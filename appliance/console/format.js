@@ -18,13 +18,18 @@ export function percent(done, all) {
   return `${whole.format(all > 0 ? Math.floor((100 * done) / all) : 0)}\u00a0%`;
 }
 
+// Of the user's calendar. What shows times is to be shown anew when it changes.
+export function today() {
+  return new Date().toDateString();
+}
+
 // The clock time of today, the date too of other days.
 export function time(iso) {
   const date = new Date(iso);
   if (Number.isNaN(date.getTime())) {
     return String(iso);
   }
-  return (date.toDateString() === new Date().toDateString() ? clock : calendar).format(date);
+  return (date.toDateString() === today() ? clock : calendar).format(date);
 }
 
 export function duration(ms) {

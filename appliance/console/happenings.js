@@ -27,13 +27,19 @@ function operationOf(operation) {
   return { service, name: nameOf(service), time: begin, who, outcome, words: problem ? `${what}: ${problem}` : what };
 }
 
-function entryOf({ event, texts, time, who }) {
-  const words = texts.filter(Boolean).join(": ");
+function entryOf({ event, texts, time, who, request }) {
   if (event !== kAddOnControlled) {
-    return { name: "", time, who, words: text("entry.other", { event, texts: words }) };
+    return { name: "", time, who, words: text("entry.other", { event, texts: texts.filter(Boolean).join(": ") }) };
   }
-  const service = store.services.find((info) => info.name === texts[0])?.service;
-  return { service, name: texts[0], time, who, words: texts[1] };
+  const [name, words] = texts;
+  const isOpen = !name || !words;
+  const operation = isOpen ? store.operations.ofRequest(request) : undefined;
+  return {
+    service: operation?.service ?? store.services.find((info) => info.name === name)?.service,
+    name: name || (operation ? nameOf(operation.service) : text("entry.addOn")),
+    words: words || (operation ? text(`operation.${operation.method}`) : ""),
+    time, who, isOpen: isOpen && !operation,
+  };
 }
 
 function notificationOf({ type, texts, time }) {
@@ -54,10 +60,14 @@ export function happenings() {
 
 function described(kind, one, describe) {
   if (!known.has(one)) {
-    const { words, ...others } = describe(one);
+    const { words, isOpen, ...others } = describe(one);
     const { id } = one;
     const key = `${kind}-${id}`;
-    known.set(one, { who: "", outcome: "", ...others, words: words.slice(0, kWordsLimit), kind, id, key });
+    const description = { who: "", outcome: "", ...others, words: words.slice(0, kWordsLimit), kind, id, key };
+    if (isOpen) {
+      return description;
+    }
+    known.set(one, description);
   }
   return known.get(one);
 }

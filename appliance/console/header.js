@@ -1,9 +1,10 @@
 // The bar at the top: which appliance this is, whether it answers, the language, the way out. Below it, what is wrong.
 import { showOptions } from "./activity.js";
+import { CallError, kRecorderAway, kUnreachable } from "./api.js";
 import { announce, button, make, setAttribute, setShown, setText } from "./dom.js";
+import { wordsFor } from "./problems.js";
 import { store } from "./store.js";
 import { fill, language, languages, setLanguage, text } from "./texts.js";
-
 
 const byId = (id) => document.getElementById(id);
 
@@ -20,8 +21,8 @@ export function prepareHeader(onChoose, onSignOut) {
   byId("language").addEventListener("change", (event) => setLanguage(event.target.value));
 }
 
-export function showHeader(isSignedIn, recorders) {
-  const { appliance, connection, recorder } = store;
+export function showHeader(isSignedIn) {
+  const { appliance, connection, recorder, recorders } = store;
   document.title = appliance.name ? `${appliance.name} – Camvora` : "Camvora";
   for (const id of ["appliance", "connection", "sign-out"]) {
     setShown(byId(id), isSignedIn);
@@ -53,17 +54,27 @@ export class Banner {
   }
 
   show() {
-    const { connection, recorder } = store;
+    const { appliance, connection, recorder } = store;
     const trouble = troubleOf(store);
     setShown(this.#trouble, trouble !== "");
     setShown(this.#retry, trouble === connection);
     if (trouble !== "") {
-      fill(this.#title, `${trouble}.title`);
+      fill(this.#title, ...titleOf(trouble, store));
       fill(this.#words, `${trouble}.words`, { name: recorder });
+      setShown(this.#words, appliance.model); // before that nothing is known
     }
     setShown(this.#recorder, recorder !== "");
     fill(this.#recorder, "recorder.note", { name: recorder });
   }
+}
+
+function titleOf(trouble, { error, recorder }) {
+  if (trouble !== "lost" || !(error instanceof CallError) || error.code === kUnreachable) {
+    return [`${trouble}.title`];
+  }
+  return error.code === kRecorderAway
+    ? ["lost.recorder", { name: recorder }]
+    : ["refusal.call", { reason: wordsFor(error) }];
 }
 
 function troubleOf({ connection, recorder, appliance }) {

@@ -1,9 +1,10 @@
 // A package file's way to the appliance, in one window: sent, checked, shown, and installed when that is agreed to.
-import { Dialog } from "./dialog.js";
+import { install } from "./agreed.js";
+import { Dialog, tell } from "./dialog.js";
 import { make } from "./dom.js";
 import { percent, Rate, size } from "./format.js";
 import { logLines } from "./loglines.js";
-import { alone, carryOut, isBusy, order } from "./orders.js";
+import { alone, carryOut, isBusy } from "./orders.js";
 import { isDowngrade, planFor } from "./plan.js";
 import { isCut, refusalOf } from "./problems.js";
 import { infoOf, store } from "./store.js";
@@ -31,8 +32,7 @@ export function installFile(file, service) {
   if (info) {
     void new Installation(file, info).run();
   } else {
-    const dialog = new Dialog("install.title");
-    dialog.show([make("p", { text: ["install.which", { file: file.name }] })], dialog.closer("dialog.close"));
+    tell("install.title", {}, ["install.which", { file: file.name }]);
   }
 }
 
@@ -41,6 +41,7 @@ class Installation {
   #info;
   #dialog;
   #isOpen = true;
+  #isSent = false;
   #cancelUpload = () => {};
 
   constructor(file, info) {
@@ -67,6 +68,7 @@ class Installation {
     const { service } = this.#info;
     try {
       const pkgInfo = await this.#send();
+      this.#isSent = true;
       store.pending.get(service).method = "GetPkgInfo";
       this.#dialog.show([make("p", { text: "install.checking", role: "status" }),
         make("progress", { label: "work.GetPkgInfo" })], this.#dialog.closer("dialog.cancel"));
@@ -92,19 +94,19 @@ class Installation {
     return done;
   }
 
-  #showPlan(pack) {
+  #showPlan({ data: pack, request }) {
     const isOlder = isDowngrade(this.#info, pack.version);
-    const install = () => void order(this.#info.service, "Update", { filePath: pack.filePath });
+    const confirm = () => void install(this.#info, pack.filePath, request);
     const [key, style] = isOlder ? ["install.confirmOlder", "danger"] : ["install.confirm", "primary"];
     this.#dialog.show(planFor(this.#info, { ...pack, file: this.#file.name }),
-      this.#dialog.closer("dialog.cancel"), this.#dialog.doer(key, install, style));
+      this.#dialog.closer("dialog.cancel"), this.#dialog.doer(key, confirm, style));
   }
 
   #showFailure(error) {
     if (error instanceof UploadCancelled || !this.#isOpen) {
       return;
     }
-    if (isCut(error)) {
+    if (isCut(error) && !this.#isSent) {
       this.#showEnd("install.cut", "advice.cut", {}, "",
         this.#dialog.doer("install.again", () => installFile(this.#file, this.#info.service)));
     } else {

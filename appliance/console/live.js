@@ -1,7 +1,7 @@
 // The appliance itself, followed by its stream of events.
 import { call, page } from "./api.js";
 import { EventStream } from "./events.js";
-import { changed, setConnection, store, take } from "./store.js";
+import { changed, holdView, setConnection, store, take } from "./store.js";
 
 const kKept = 300; // of notifications, and of entries of the operation log
 const kRestPauseMs = 1000;
@@ -13,7 +13,7 @@ let restTimer;
 
 // `onRefused` is called when nobody is signed in any more.
 export function start(onRefused) {
-  stream = new EventStream({ onEvent: takeEvent, onLost: () => setConnection("lost"), onRefused });
+  stream = new EventStream({ onEvent: takeEvent, onLost: (error) => setConnection("lost", error), onRefused });
 }
 
 export function stop() {
@@ -26,21 +26,37 @@ export function retryNow() {
   stream.retryNow();
 }
 
+// Which appliance it is, and the recorders that are paired with it.
+export async function readAppliance() {
+  const isShown = holdView();
+  const appliance = await page("/appliance");
+  const { pairs } = appliance.blCmsHost ? await page("/pairs") : { pairs: [] };
+  if (isShown()) {
+    store.appliance = appliance;
+    store.recorders = pairs.filter(({ role }) => role === "server").map(({ name }) => name);
+    changed();
+  }
+}
+
 export async function readServices() {
+  const isShown = holdView();
   const { data } = await call("List");
-  take({ services: data.list.map((entry) => entry.info) });
+  if (isShown()) {
+    take({ services: data.list.map((entry) => entry.info) });
+  }
 }
 
 // Waits until the operation of the request is known, and over where `isAnswerTheEnd`, and shows in the services.
 export async function settle(request, isAnswerTheEnd) {
+  const isShown = holdView();
   const until = performance.now() + kSettleMs;
   const operation = () => store.operations.ofRequest(request);
   const isKnown = () => operation() && !(isAnswerTheEnd && operation().outcome === "running");
-  while (!isKnown() && performance.now() < until) {
+  while (isShown() && !isKnown() && performance.now() < until) {
     await (operation() ? store.operations.read(operation().id) : store.operations.catchUp());
     await new Promise((resolve) => setTimeout(resolve, kSettleStepMs));
   }
-  if (operation()?.outcome !== "running") {
+  if (isShown() && operation()?.outcome !== "running") {
     await readServices();
   }
 }
@@ -61,27 +77,40 @@ function takeEvent(name, data) {
 
 // Only with what has happened before the stream began the appliance is shown as it is.
 async function catchUp() {
+  const isShown = holdView();
   try {
     await store.operations.catchUp();
-    setConnection("live");
-  } catch {
-    stream.drop();
+    if (isShown()) {
+      setConnection("live");
+    }
+  } catch (error) {
+    if (isShown()) {
+      stream.drop(error);
+    }
   }
 }
 
 // What the stream does not tell.
 async function readRest() {
+  const isShown = holdView();
+  const last = store.entries.at(-1)?.id ?? 0;
   try {
-    store.appliance = await page("/appliance");
-    const last = store.entries.at(-1)?.id ?? 0;
-    const { entries } = await page(last === 0 ? "/operationlog" : `/operationlog?after=${last}`);
-    const news = entries.filter((entry) => entry.id > last);
-    if (news.length > 0) {
-      store.entries = [...store.entries, ...news].slice(-kKept);
+    const [{ entries }] = await Promise.all([
+      page(last === 0 ? "/operationlog" : `/operationlog?after=${last}`), readAppliance()]);
+    if (isShown()) {
+      takeEntries(entries.filter((entry) => entry.id > last));
     }
-    changed();
   } catch {
     // the next event, or the next connection, brings another attempt
   }
-  restTimer = undefined;
+  if (isShown()) {
+    restTimer = undefined;
+  }
+}
+
+function takeEntries(news) {
+  if (news.length > 0) {
+    store.entries = [...store.entries, ...news].slice(-kKept);
+    changed();
+  }
 }

@@ -1,28 +1,29 @@
 // Signs in, then shows the appliance for as long as the session lasts.
 import { Activity } from "./activity.js";
-import { callAt, exchange, isRefusal, page, whenSessionEnds } from "./api.js";
+import { callAt, isRefusal, whenSessionEnds } from "./api.js";
 import { guardClicks } from "./dom.js";
 import { Banner, prepareHeader, showHeader } from "./header.js";
 import * as live from "./live.js";
+import { wordsFor } from "./problems.js";
 import * as recorder from "./recorder.js";
 import { Services } from "./services.js";
 import { signIn, SignInView, signOut, takeCode } from "./signin.js";
 import { changed, forget, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
 
 const kRetryMs = 2000;
+const kLookMs = 60_000; // another day may have begun
 
 const signInView = new SignInView(open);
-const views = [new Banner(() => source?.retryNow()), new Services(), new Activity()];
+const banner = new Banner(() => (source ? source.retryNow() : open()));
+const views = [banner, new Services(), new Activity()];
 
+let retryTimer;
 let source; // what follows the appliance that is shown: `live`, or `recorder`
 let isSignedIn = false;
-let recorders = [];
 
 function show() {
-  showHeader(isSignedIn, recorders);
-  if (isSignedIn) {
-    views.forEach((view) => view.show());
-  }
+  showHeader(isSignedIn);
+  (isSignedIn ? views : [banner]).forEach((view) => view.show());
 }
 
 function enter(...entered) {
@@ -32,8 +33,8 @@ function enter(...entered) {
 // Shows how to get in. `reason` is a text's key, "" for none.
 function shut(reason) {
   isSignedIn = false;
-  recorders = [];
   source?.stop();
+  source = undefined;
   forgetAppliance();
   document.querySelectorAll("dialog").forEach((dialog) => dialog.close());
   signInView.note(reason);
@@ -48,23 +49,22 @@ function end() {
 
 // Shows the appliance where somebody is signed in, else the way in.
 async function open() {
+  clearTimeout(retryTimer);
   try {
-    store.appliance = (await exchange("/appliance", "GET")).data;
+    await live.readAppliance();
   } catch (error) {
     if (isRefusal(error)) {
       shut("");
     } else {
-      setConnection("lost");
-      setTimeout(open, kRetryMs);
+      setConnection("lost", error);
+      retryTimer = setTimeout(open, kRetryMs);
+      enter(...(isSignedIn ? views : [banner]));
     }
     return;
   }
   isSignedIn = true;
   enter(...views);
   choose("");
-  const { pairs } = await page("/pairs").catch(() => ({ pairs: [] }));
-  recorders = pairs.filter(({ role }) => role === "server").map(({ name }) => name);
-  changed();
 }
 
 // Shows the paired recorder of that name, "" for the appliance itself.
@@ -86,7 +86,9 @@ async function begin() {
   const code = takeCode();
   const refusal = code && (await signIn(code).then(() => undefined, (error) => error));
   await open();
-  if (refusal) {
+  if (refusal && isSignedIn) {
+    (await import("./dialog.js")).tell("signin.title", {}, ["refusal.call", { reason: wordsFor(refusal) }]);
+  } else if (refusal) {
     signInView.noteRefusal(refusal);
   }
 }
@@ -96,4 +98,5 @@ whenChanged(show);
 whenSessionEnds(end);
 prepareHeader(choose, leave);
 addEventListener("hashchange", begin);
+setInterval(changed, kLookMs);
 void begin();

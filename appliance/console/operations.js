@@ -7,16 +7,23 @@ const kChanging = ["Enable", "Disable", "Restart", "Update", "Restore"];
 
 const isRunning = (operation) => operation.outcome === "running";
 
+// "change" for what changes the service, which is one kind; else the method.
+export function kindOf(method) {
+  return kChanging.includes(method) ? "change" : method;
+}
+
 export class Operations {
   #all = []; // by their ids
   #streamed = []; // those that the stream last named as running
   #readTo = 0; // the newest of those that were read as a list
   #onChange;
+  #onCaughtUp;
   #timer;
   #era = 0; // grows when all is forgotten
 
-  constructor(onChange) {
+  constructor(onChange, onCaughtUp) {
     this.#onChange = onChange;
+    this.#onCaughtUp = onCaughtUp;
   }
 
   // Forgets all of them, and what is still being asked for.
@@ -43,10 +50,10 @@ export class Operations {
     return this.#all.find((operation) => operation.service === service && isRunning(operation));
   }
 
-  // The last that has ended of those that change the service.
-  lastChange(service) {
+  // The last that has ended of those of that kind.
+  last(service, kind) {
     return this.#all.findLast((operation) =>
-      operation.service === service && !isRunning(operation) && kChanging.includes(operation.method));
+      operation.service === service && !isRunning(operation) && kindOf(operation.method) === kind);
   }
 
   // Reads the one with that id.
@@ -61,7 +68,7 @@ export class Operations {
     this.#streamed = running.map((operation) => operation.id);
     this.#keep(running);
     if (lastId > this.#readTo || String(this.#streamed) !== before) {
-      this.look(0);
+      this.#look();
     }
   }
 
@@ -69,6 +76,7 @@ export class Operations {
   async catchUp() {
     const news = await this.#fetch(this.#readTo === 0 ? "" : `?after=${this.#readTo}`);
     this.#readTo = news.at(-1)?.id ?? this.#readTo;
+    this.#onCaughtUp();
   }
 
   async #fetch(query) {
@@ -82,7 +90,7 @@ export class Operations {
   }
 
   // Reads what is not known yet: begins, and ends.
-  look(pauseMs) {
+  #look() {
     const era = this.#era;
     this.#timer ??= setTimeout(async () => {
       this.#timer = undefined;
@@ -96,12 +104,12 @@ export class Operations {
         // the next event, or the next connection, brings another look
       }
       this.#lookIfUnseen();
-    }, pauseMs);
+    }, kLookMs);
   }
 
   #lookIfUnseen() {
     if (this.#unseen().length > 0) {
-      this.look(kLookMs);
+      this.#look();
     }
   }
 

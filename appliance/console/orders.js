@@ -3,7 +3,7 @@ import { call } from "./api.js";
 import { readServices, settle } from "./live.js";
 import { problemOf } from "./problems.js";
 import * as recorder from "./recorder.js";
-import { changed, infoOf, store } from "./store.js";
+import { changed, holdView, infoOf, store } from "./store.js";
 import { text } from "./texts.js";
 
 const kNamed = ["Enable", "Disable", "Restore"]; // enter the operation log, with words for it
@@ -16,40 +16,57 @@ export function isBusy(service) {
   return store.pending.has(service) || store.operations.running(service) !== undefined;
 }
 
-// Has the method carried out. Returns its data when that is over, or under way without us; undefined when it failed.
-export function order(service, method, params) {
+// Has the method carried out, until that is over, or under way without us. `check` comes first; what it throws, too,
+// becomes the service's problem.
+export function order(service, method, params, check = () => {}) {
   const names = kNamed.includes(method) && { serviceName: infoOf(service).name, description: text(`log.${method}`) };
-  return alone(service, method, () => carryOut(service, method, { ...params, ...names }));
+  return alone(service, method, async () => {
+    await check();
+    await carryOut(service, method, { ...params, ...names });
+  });
 }
 
-// Calls the method, and waits until what it was answered shows in the services. Throws a CallError.
+// Calls the method, and waits until what it was answered shows in the services. Returns the answer: its data and the
+// request's id. Throws a CallError.
 export async function carryOut(service, method, params) {
+  const isShown = holdView();
   const answer = await call(method, { service, ...params }).catch((error) => error);
-  if (answer.request) {
+  if (answer.request && isShown()) {
     await whenSeen(service, answer instanceof Error ? undefined : method, answer.request);
   }
   if (answer instanceof Error) {
     throw answer;
   }
-  return answer.data ?? {};
+  return answer;
 }
 
 // Runs `work` while nothing else can be asked for `service`. What it throws becomes the service's problem.
 export async function alone(service, method, work) {
-  if (isBusy(service)) {
-    return undefined;
+  if (!isBusy(service)) {
+    await alongside(service, method, work);
   }
+}
+
+// As `alone`, but beside an operation that runs.
+export async function alongside(service, method, work) {
+  if (store.pending.has(service)) {
+    return;
+  }
+  const isShown = holdView();
   store.problems.delete(service);
   store.pending.set(service, { method, begin: new Date().toISOString() });
   changed(true);
   try {
-    return await work();
+    await work();
   } catch (error) {
-    store.problems.set(service, problemOf(error, method));
-    return undefined;
+    if (isShown()) {
+      store.problems.set(service, problemOf(error, method));
+    }
   } finally {
-    store.pending.delete(service);
-    changed(true);
+    if (isShown()) {
+      store.pending.delete(service);
+      changed(true);
+    }
   }
 }
 

@@ -2,9 +2,11 @@
 import { kUnreachable } from "./api.js";
 import { hasText, text } from "./texts.js";
 
-// What the store keeps of a failure of `method`.
+// What the store keeps of a failure of `method`. `isOpen`: the answer was lost, not necessarily the operation.
 export function problemOf(error, method) {
-  return { method, text: error.code === undefined ? error.message : wordsFor(error), request: error.request };
+  const isOpen = isCut(error) && hasText(`operation.${method}`);
+  const words = error.code === undefined ? error.message : wordsFor(error);
+  return { method, text: isOpen ? "" : words, request: error.request, isOpen };
 }
 
 // The words for a CallError: the console's where it knows the code, else the appliance's.

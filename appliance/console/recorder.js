@@ -1,7 +1,7 @@
 // A recorder that is paired with the appliance, asked again and again, as it tells nothing by itself.
 import { isRefusal } from "./api.js";
 import { readServices } from "./live.js";
-import { infoOf, setConnection } from "./store.js";
+import { holdView, infoOf, setConnection } from "./store.js";
 
 const kPauseMs = 2000;
 const kSettleMs = 20_000;
@@ -27,10 +27,11 @@ export function retryNow() {
 
 // Waits until the service runs, or does not, as `isRunning` says; undefined is either. False when it did not in time.
 export async function settle(service, isRunning) {
+  const isShown = holdView();
   const until = performance.now() + kSettleMs;
-  while (performance.now() < until) {
+  while (isShown() && performance.now() < until) {
     await readServices();
-    if (isRunning === undefined || infoOf(service).blRunning === isRunning) {
+    if (isRunning === undefined || infoOf(service)?.blRunning === isRunning) {
       return true;
     }
     await pause(kSettleStepMs);
@@ -40,14 +41,9 @@ export async function settle(service, isRunning) {
 
 async function poll(mine) {
   for (; mine.isWanted; await pause(kPauseMs)) {
-    let connection = "live";
-    try {
-      await readServices();
-    } catch (error) {
-      connection = isRefusal(error) ? "refused" : "lost";
-    }
+    const error = await readServices().catch((problem) => problem);
     if (mine.isWanted) {
-      setConnection(connection);
+      setConnection(!error ? "live" : isRefusal(error) ? "refused" : "lost", error);
     }
   }
 }

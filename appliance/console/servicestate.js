@@ -1,10 +1,12 @@
 // How a service stands, of all that is known: what its card shows, and what may be asked for it.
-import { store } from "./store.js";
+import { isDismissed, store } from "./store.js";
 import { changeBetween } from "./versions.js";
 
 const kStarted = 1; // statuses of a service
 const kInProgress = 4;
-const kReading = ["DownloadStart", "GetPkgInfo", "Upload", "CheckUpdateInfo", "SetAutoUpdate"]; // leave it as it is
+const kReading = [ // leave it as it is
+  "DownloadStart", "DownloadCancel", "GetPkgInfo", "Upload", "CheckUpdateInfo", "SetAutoUpdate",
+];
 
 export const kDownload = { running: 1, ready: 2, failed: 4 }; // statuses of a download
 
@@ -48,19 +50,21 @@ function nameOf({ info, work }) {
 }
 
 function failureOf(service, download) {
-  const last = store.operations.lastChange(service);
   if (store.problems.has(service)) {
     return store.problems.get(service);
   }
-  if (["failed", "lost"].includes(last?.outcome) && last.id !== store.dismissed.get(service)) {
+  const last = store.operations.last(service, "change");
+  if (["failed", "lost"].includes(last?.outcome) && !isDismissed(service, "change")) {
     return { ...last, text: last.problem };
   }
-  return download?.status === kDownload.failed ? { method: "DownloadStart", text: download.problem } : undefined;
+  return download?.status === kDownload.failed && !isDismissed(service, "DownloadStart")
+    ? { ...store.operations.last(service, "DownloadStart"), method: "DownloadStart", text: download.problem }
+    : undefined;
 }
 
 function actionsOf({ info, state, work, release, download }) {
   if (download?.status === kDownload.running) {
-    return ["cancel"];
+    return store.pending.has(info.service) ? [] : ["cancel"];
   }
   if (work) {
     return [];

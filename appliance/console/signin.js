@@ -14,7 +14,7 @@ export function takeCode() {
     return "";
   }
   history.replaceState(null, "", pathname);
-  return decodeURIComponent(hash.slice(kCodeInLink.length));
+  return hash.slice(kCodeInLink.length);
 }
 
 // Throws a CallError where the code is refused.

@@ -1,20 +1,23 @@
-// What is known of the appliance that is shown. Who shows it is told of changes, a few times a second at most.
+// What is known of the appliance that is shown. Who shows it is told of changes, once a second at most.
 import { Operations } from "./operations.js";
 
 const kDismissed = "camvora-dismissed";
-const kPauseMs = 500; // between two looks of those who show it
+const kPauseMs = 1000; // between two looks of those who show it
 const kNoAppliance = { name: "", model: "", version: "", blCmsHost: false };
 const kStreamed = ["services", "downloads", "releases"];
 
 export const store = {
+  era: 0, // grows when all is forgotten
   connection: "connecting", // later "live", "lost" or "refused"
+  error: undefined, // of a connection that is lost
   appliance: kNoAppliance,
+  recorders: [], // the names of those that are paired with it
   recorder: "", // the paired recorder that is shown; "" is the appliance itself
-  operations: new Operations(() => changed()),
+  operations: new Operations(() => changed(), forgetOpen),
   pending: new Map(), // service to what is asked for it and not over: {method, begin}
   problems: new Map(), // service to why the last thing that was asked for it failed, see problemOf
   checks: new Map(), // service to what the last look for a release has answered
-  dismissed: new Map(JSON.parse(sessionStorage.getItem(kDismissed) ?? "[]")), // service to the last failure put away
+  dismissed: new Map(JSON.parse(sessionStorage.getItem(kDismissed) ?? "[]")), // the last failures put away, by kind
 };
 
 const listeners = [];
@@ -43,8 +46,10 @@ function tellAll() {
   listeners.forEach((listener) => listener());
 }
 
-export function setConnection(connection) {
+// `error`: why nobody answers, where that is known.
+export function setConnection(connection, error) {
   store.connection = connection;
+  store.error = error;
   changed();
 }
 
@@ -58,6 +63,7 @@ export function take(news) {
 
 // Forgets the appliance, as when another one is shown or the session is over.
 export function forget() {
+  ++store.era;
   for (const name of [...kStreamed, "entries", "notifications"]) {
     store[name] = [];
   }
@@ -67,19 +73,37 @@ export function forget() {
   setConnection("connecting");
 }
 
+// Returns a function that tells, after a wait, whether it is still the same that is shown.
+export function holdView() {
+  const { era } = store;
+  return () => era === store.era;
+}
+
 export function forgetAppliance() {
   store.appliance = kNoAppliance;
+  store.recorders = [];
   forget();
+}
+
+// What had no answer is known by its record, once that is read.
+function forgetOpen() {
+  store.problems.forEach(({ isOpen }, service) => isOpen && store.problems.delete(service));
 }
 
 export function infoOf(service) {
   return store.services.find((info) => info.service === service);
 }
 
-// Puts the failure away that the service shows.
-export function dismiss(service) {
+const lastId = (service, kind) => store.operations.last(service, kind)?.id ?? 0;
+
+// Whether the last failure of that kind of operation was put away.
+export function isDismissed(service, kind) {
+  return store.dismissed.get(`${service} ${kind}`) === lastId(service, kind);
+}
+
+export function dismiss(service, kind) {
   store.problems.delete(service);
-  store.dismissed.set(service, store.operations.lastChange(service)?.id);
+  store.dismissed.set(`${service} ${kind}`, lastId(service, kind));
   sessionStorage.setItem(kDismissed, JSON.stringify([...store.dismissed]));
   changed(true);
 }

@@ -9,7 +9,7 @@ import { BusyHost } from "./support/busyhost.js";
 
 const kEventsPerS = 10;
 const kMeasuredS = 8;
-const kBurst = 3000;
+const kBurst = 36_000; // of an hour at that pace
 
 // The keys of a language's texts, each with the values that stand in its sentence.
 async function keysOf(language) {
@@ -21,6 +21,15 @@ async function keysOf(language) {
 
 test("both languages say the same things, with the same values in them", async () => {
   assert.deepEqual(await keysOf("de"), await keysOf("en"));
+});
+
+test("there are words for every kind of operation that the host records", async () => {
+  const source = readFileSync(new URL("../../appliance/host/operations.cpp", import.meta.url), "utf8");
+  const methods = [...source.matchAll(/\{"(\w+)", (?:true|false)\}/g)].map(([, method]) => method);
+  assert.ok(methods.includes("Enable") && methods.length > 5);
+  const keys = Object.keys(await keysOf("en"));
+  const needed = methods.flatMap((method) => [`operation.${method}`, `work.${method}`]);
+  assert.deepEqual(needed.filter((key) => !keys.includes(key)), []);
 });
 
 async function measure(session) {
@@ -43,7 +52,7 @@ test("opening the console loads less than 100 KB, and shows something soon", asy
   await browser.close();
   host.end();
   assert.ok(bytes > 50_000 && bytes < 100_000, "what is loaded");
-  assert.ok(paint < 1000, "the first paint");
+  assert.ok(paint < 1000, "the first paint"); // 300 ms where nothing else runs
 });
 
 test("ten events a second take little of the processor, and thousands leave nothing behind", async (t) => {
@@ -69,7 +78,7 @@ test("ten events a second take little of the processor, and thousands leave noth
 
   for (let i = 0; i < kBurst; ++i) {
     host.happen();
-    await (i % 10 === 0 ? sleep(1) : undefined);
+    await (i % 20 === 0 ? sleep(1) : undefined);
   }
   await sleep(1000);
   const last = await measure(session);
@@ -79,6 +88,7 @@ test("ten events a second take little of the processor, and thousands leave noth
   await user.close();
   await browser.close();
   host.end();
+  // What else runs on the machine makes this dearer: the bound is above what is aimed at, 5 % of a core.
   assert.ok(share < 15, "the processor");
   assert.ok(grownKiB < 1024, "the heap");
   assert.ok(last.Nodes - after.Nodes < 200, "the nodes");

@@ -90,6 +90,17 @@ test("a package is shown, then installed when that is agreed to; a downgrade say
   }
 });
 
+test("another package that comes in after one was shown is not installed in its place", async () => {
+  const before = (await its.appliance.info(6)).version;
+  await choose("Local Display", samplePath("local_display-1.6.0-0071"));
+  await its.user.sees("To install", its.user.dialog);
+  await its.appliance.upload("local_display-1.6.1-0075", "local_display");
+  await its.user.button("Install", its.user.dialog).click();
+  await its.user.sees("Another package came in meanwhile. Look at it again.", its.user.card("Local Display"));
+  await its.user.button("Put away", its.user.card("Local Display")).click();
+  assert.equal((await its.appliance.info(6)).version, before);
+});
+
 test("an installation of the Device Pack says that all stops, and its course can be looked at", async () => {
   await its.appliance.call("Enable", { service: 3 });
   await its.user.showsState("Service 3", "Running");
@@ -121,7 +132,12 @@ test("an upload shows how far it is, and can be cancelled; one that is cut can b
   await its.user.drop(its.user.card("Local Display"), [sample("local_display-1.6.1-0075")]);
   await its.user.sees(/The connection broke before the file was there/, its.user.dialog);
   await slow(-1);
+  await its.user.page.route("**/GetPkgInfo", (route) => route.abort("connectionreset"), { times: 1 });
   await its.user.button("Send it again", its.user.dialog).click();
+  await its.user.sees("The package was not taken", its.user.dialog);
+  await its.user.sees("The appliance does not answer.", its.user.dialog);
+  await its.user.button("Close", its.user.dialog).click();
+  await its.user.drop(its.user.card("Local Display"), [sample("local_display-1.6.1-0075")]);
   await its.user.sees("To install", its.user.dialog);
 });
 

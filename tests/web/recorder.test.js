@@ -1,10 +1,13 @@
 // A CMS host, and a recorder that is seen through it.
 import assert from "node:assert/strict";
 import { after, test } from "node:test";
+import { setTimeout as sleep } from "node:timers/promises";
 
 import { Appliance, samplePath } from "./support/appliance.js";
+import { eventually } from "./support/eventually.js";
 import { useConsole } from "./support/fixture.js";
 
+const kLookMs = 1000; // the console looks at what it knows more often
 const kRecorder = "gate.house-2";
 
 const its = useConsole({ prepare });
@@ -16,7 +19,6 @@ async function prepare({ appliance, user }) {
   await appliance.pairWith(recorder, kRecorder);
   appliance.breakActions("service4");
   await appliance.call("Enable", { service: 4 });
-  await user.page.reload();
   await user.sees("CMS host");
   await user.page.getByLabel("Shown").selectOption(kRecorder);
   await user.sees(new RegExp(`You see the recorder .*${kRecorder}`));
@@ -46,7 +48,36 @@ test("a package reaches it by way of the host", async () => {
   assert.equal((await its.appliance.info(6)).version, "1.5.2-0064");
 });
 
-test("one that refuses the host, or is away, holds back its own view only", async () => {
+test("a late answer of a recorder leaves the view of the appliance alone", async () => {
+  const { page } = its.user;
+  const isLate = (url) => url.pathname.startsWith("/servers/");
+  const late = [];
+  await page.route(isLate, (route) => void late.push(route));
+  await its.user.becomesUsable(its.user.button("Start: Service 5"));
+  await eventually(() => late.length > 0, "the recorder is asked");
+  await its.user.button("Start: Service 5").click();
+  await eventually(() => late.length > 1, "so it is for the start");
+  await page.getByLabel("Shown").selectOption("This appliance");
+  await its.user.isLive();
+  await its.user.becomesUsable(its.user.button("Start: Service 5"));
+  const isStart = (route) => route.request().url().endsWith("/Enable");
+  await Promise.all(late.map((route) => (isStart(route) ? route.abort() : route.continue())));
+  await sleep(kLookMs);
+  assert.equal(await its.user.card("Local Display").getByText("1.5.2-0064").count(), 1);
+  assert.equal(await its.user.card("Service 5").locator(".failure").isVisible(), false);
+  await page.unroute(isLate);
+  await page.getByLabel("Shown").selectOption(kRecorder);
+});
+
+test("one that is away is named, and comes back by itself", async () => {
+  await recorder.stop();
+  await its.user.sees(new RegExp(`The recorder .*${kRecorder}.* does not answer`));
+  assert.equal(await its.user.isOff(its.user.button("Start: Service 4")), true);
+  await recorder.launch();
+  await its.user.becomesUsable(its.user.button("Start: Service 4"));
+});
+
+test("one that refuses the host holds back its own view only", async () => {
   await recorder.client("pair", "remove", "host");
   await its.user.sees("The recorder does not admit this appliance");
   assert.equal(await its.user.isOff(its.user.button("Start: Service 4")), true);

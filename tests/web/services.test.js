@@ -65,6 +65,22 @@ test("a start that fails is told, with what was logged, until it is put away or 
   await eventually(async () => !(await card.getByText("The start failed").isVisible()), "it is over");
 });
 
+test("an answer that is lost says nothing of the end, and gives way to what was recorded", async () => {
+  const card = its.user.card("Service 4");
+  await its.user.page.route("**/Enable", (route) => route.abort("connectionreset"), { times: 1 });
+  await its.user.button("Start: Service 4").click();
+  await its.user.sees(/Nobody knows yet how this ended: .*Start/, card);
+  await its.user.button("Put away", card).click();
+  await its.user.page.route("**/Enable", async (route) => {
+    await route.fetch();
+    await route.abort("connectionreset");
+  }, { times: 1 });
+  await its.user.button("Start: Service 4").click();
+  await its.user.showsState("Service 4", "Running");
+  await eventually(async () => !(await card.locator(".failure").isVisible()), "the record says that it is done");
+  await its.appliance.call("Disable", { service: 4 });
+});
+
 test("a process that dies is told", async () => {
   await its.appliance.call("Enable", { service: 6 });
   await its.user.showsState("Local Display", "Running");
@@ -81,6 +97,11 @@ test("what is done in another window, or by the client, is shown in all", async 
   await other.isLive();
   await its.user.button("Start: Central Management").click();
   await other.showsState("Central Management", "Running");
+  await its.appliance.call("Disable", { service: 2 });
+  const unnamed = its.user.page.locator(".happenings li", { hasText: "Log entry" }).first();
+  await eventually(async () => /Central Management.*Stop/.test(await unnamed.textContent()), "the entry has a name");
+  await its.appliance.call("Enable", { service: 2 });
+  await other.showsState("Central Management", "Running");
   await its.appliance.client("stop", "cms");
   await Promise.all([its.user, other].map((one) => one.showsState("Central Management", "Stopped")));
   await other.page.close();
@@ -88,7 +109,12 @@ test("what is done in another window, or by the client, is shown in all", async 
 
 test("an operation of somebody else, seen after a reload too, is in progress until it ends", async () => {
   const { filePath } = await its.appliance.upload("device_pack-2.2.2-0142-hanging", "device_pack");
+  await its.user.button("Restore …: Device Pack").click();
   const update = its.appliance.call("Update", { service: 1, filePath });
+  await its.user.showsState("Device Pack", "In progress");
+  await its.user.button("Restore the factory copy", its.user.dialog).click();
+  await its.user.sees(/Something is under way for .*Device Pack/, its.user.dialog);
+  await its.user.button("Close", its.user.dialog).click();
   for (const look of [() => {}, () => its.user.page.reload()]) {
     await look();
     await its.user.showsState("Device Pack", "In progress");

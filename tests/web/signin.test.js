@@ -19,6 +19,11 @@ test("a link opens the console once, and leaves no code in the address", async (
   const second = await Console.open(its.browser, link);
   await second.sees(/The code is wrong, was used before/);
   assert.equal(await second.page.getByRole("article").count(), 0);
+  const third = await Console.open(its.browser, `${its.appliance.url}/#code=%`);
+  await third.sees(/The code is wrong, was used before/);
+  await third.close();
+  await first.page.goto(link);
+  await first.sees(/The code is wrong, was used before/, first.dialog);
   await first.close();
   await second.close();
 });

@@ -7,16 +7,14 @@ import { fileURLToPath } from "node:url";
 const kFolder = fileURLToPath(new URL("../../../appliance/console", import.meta.url));
 const kTypes = { ".html": "text/html", ".css": "text/css", ".js": "text/javascript", ".svg": "image/svg+xml" };
 const kServices = [1, 2, 3, 4, 5, 6];
-const kPages = {
-  "/appliance": { name: "busy", model: "NVR4", version: "3.2.1-0450", blCmsHost: false },
-  "/pairs": { pairs: [] },
-  "/operations": { operations: [] },
-  "/operationlog": { entries: [] },
-};
+const kKept = 1000; // operations, and log entries
+const kControlled = 0x133000b5;
 
 export class BusyHost {
   #count = 0;
   #isRunning = kServices.map(() => false);
+  #operations = [];
+  #entries = [];
   #streams = new Set();
   #server = createServer((request, response) => this.#answer(request, response));
 
@@ -35,13 +33,26 @@ export class BusyHost {
     this.#server.close();
   }
 
-  // A service starts or stops: a notification, and the state of all.
+  // A service starts or stops: an operation, an entry of the log, a notification, and the state of all.
   happen() {
-    const index = ++this.#count % kServices.length;
-    this.#isRunning[index] = !this.#isRunning[index];
-    this.#send("notification", { id: this.#count, time: new Date().toISOString(), request: "", type: 24,
-      texts: [String(kServices[index]), String(Number(this.#isRunning[index])), "0"] });
+    const id = ++this.#count;
+    const index = id % kServices.length;
+    const service = kServices[index];
+    const isRunning = (this.#isRunning[index] = !this.#isRunning[index]);
+    const time = new Date().toISOString();
+    const common = { id, request: `request-${id}`, who: "client" };
+    this.#keep(this.#operations, { ...common, method: isRunning ? "Enable" : "Disable", service, fromVersion: "",
+      toVersion: "", outcome: "done", begin: time, durationMs: 5, code: 0, problem: "" });
+    this.#keep(this.#entries,
+      { ...common, time, event: kControlled, number: 0, texts: [`Service ${service}`, "", ""] });
+    this.#send("notification", { id, time, request: common.request, type: 24,
+      texts: [String(service), String(Number(isRunning)), "0"] });
     this.#send("state", this.#state());
+  }
+
+  #keep(list, one) {
+    list.push(one);
+    list.splice(0, list.length - kKept);
   }
 
   #state() {
@@ -51,7 +62,7 @@ export class BusyHost {
         blRunning: isRunning, version: "1.0.0-0001", blHasPackages: true, blFactoryCopy: true, blAutoUpdate: false,
         ...(isRunning && { pid: 100 + service, since: "2026-03-01T12:00:00.000Z" }) };
     });
-    return { services, downloads: [], releases: [], operations: [] };
+    return { services, downloads: [], releases: [], operations: [], lastOperation: this.#count };
   }
 
   #send(name, data) {
@@ -60,14 +71,25 @@ export class BusyHost {
     }
   }
 
-  #answer({ url }, response) {
-    const [page] = url.split("?");
+  #pages(after) {
+    const news = (list) => list.filter(({ id }) => id > after);
+    return {
+      "/appliance": { name: "busy", model: "NVR4", version: "3.2.1-0450", blCmsHost: false },
+      "/pairs": { pairs: [] },
+      "/operations": { operations: news(this.#operations) },
+      "/operationlog": { entries: news(this.#entries) },
+    };
+  }
+
+  #answer(request, response) {
+    const { pathname: page, searchParams } = new URL(request.url, this.url);
+    const pages = this.#pages(Number(searchParams.get("after")));
     if (page === "/events") {
       response.setHeader("Content-Type", "text/event-stream");
       this.#streams.add(response);
       this.#send("snapshot", { lastNotification: 0, ...this.#state() });
-    } else if (page in kPages) {
-      response.end(JSON.stringify({ success: true, data: kPages[page] }));
+    } else if (page in pages) {
+      response.end(JSON.stringify({ success: true, data: pages[page] }));
     } else {
       const file = path.join(kFolder, page === "/" ? "index.html" : path.basename(page));
       response.setHeader("Content-Type", kTypes[path.extname(file)]);

@@ -1,0 +1,51 @@
+// What is done once somebody has agreed to it in a window.
+import { page } from "./api.js";
+import { ask, tell } from "./dialog.js";
+import { isBusy, order } from "./orders.js";
+import { isDowngrade, planFor, restorePlanFor } from "./plan.js";
+import { store } from "./store.js";
+import { text } from "./texts.js";
+
+export async function update(info) {
+  const { version } = store.downloads.find((download) => download.service === info.service);
+  const values = { name: info.name, version };
+  if (await ask("update.title", values, planFor(info, { version }), "install.confirm", isDowngrade(info, version))) {
+    store.checks.delete(info.service);
+    await orderAgreed(info, "Update", { filePath: "" }, async () => {
+      const { downloads } = await page("/downloads");
+      refuseIf(downloads.find((download) => download.service === info.service)?.version !== version);
+    });
+  }
+}
+
+export async function restore(info) {
+  if (await ask("restore.title", { name: info.name }, restorePlanFor(info), "restore.confirm", true)) {
+    await orderAgreed(info, "Restore");
+  }
+}
+
+// Installs the package at `filePath`, which the request `checked` has looked at; not one that came in since. What
+// comes in at a recorder is not known here.
+export function install(info, filePath, checked) {
+  return orderAgreed(info, "Update", { filePath }, async () => {
+    if (store.recorder === "") {
+      await store.operations.catchUp();
+      const { operations } = store;
+      refuseIf(operations.running(info.service) || operations.last(info.service, "GetPkgInfo")?.request !== checked);
+    }
+  });
+}
+
+async function orderAgreed(info, method, params, check) {
+  if (isBusy(info.service)) {
+    tell(`failed.${method}`, {}, ["refusal.busy", { name: info.name }]);
+  } else {
+    await order(info.service, method, params, check);
+  }
+}
+
+function refuseIf(isAnother) {
+  if (isAnother) {
+    throw new Error(text("refusal.replaced"));
+  }
+}
