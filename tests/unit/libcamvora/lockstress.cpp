@@ -28,6 +28,7 @@ constexpr milliseconds kTolerance{200};
 
 // What the processes share.
 struct Board {
+    std::atomic<bool> isOpen{false};  // once all have been started
     std::atomic<int> cyclesLeft{0};
     std::atomic<pid_t> inside{0};
     std::atomic<int> entered{0};
@@ -50,6 +51,9 @@ public:
         : folder_(folder), locking_(locking), board_(board) {}
 
     void Work() {
+        while (!board_.isOpen) {
+            std::this_thread::sleep_for(milliseconds(1));
+        }
         while (board_.cyclesLeft.fetch_sub(1) > 0) {
             Cycle();
         }
@@ -152,6 +156,7 @@ Figures Run(const std::string& folder, const Locking& locking, const Plan& plan)
     const auto start = [&] { return StartWorker(folder, locking, board); };
     std::vector<pid_t> pids(static_cast<std::size_t>(plan.processes));
     std::generate(pids.begin(), pids.end(), start);
+    board.isOpen = true;
     const int killed = plan.kill ? KillSomeUntilDone(pids, board, start) : 0;
     for (const pid_t pid : pids) {
         waitpid(pid, nullptr, 0);
