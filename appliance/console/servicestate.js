@@ -22,7 +22,7 @@ export function stateOf(info) {
     download: store.downloads.find((download) => download.service === service),
     check: store.checks.get(service),
   };
-  known.failure = failureOf(service, known.download);
+  known.failure = failureOf(known);
   known.state = nameOf(known);
   known.actions = new Set(actionsOf(known));
   return known;
@@ -49,7 +49,8 @@ function nameOf({ info, work }) {
   return info.status === kStarted ? "dead" : "stopped";
 }
 
-function failureOf(service, download) {
+// A download's failure counts once its operation has ended, too.
+function failureOf({ info: { service }, work, download }) {
   if (store.problems.has(service)) {
     return store.problems.get(service);
   }
@@ -57,7 +58,8 @@ function failureOf(service, download) {
   if (["failed", "lost"].includes(last?.outcome) && !isDismissed(service, "change")) {
     return { ...last, text: last.problem };
   }
-  return download?.status === kDownload.failed && !isDismissed(service, "DownloadStart")
+  const isOver = download?.status === kDownload.failed && work?.method !== "DownloadStart";
+  return isOver && !isDismissed(service, "DownloadStart")
     ? { ...store.operations.last(service, "DownloadStart"), method: "DownloadStart", text: download.problem }
     : undefined;
 }
