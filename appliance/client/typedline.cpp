@@ -27,9 +27,9 @@ const CommandDescription* FindCommand(const CommandDescription& parent, const st
     return nullptr;
 }
 
-class Reader {
+class LineReader {
 public:
-    explicit Reader(const CommandDescription& program) : program_(program) { line_.command = &program; }
+    explicit LineReader(const CommandDescription& program) : program_(program) { line_.command = &program; }
 
     void Take(const std::string& word) {
         if (line_.open != nullptr) {
@@ -80,7 +80,7 @@ private:
 }  // namespace
 
 TypedLine ReadTypedLine(const CommandDescription& program, const std::vector<std::string>& words) {
-    Reader reader(program);
+    LineReader reader(program);
     std::for_each(words.begin(), words.end() - 1, [&reader](const std::string& word) { reader.Take(word); });
     return reader.End(words.back());
 }
