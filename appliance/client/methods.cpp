@@ -78,6 +78,10 @@ Json::Value Documents(const std::vector<interface::Field>& fields, bool isParame
     return documents;
 }
 
+bool DoesChange(const ServedMethod& method) {
+    return method.description->effect != interface::Effect::kNone;
+}
+
 Json::Value Document(const ServedMethod& method) {
     Json::Value document;
     document["api"] = method.api;
@@ -85,7 +89,7 @@ Json::Value Document(const ServedMethod& method) {
     document["method"] = method.name;
     if (method.description != nullptr) {
         document["summary"] = method.description->summary;
-        document["changes"] = method.description->changes;
+        document["changes"] = DoesChange(method);
         document["parameters"] = Documents(method.description->parameters, true);
         document["answers"] = method.description->answers;
         document["members"] = Documents(method.description->members, false);
@@ -133,7 +137,7 @@ Table DescriptionTable(const ServedMethod& method) {
         return table;
     }
     table.AddRow({"What it does", method.description->summary});
-    table.AddRow({"Changes something", YesNo(method.description->changes)});
+    table.AddRow({"Changes something", YesNo(DoesChange(method))});
     AddFields(table, "Parameter", method.description->parameters);
     table.AddRow({"Answers", method.description->answers});
     AddFields(table, "Member", method.description->members);

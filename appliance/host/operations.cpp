@@ -3,10 +3,9 @@
 #include "host/decimal.h"
 #include "host/frameworkerrors.h"
 
+#include "interface/methodtable.h"
 #include "libcamvora/operations.h"
 
-#include <algorithm>
-#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -22,20 +21,11 @@ constexpr char kId[] = "id";
 constexpr char kAfter[] = "after";
 constexpr char kRequest[] = "request";
 
-struct OperationKind {
-    const char* method;
-    bool isDetached;
-};
+using interface::Effect;
 
-constexpr OperationKind kKinds[] = {
-    {"Enable", true},   {"Disable", true},       {"Restart", false},        {"Update", false},
-    {"Restore", false}, {"DownloadStart", true}, {"DownloadCancel", false}, {"GetPkgInfo", false},
-};
-
-const OperationKind* FindKind(const std::string& method) {
-    const auto* kind = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                    [&method](const OperationKind& k) { return method == k.method; });
-    return kind == std::end(kKinds) ? nullptr : kind;
+Effect EffectOf(const std::string& method) {
+    const interface::Method* known = interface::FindMethod(method);
+    return known == nullptr ? Effect::kNone : known->effect;
 }
 
 Json::Value ToJson(const camvora::Operation& operation) {
@@ -75,12 +65,11 @@ std::vector<camvora::Operation> Wanted(const httplib::Request& request, std::opt
 }  // namespace
 
 bool IsOperation(const std::string& method) {
-    return FindKind(method) != nullptr;
+    return EffectOf(method) == Effect::kOperation || IsDetached(method);
 }
 
 bool IsDetached(const std::string& method) {
-    const OperationKind* kind = FindKind(method);
-    return kind != nullptr && kind->isDetached;
+    return EffectOf(method) == Effect::kDetachedOperation;
 }
 
 Json::Value RunningOperations() {

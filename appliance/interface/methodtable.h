@@ -19,13 +19,21 @@ struct Field {
     const char* byDefault = nullptr;  // as JSON; null where the parameter has to be given
 };
 
+// What a method does to the appliance. Operations have a begin and an end, and are recorded.
+enum class Effect {
+    kNone,
+    kChange,
+    kOperation,          // to one add-on or service; over when it is answered
+    kDetachedOperation,  // the same, but goes on after its answer
+};
+
 struct Method {
     const char* name;
     const char* summary;  // one line without its full stop
     std::vector<Field> parameters;
     const char* answers;         // one line without its full stop
     std::vector<Field> members;  // of the answer's data; empty where there is none
-    bool changes;                // something on the appliance
+    Effect effect;
 };
 
 // All of them, those that belong together beside each other.

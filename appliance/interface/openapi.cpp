@@ -142,7 +142,7 @@ Json::Value OperationOf(const Method& method) {
     Json::Value operation;
     operation["operationId"] = method.name;
     operation["summary"] = method.summary;
-    operation["description"] = method.changes ? "Changes the appliance." : "Changes nothing.";
+    operation["description"] = method.effect == Effect::kNone ? "Changes nothing." : "Changes the appliance.";
     operation["requestBody"] = RequestBodyOf(method);
     operation["responses"]["200"] = AnswerOf(method);
     operation["responses"]["default"]["$ref"] = "#/components/responses/FrameworkError";

@@ -24,8 +24,9 @@ test("both languages say the same things, with the same values in them", async (
 });
 
 test("there are words for every kind of operation that the host records", async () => {
-  const source = readFileSync(new URL("../../appliance/host/operations.cpp", import.meta.url), "utf8");
-  const methods = [...source.matchAll(/\{"(\w+)", (?:true|false)\}/g)].map(([, method]) => method);
+  const source = readFileSync(new URL("../../appliance/interface/methodtable.cpp", import.meta.url), "utf8");
+  const methods = source.split(/^ {8}\{(?=")/m).filter((entry) => /Effect::k(Detached)?Operation/.test(entry))
+    .map((entry) => entry.match(/\w+/)[0]);
   assert.ok(methods.includes("Enable") && methods.length > 5);
   const keys = Object.keys(await keysOf("en"));
   const needed = methods.flatMap((method) => [`operation.${method}`, `work.${method}`]);
