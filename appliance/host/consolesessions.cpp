@@ -4,13 +4,10 @@
 #include "host/decimal.h"
 #include "host/requestids.h"
 
-#include "libcamvora/hextext.h"
+#include "libcamvora/hmac.h"
 
 #include <openssl/crypto.h>
-#include <openssl/evp.h>
-#include <openssl/hmac.h>
 
-#include <array>
 #include <optional>
 
 namespace host {
@@ -34,6 +31,7 @@ std::string ConsoleSessions::End(const std::string& cookies, std::time_t now) {
     const std::string session = SessionIn(cookies);
     if (IsGenuine(session, now)) {
         const std::lock_guard<std::mutex> lock(mutex_);
+        ended_.erase(ended_.begin(), ended_.lower_bound(std::to_string(now)));  // they begin with their end
         ended_.insert(session);
     }
     return Cookie("", 0);
@@ -64,11 +62,7 @@ bool ConsoleSessions::IsGenuine(const std::string& session, std::time_t now) con
 }
 
 std::string ConsoleSessions::Proof(const std::string& text) const {
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned int sizeBytes = 0;
-    HMAC(EVP_sha256(), token_.data(), static_cast<int>(token_.size()),
-         reinterpret_cast<const unsigned char*>(text.data()), text.size(), digest.data(), &sizeBytes);
-    return camvora::HexText(digest.data(), sizeBytes);
+    return camvora::HmacSha256(token_, text);
 }
 
 std::string ConsoleSessions::Cookie(const std::string& value, std::time_t lifeS) const {

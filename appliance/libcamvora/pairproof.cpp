@@ -1,12 +1,9 @@
 #include "libcamvora/pairproof.h"
 
-#include "libcamvora/hextext.h"
+#include "libcamvora/hmac.h"
 
 #include <openssl/crypto.h>
-#include <openssl/evp.h>
-#include <openssl/hmac.h>
 
-#include <array>
 #include <charconv>
 #include <cstdint>
 
@@ -31,12 +28,7 @@ bool IsFresh(const std::string& timestamp, std::time_t now) {
 }  // namespace
 
 std::string PairProof(const std::string& secret, const std::string& timestamp) {
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned int sizeBytes = 0;
-    HMAC(EVP_sha256(), secret.data(), static_cast<int>(secret.size()),
-         reinterpret_cast<const unsigned char*>(timestamp.data()), timestamp.size(), digest.data(),
-         &sizeBytes);
-    return HexText(digest.data(), sizeBytes);
+    return HmacSha256(secret, timestamp);
 }
 
 bool IsProofOfPair(const std::vector<std::string>& secrets, const std::string& proof,
