@@ -7,11 +7,9 @@
 #include "libcamvora/notifications.h"
 #include "libcamvora/operations.h"
 #include "platform/log.h"
-#include "platform/services.h"
 
 #include <algorithm>
 #include <exception>
-#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -24,13 +22,9 @@ using camvora::OperationEnd;
 // As downloads have them, see docs/api.md.
 constexpr int kDownloadReady = 2;
 
-std::string InstalledVersion(int service) {
-    return GetServiceInfo(static_cast<ADDON_SERVICE>(service))["version"].asString();
-}
-
 std::string VersionAfter(const camvora::Operation& operation, const Json::Value& data) {
     if (operation.method == "Update" || operation.method == "Restore") {
-        return InstalledVersion(operation.service);
+        return camvora::InstalledVersion(operation.service);
     }
     const bool isInspection = operation.method == "GetPkgInfo" && data.isObject();
     return isInspection ? data.get("version", "").asString() : "";
@@ -56,16 +50,26 @@ std::optional<Entry> EntryOf(const std::vector<Entry>& entries, int service) {
     return entry == entries.end() ? std::nullopt : std::make_optional(*entry);
 }
 
-// A download that was cancelled is forgotten; an older release that was ready before it is there again.
+bool IsBeingCancelled(int service) {
+    const std::vector<camvora::Operation> running = camvora::RunningOperations();
+    return std::any_of(running.begin(), running.end(), [service](const camvora::Operation& operation) {
+        return operation.service == service && operation.method == "DownloadCancel";
+    });
+}
+
+// A cancel kills the download before it forgets it; an older release that was ready is there again then.
 OperationEnd EndOfDownload(int service) {
+    const bool isBeingCancelled =
+        IsBeingCancelled(service);  // asked first: its end comes after the forgetting
     const auto download = EntryOf(camvora::DownloadStates(), service);
     const auto checked = EntryOf(camvora::CheckedServices(), service);
     const bool isOlder = download && checked && download->version != checked->newest.version;
-    if (!download || isOlder) {
+    const bool isReady = download && download->status == kDownloadReady;
+    if (!download || isOlder || (isBeingCancelled && !isReady)) {
         return {camvora::kOperationCancelled, "", 0, ""};
     }
-    return {download->status == kDownloadReady ? camvora::kOperationDone : camvora::kOperationFailed,
-            download->version, 0, download->problem};
+    return {isReady ? camvora::kOperationDone : camvora::kOperationFailed, download->version, 0,
+            download->problem};
 }
 
 // Only a start or a stop that went well is notified.
@@ -73,22 +77,11 @@ OperationEnd EndOfControl(const std::string& requestId) {
     return {camvora::HasNotified(requestId) ? camvora::kOperationDone : camvora::kOperationFailed, "", 0, ""};
 }
 
-// A cancel kills the download before it forgets it. Who looks in between takes it for one that has failed.
-void CorrectDownloads(const camvora::Operation& operation, const OperationEnd& end) {
-    if (operation.method == "DownloadCancel" && end.outcome == camvora::kOperationDone) {
-        camvora::CancelDownloadsSince(operation.begin, operation.service);
-    }
-}
-
 template <class Judge>
 void Record(const std::string& requestId, const Judge& judge) {
-    static std::mutex oneAtATime;  // or a correction would come before the record
-    const std::lock_guard<std::mutex> lock(oneAtATime);
     try {
         if (const std::optional<camvora::Operation> operation = camvora::FindOperation(requestId)) {
-            const OperationEnd end = judge(*operation);
-            camvora::EndOperation(requestId, end);
-            CorrectDownloads(*operation, end);
+            camvora::EndOperation(requestId, judge(*operation));
         }
     } catch (const std::exception& error) {
         CVPrintf(0, nullptr, nullptr, "host", __LINE__, __func__, "Failed to record an operation's end: %s\n",

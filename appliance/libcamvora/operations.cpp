@@ -26,6 +26,9 @@ std::optional<Plan>& ThePlan() {
     return plan;
 }
 
+// The index of those that run knows the condition only as it stands.
+constexpr char kIsRunning[] = "outcome = 'running'";
+
 // Until the time ?1; a day has as many milliseconds.
 constexpr char kMsSinceBegin[] = "CAST(round((julianday(?1) - julianday(begin)) * 86400000) AS INTEGER)";
 
@@ -49,8 +52,8 @@ std::vector<Operation> Select(const std::string& condition, const Values&... val
     TheStore().Query([&](SQLite::Database& database) {
         SQLite::Statement statement(
             database, std::string("SELECT id, request, who, method, service, from_version, begin,"
-                                  " CASE outcome WHEN 'running' THEN ") +
-                          kMsSinceBegin +
+                                  " CASE WHEN ") +
+                          kIsRunning + " THEN " + kMsSinceBegin +
                           " ELSE duration_ms END, outcome, to_version, code, problem FROM operations WHERE " +
                           condition);
         SQLite::bind(statement, UtcTimeText(), values...);
@@ -67,11 +70,11 @@ std::optional<Operation> SelectOne(const std::string& condition, const Value& va
     return found.empty() ? std::nullopt : std::make_optional(std::move(found.back()));
 }
 
+}  // namespace
+
 std::string InstalledVersion(int service) {
     return GetServiceInfo(static_cast<ADDON_SERVICE>(service))["version"].asString();
 }
-
-}  // namespace
 
 void PlanOperation(const std::string& method, int service) {
     ThePlan() = {method, service};
@@ -98,30 +101,22 @@ void BeginPlannedOperation() {
 
 void EndOperation(const std::string& requestId, const OperationEnd& end) {
     (void)TheStore().WriteLater([&](SQLite::Database& database) {
-        SQLite::Statement statement(database, std::string("UPDATE operations SET duration_ms = ") +
-                                                  kMsSinceBegin +
-                                                  ", outcome = ?2, to_version = ?3, code = ?4, problem = ?5"
-                                                  " WHERE outcome = 'running' AND request = ?6");
+        SQLite::Statement statement(database,
+                                    std::string("UPDATE operations SET duration_ms = ") + kMsSinceBegin +
+                                        ", outcome = ?2, to_version = ?3, code = ?4, problem = ?5 WHERE "
+                                        "request = ?6 AND " +
+                                        kIsRunning);
         SQLite::bind(statement, UtcTimeText(), end.outcome, end.toVersion, end.code, end.problem, requestId);
-        statement.exec();
-    });
-}
-
-void CancelDownloadsSince(const std::string& time, int service) {
-    (void)TheStore().WriteLater([&](SQLite::Database& database) {
-        SQLite::Statement statement(
-            database,
-            "UPDATE operations SET outcome = ?, to_version = '', problem = '' WHERE method = 'DownloadStart'"
-            " AND outcome = ? AND service = ?"
-            " AND julianday(begin) + duration_ms / 86400000.0 >= julianday(?)");
-        SQLite::bind(statement, kOperationCancelled, kOperationFailed, service, time);
         statement.exec();
     });
 }
 
 void LoseRunningOperations() {
     (void)TheStore().WriteLater([](SQLite::Database& database) {
-        database.exec("UPDATE operations SET outcome = 'lost' WHERE outcome = 'running'");
+        SQLite::Statement statement(database,
+                                    std::string("UPDATE operations SET outcome = ? WHERE ") + kIsRunning);
+        SQLite::bind(statement, kOperationLost);
+        statement.exec();
     });
 }
 
@@ -138,7 +133,7 @@ std::vector<Operation> OperationsAfter(long long id, int limit) {
 }
 
 std::vector<Operation> RunningOperations() {
-    return Select("outcome = 'running' ORDER BY id");
+    return Select(kIsRunning + std::string(" ORDER BY id"));
 }
 
 std::optional<Operation> FindOperation(long long id) {

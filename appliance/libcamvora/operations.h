@@ -9,8 +9,7 @@ namespace camvora {
 
 inline constexpr int kOperationsKept = 10000;
 
-// The outcomes.
-inline constexpr char kOperationRuns[] = "running";
+// The outcomes; "running" before that.
 inline constexpr char kOperationDone[] = "done";
 inline constexpr char kOperationFailed[] = "failed";
 inline constexpr char kOperationCancelled[] = "cancelled";
@@ -31,7 +30,7 @@ struct Operation {
     int service = 0;
     std::string fromVersion;   // what was installed when it began; empty for nothing
     std::string begin;         // UTC, as in "2026-03-01T12:00:00.123Z"
-    long long durationMs = 0;  // so far, while it runs
+    long long durationMs = 0;  // so far, while it runs; 0 where its end was not seen
     OperationEnd end;
 };
 
@@ -45,8 +44,8 @@ void BeginPlannedOperation();
 // Records the end of the running operation that the request `requestId` is, if it is one.
 void EndOperation(const std::string& requestId, const OperationEnd& end);
 
-// Corrects the record of the service's downloads that have failed since `time`: they were cancelled.
-void CancelDownloadsSince(const std::string& time, int service);
+// What is installed of the service: a version, empty where that is nothing.
+std::string InstalledVersion(int service);
 
 // Records that all running operations have ended unseen. Called when the host starts.
 void LoseRunningOperations();
