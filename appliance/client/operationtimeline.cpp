@@ -52,8 +52,7 @@ std::vector<Json::Value> MomentsOf(const Appliance& host, const std::string& req
 }
 
 Json::Value EndOf(const Json::Value& operation) {
-    const Json::Value durationMs = Member(operation, "durationMs");
-    const std::chrono::milliseconds duration(durationMs.isInt64() ? durationMs.asInt64() : 0);
+    const std::chrono::milliseconds duration(Member(operation, "durationMs").asInt64());
     return Moment(TimeAfter(LeafText(Member(operation, "begin")), duration),
                   IsRunning(operation) ? "now" : "end",
                   OutcomeWords(operation) + " after " + DurationWords(duration));
@@ -69,7 +68,9 @@ Json::Value TimelineOf(const Appliance& host, const Json::Value& operation) {
     for (const Json::Value& moment : MomentsOf(host, LeafText(Member(operation, "request")))) {
         timeline.append(moment);
     }
-    timeline.append(EndOf(operation));
+    if (Member(operation, "durationMs").isInt64()) {  // else nobody saw its end
+        timeline.append(EndOf(operation));
+    }
     return timeline;
 }
 

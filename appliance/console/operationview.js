@@ -47,7 +47,7 @@ function factsOf(operation) {
     ["operation.change", versionsOf(operation)],
     ["operation.who", text(`who.${who}`)],
     ["operation.begin", time(begin)],
-    ["operation.duration", outcome !== "running" && duration(durationMs)],
+    ["operation.duration", outcome !== "running" && durationMs !== undefined && duration(durationMs)],
     ["operation.request", make("code", {}, request)],
   ]);
 }

@@ -39,7 +39,9 @@ Json::Value ToJson(const camvora::Operation& operation) {
     entry["toVersion"] = operation.end.toVersion;
     entry["outcome"] = operation.end.outcome;
     entry["begin"] = operation.begin;
-    entry[kDuration] = Json::Int64{operation.durationMs};
+    if (operation.end.outcome != camvora::kOperationLost) {
+        entry[kDuration] = Json::Int64{operation.durationMs};
+    }
     entry["code"] = operation.end.code;
     entry["problem"] = operation.end.problem;
     return entry;
