@@ -2,6 +2,7 @@
 
 #include "host/downloads.h"
 #include "host/operations.h"
+#include "host/pairing.h"
 #include "host/releases.h"
 
 #include "libcamvora/operations.h"
@@ -35,6 +36,16 @@ std::string PackageVersion() {
     return version.data();
 }
 
+Json::Value Appliance() {
+    Json::Value appliance(Json::objectValue);
+    appliance["name"] = HostName();
+    appliance["model"] = GetHxModelName("");
+    appliance["version"] = PackageVersion();
+    appliance["blCmsHost"] = IsCmsHost();
+    appliance["blStarted"] = IsCVRunning();
+    return appliance;
+}
+
 Json::Value Services() {
     Json::Value services(Json::arrayValue);
     for (int service = ADDON_SERVICE_DEVICE_PACK; service <= ADDON_SERVICE_LOCAL_DISPLAY; ++service) {
@@ -47,6 +58,8 @@ Json::Value Services() {
 
 Json::Value ApplianceState() {
     Json::Value state(Json::objectValue);
+    state["appliance"] = Appliance();
+    state["pairs"] = Pairing::Pairs();
     state["operations"] = RunningOperations();
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         state["services"] = Services();
@@ -63,13 +76,7 @@ Json::Value ApplianceState() {
 }
 
 Reply ReplyWithAppliance() {
-    Json::Value data(Json::objectValue);
-    data["name"] = HostName();
-    data["model"] = GetHxModelName("");
-    data["version"] = PackageVersion();
-    data["blCmsHost"] = IsCmsHost();
-    data["blStarted"] = IsCVRunning();
-    return SuccessReply(data);
+    return SuccessReply(Appliance());
 }
 
 }  // namespace host

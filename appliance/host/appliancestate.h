@@ -5,9 +5,9 @@
 
 namespace host {
 
-// The members "services", "downloads", "releases" and "operations" (those that run), each whole, and
-// "lastOperation", the id of the newest. Any thread may call. Throws std::exception when the store cannot be
-// read.
+// The members "appliance" as below, "pairs", "services", "downloads", "releases" and "operations" (those that
+// run), each whole, and "lastOperation", the id of the newest. Any thread may call. Throws std::exception
+// when the store cannot be read.
 Json::Value ApplianceState();
 
 // Answers with what the appliance is: its name, its model, the version of its package, whether it is a CMS

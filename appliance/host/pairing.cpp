@@ -114,15 +114,20 @@ Reply Pairing::KeepHost(const std::string& body) {
     return ReplyForKeeping(host, Json::Value());
 }
 
-Reply Pairing::List() {
-    Json::Value data(Json::objectValue);
-    data["pairs"] = Json::Value(Json::arrayValue);
+Json::Value Pairing::Pairs() {
+    Json::Value pairs(Json::arrayValue);
     for (const camvora::Pair& pair : camvora::Pairs()) {
-        Json::Value& entry = data["pairs"].append(Json::Value(Json::objectValue));
+        Json::Value& entry = pairs.append(Json::Value(Json::objectValue));
         entry["name"] = pair.name;
         entry["role"] = pair.role;
         entry["address"] = pair.address;
     }
+    return pairs;
+}
+
+Reply Pairing::List() {
+    Json::Value data(Json::objectValue);
+    data["pairs"] = Pairs();
     return SuccessReply(data);
 }
 

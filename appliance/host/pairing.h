@@ -31,7 +31,8 @@ public:
     // On the recording server, for its owner: keeps its CMS host, which is to be called "name" here.
     static Reply KeepHost(const std::string& body);
 
-    // The paired servers, without secrets.
+    // The paired servers, without secrets: "name", "role" and "address" of each.
+    static Json::Value Pairs();
     static Reply List();
 
     // Forgets the pairs called `name`.

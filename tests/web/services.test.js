@@ -50,12 +50,14 @@ test("a start that fails is told, with what was logged, until it is put away or 
   const card = its.user.card("Service 5");
   await its.user.button("Start: Service 5").click();
   await its.user.sees("The start failed", card);
+  await its.user.hears(/Service 5.*: The start failed/);
   await card.getByText("What the appliance logged").click();
   await its.user.sees(/Failed to write pid file/, card);
   await its.user.page.reload();
   await its.user.sees("The start failed", card);
   await card.getByRole("button", { name: "Put away" }).click();
   await eventually(async () => !(await card.getByText("The start failed").isVisible()), "it is put away");
+  assert.equal(await card.evaluate((element) => element === document.activeElement), true);
   await its.user.button("Start: Service 5").click();
   await its.user.sees("The start failed", card);
   mend();
@@ -131,10 +133,8 @@ test("an operation of somebody else, seen after a reload too, is in progress unt
 test("a package that is stopped is told, until it is started", async () => {
   const mark = its.appliance.pathOf("@CVData/run/started");
   rmSync(mark);
-  await its.appliance.call("Enable", { service: 4 });
   await its.user.sees("Camvora is stopped");
   writeFileSync(mark, "");
-  await its.appliance.call("Disable", { service: 4 });
   await eventually(async () => !(await its.user.page.getByText("Camvora is stopped").isVisible()), "it is started");
 });
 
