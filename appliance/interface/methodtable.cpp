@@ -39,7 +39,8 @@ std::vector<Method> ServiceMethods() {
          Effect::kNone},
         {"GetAppsStatus",
          "Describe the web applications",
-         {{"lang", Type::kText, "Language of the titles, \"en\" or \"de\"", R"("en")"}},
+         {{"lang", Type::kText, "Language of the titles, \"en\" or \"de\"; English where it is empty",
+           R"("")"}},
          "Title, path and state of each application",
          {{"appsStatus", Type::kObject, "\"blEnabled\", \"path\" and \"title\" by the application's id"}},
          Effect::kNone},
@@ -87,7 +88,8 @@ std::vector<Method> PackageMethods() {
          "Version, maintainer and where it is unpacked",
          {{"version", Type::kText, "Of the package"},
           {"maintainer", Type::kText, "Who made it"},
-          {"filePath", Type::kText, "Where it is unpacked; Update wants it"}},
+          {"filePath", Type::kText, "Where it is unpacked; Update wants it"},
+          {"errinfo", Type::kNull, "Names a reason only in the error that refuses a package"}},
          Effect::kOperation},
         {"LoadFile",
          "Hand out a package file and remove it",
@@ -191,6 +193,8 @@ const char* WordFor(Type type) {
             return "object";
         case Type::kArray:
             return "array";
+        case Type::kNull:
+            return "null";
         default:
             return "file";
     }

@@ -9,7 +9,7 @@ namespace interface {
 inline constexpr char kApi[] = "ORVA.Camvora.AddOns";
 inline constexpr int kVersion = 1;
 
-enum class Type { kInteger, kText, kBoolean, kObject, kArray, kFile };
+enum class Type { kInteger, kText, kBoolean, kObject, kArray, kNull, kFile };
 
 // A parameter of a method, or a member of what it answers.
 struct Field {

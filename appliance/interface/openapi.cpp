@@ -43,7 +43,7 @@ constexpr char kFrame[] = R"json({
             "required": ["code", "data"],
             "properties": {
               "code": {"type": "integer", "description": "105 not admitted, 400 failed, 401 no method name; from 1001 on the framework's."},
-              "data": {"description": "Details; of a framework's error an object with a sentence in \"text\"."}
+              "data": {"description": "Details: of a refused package \"errinfo\", an object that names the reason by \"sec\", \"key\" and \"param1\" to \"param3\"; of a framework's error a sentence in \"text\"."}
             }
           }
         }
