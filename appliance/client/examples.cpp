@@ -68,6 +68,7 @@ constexpr const char* kExamples[] = {
     "wait 336f563be6a9a2bd --timeout 600",
     "settings",
     "completion bash > ~/.local/share/bash-completion/completions/camvoractl",
+    "completion zsh > ~/.zsh/completions/_camvoractl",
     "man | man -l -",
     "pair code recorder",
     "pair join http://cms.example:5000 ABCD-EFGH-JKLM --as cms",

@@ -141,7 +141,8 @@ std::string PrecedenceText() {
            ") and in the file $XDG_CONFIG_HOME/camvora/camvoractl.conf, or "
            "~/.config/camvora/camvoractl.conf, "
            "with lines such as \"timeout=30\" or \"quiet=yes\". The command line overrides the environment, "
-           "and the environment the file. A folder also overrides the host, token file and server of the "
+           "and the environment the file; an empty variable counts as none. A folder also overrides the "
+           "host, token file and server of the "
            "sources below its own.";
 }
 

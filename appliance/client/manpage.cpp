@@ -5,6 +5,8 @@
 #include "client/exitstatus.h"
 #include "client/globalsettings.h"
 
+#include "interface/methodtable.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -114,6 +116,20 @@ std::string CommandSection(const CommandDescription& program) {
     return section;
 }
 
+// With the parameters as they are typed for "call".
+std::string MethodSection() {
+    std::string section = Section("METHODS") + Line("For \"camvoractl call\".");
+    for (const interface::Method& method : interface::Methods()) {
+        section += Item(method.name, Sentence(method.summary));
+        std::string parameters;
+        for (const interface::Field& field : method.parameters) {
+            parameters += Item(std::string(field.name) + "=", Sentence(field.meaning));
+        }
+        section += Inset(parameters);
+    }
+    return section;
+}
+
 std::string EnvironmentSection() {
     std::string section = Section("ENVIRONMENT");
     for (const SettingKind& kind : kSettingKinds) {
@@ -160,8 +176,8 @@ std::string ManualPage(const CommandDescription& program) {
                "A SERVICE is a number or a short name. The outcome goes to standard output, everything "
                "else to standard error; with --json the outcome and errors are JSON.") +
            CommandSection(program) + Section("OPTIONS FOR ALL COMMANDS") + OptionItems(program) + ".PP\n" +
-           Line(PrecedenceText()) + EnvironmentSection() + FileSection() + ExitStatusSection() +
-           ExampleSection(program);
+           Line(PrecedenceText()) + MethodSection() + EnvironmentSection() + FileSection() +
+           ExitStatusSection() + ExampleSection(program);
 }
 
 }  // namespace client

@@ -1,6 +1,7 @@
 #include "client/progress.h"
 
 #include "client/output.h"
+#include "client/terminal.h"
 #include "client/terminaltext.h"
 
 #include <unistd.h>
@@ -29,7 +30,7 @@ std::string Bar(double share) {
 }  // namespace
 
 Progress::Progress(bool isShown) : isShown_(isShown) {
-    if (isShown_ && isatty(STDERR_FILENO) == 1) {
+    if (isShown_ && TerminalAt(STDERR_FILENO).canRewrite) {
         spinner_ = std::thread([this] { Spin(); });
     }
 }
@@ -67,7 +68,9 @@ void Progress::Spin() {
     std::unique_lock<std::mutex> lock(mutex_);
     std::size_t turn = 0;
     while (!end_.wait_for(lock, kTurn, [this] { return isEnded_; })) {
-        Write(kClearLine + Line(turn++));
+        const std::size_t columns = TerminalAt(STDERR_FILENO).columns;
+        const std::string line = Line(turn++);
+        Write(kClearLine + (columns > 1 ? Shortened(line, columns - 1) : line));
     }
     Write(kClearLine);
 }

@@ -10,8 +10,8 @@
 
 namespace client {
 
-// Shows one step at a time: on a terminal as a spinner with the elapsed seconds, or as a bar, which leaves
-// nothing behind; anywhere else as a line per step.
+// Shows one step at a time: on a terminal that can rewrite a line as a spinner with the elapsed seconds, or
+// as a bar, which leaves nothing behind; anywhere else as a line per step.
 class Progress {
 public:
     // Shows nothing at all when `isShown` is false.

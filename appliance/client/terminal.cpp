@@ -14,9 +14,9 @@ std::string Variable(const char* name) {
     return value == nullptr ? "" : value;
 }
 
-bool WantsColour() {
+bool KnowsSequences() {
     const std::string kind = Variable("TERM");
-    return Variable("NO_COLOR").empty() && !kind.empty() && kind != "dumb";
+    return !kind.empty() && kind != "dumb";
 }
 
 }  // namespace
@@ -27,7 +27,8 @@ Terminal TerminalAt(int descriptor) {
     }
     struct winsize size {};
     const bool isKnown = ioctl(descriptor, TIOCGWINSZ, &size) == 0;
-    return {isKnown ? size.ws_col : std::size_t{0}, WantsColour()};
+    const bool hasColour = KnowsSequences() && Variable("NO_COLOR").empty();
+    return {isKnown ? size.ws_col : std::size_t{0}, hasColour, KnowsSequences()};
 }
 
 const char* SequenceFor(Colour colour) {

@@ -10,10 +10,11 @@ enum class Colour { kNone, kGreen, kYellow, kRed };
 struct Terminal {
     std::size_t columns = 0;  // 0: no limit, as for a file or a pipe
     bool hasColour = false;
+    bool canRewrite = false;  // a line that it shows
 };
 
-// What is at `descriptor`. There is no colour where the environment has NO_COLOR, or "dumb" or nothing as
-// TERM.
+// What is at `descriptor`. Where the environment has "dumb" or nothing as TERM, a terminal has no colour and
+// rewrites nothing; NO_COLOR forbids the colour alone.
 Terminal TerminalAt(int descriptor);
 
 // The sequence that begins text of that colour; for kNone the one that ends it.
