@@ -21,9 +21,11 @@ const kActions = {
 const installing = () => import("./install.js");
 const agreeing = () => import("./agreed.js");
 
-// `service`: where the file was dropped, undefined for nowhere in particular.
-export async function installDropped(file, service) {
-  (await installing()).installFile(file, service);
+// `service`: where the files were dropped, undefined for nowhere in particular. An open window comes first.
+export async function installDropped(files, service) {
+  if (!document.querySelector("dialog")) {
+    (await installing()).installDropped(files, service);
+  }
 }
 
 // Does `action` for the service that the appliance describes as `info`.

@@ -1,7 +1,8 @@
 // What was done on the appliance, in one list.
-import { button, make, reconcile, setAttribute, setShown, setText } from "./dom.js";
+import { announce, button, make, reconcile, setAttribute, setShown, setText } from "./dom.js";
 import { time, today } from "./format.js";
 import { happenings, kKinds } from "./happenings.js";
+import { kKept } from "./operations.js";
 import { store } from "./store.js";
 import { foreign, redraw, text } from "./texts.js";
 
@@ -18,11 +19,12 @@ export class Activity {
   #list = make("ol", { class: "happenings" });
   #empty = make("div", { class: "empty" });
   #more = button("activity.more", () => this.#showMore());
+  #older = make("p", { class: "quiet", text: "activity.older" });
   element = make("section", { class: "activity", "aria-labelledby": "activity-title" },
     make("header", { class: "section-head" },
       make("div", {}, make("h2", { id: "activity-title", text: "activity.title" }),
         make("p", { class: "quiet", text: "activity.words" })), this.#filters),
-    this.#list, this.#empty, this.#more);
+    this.#list, this.#empty, this.#more, this.#older);
 
   show() {
     const sources = [store.operations.all(), store.entries, store.notifications, store.recorder, store.services.length,
@@ -33,6 +35,7 @@ export class Activity {
     }
   }
 
+  // Returns how much there is to show.
   #showAll() {
     const isHere = store.recorder === "";
     this.#showOptions();
@@ -41,10 +44,12 @@ export class Activity {
     reconcile(this.#list, matching.slice(0, this.#shown), ({ key }) => key, () => make("li"), showRow);
     setShown(this.#list, matching.length > 0);
     setShown(this.#more, matching.length > this.#shown);
+    setShown(this.#older, isHere && matching.length <= this.#shown && isCut());
     setShown(this.#filters, isHere);
     const isKnown = all.length > 0 || store.connection === "live";
     setShown(this.#empty, matching.length === 0 && (isKnown || !isHere));
     this.#showEmpty(!isHere ? "activity.recorder" : all.length === 0 ? "activity.none" : "activity.noMatch");
+    return matching.length;
   }
 
   // A control with its label; whatever is set there shows at once.
@@ -52,7 +57,7 @@ export class Activity {
     const control = make(tag, attributes);
     control.addEventListener("input", () => {
       this.#shown = kPage;
-      this.#showAll();
+      announce("activity.matches", { count: this.#showAll() });
     });
     make("label", { class: "field" }, make("span", { text: key }), control);
     return control;
@@ -88,6 +93,11 @@ export class Activity {
       make("p", { class: "quiet", text: `${key}.words` }),
       ...(key === "activity.noMatch" ? [button("activity.reset", reset)] : [])]);
   }
+}
+
+// True when the appliance may have older ones, too.
+function isCut() {
+  return [store.operations.all(), store.entries, store.notifications].some(({ length }) => length === kKept);
 }
 
 // `options`: pairs of value and words. What was chosen stays chosen while it is there.

@@ -3,17 +3,21 @@ import { page } from "./api.js";
 import { ask, tell } from "./dialog.js";
 import { isBusy, order } from "./orders.js";
 import { isDowngrade, planFor, restorePlanFor } from "./plan.js";
-import { store } from "./store.js";
+import { infoOf, store } from "./store.js";
 import { text } from "./texts.js";
 
 export async function update(info) {
-  const { version } = store.downloads.find((download) => download.service === info.service);
+  const download = store.downloads.find((one) => one.service === info.service);
+  if (!download) { // it was cancelled a moment ago
+    return;
+  }
+  const { version } = download;
   const values = { name: info.name, version };
   if (await ask("update.title", values, planFor(info, { version }), "install.confirm", isDowngrade(info, version))) {
     store.checks.delete(info.service);
     await orderAgreed(info, "Update", { filePath: "" }, async () => {
       const { downloads } = await page("/downloads");
-      refuseIf(downloads.find((download) => download.service === info.service)?.version !== version);
+      refuseIf(downloads.find((one) => one.service === info.service)?.version !== version);
     });
   }
 }
@@ -24,15 +28,12 @@ export async function restore(info) {
   }
 }
 
-// Installs the package at `filePath`, which the request `checked` has looked at; not one that came in since. What
-// comes in at a recorder is not known here.
+// Installs the package at `filePath`, which the request `checked` has looked at, in place of what `info` has; not one
+// that came in since, nor in place of another. What comes in at a recorder is not known here.
 export function install(info, filePath, checked) {
-  return orderAgreed(info, "Update", { filePath }, async () => {
-    if (store.recorder === "") {
-      await store.operations.catchUp();
-      const { operations } = store;
-      refuseIf(operations.running(info.service) || operations.last(info.service, "GetPkgInfo")?.request !== checked);
-    }
+  return orderAgreed(info, "Update", { filePath }, () => {
+    const isAnother = store.operations.last(info.service, "GetPkgInfo")?.request !== checked;
+    refuseIf((store.recorder === "" && isAnother) || infoOf(info.service)?.version !== info.version);
   });
 }
 

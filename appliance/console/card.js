@@ -12,6 +12,7 @@ const kPackageActions = ["check", "install", "restore"];
 
 export class Card {
   #known;
+  #said = [];
   #name = make("h3", { dir: "auto" });
   #state = make("span", { class: "state" });
   #line = make("p", { class: "line" });
@@ -45,15 +46,13 @@ export class Card {
   // Shows `known`, what `stateOf` says of the service; `isUsable` is false while nobody answers.
   show(known, isUsable) {
     const { info, state, actions } = known;
-    const before = this.#known;
-    const focused = document.activeElement;
+    const hasFocus = this.element.contains(document.activeElement);
     this.#known = known;
     setText(this.#name, info.name);
     setAttribute(this.element, "data-state", state);
     fill(this.#state, `state.${state}`);
     this.#showLine(known);
-    this.#failure.show(known);
-    this.#release.show(known, isUsable);
+    const news = [text(`state.${state}`), this.#failure.show(known), this.#release.show(known, isUsable)];
     this.#showButton(this.#power, info.blRunning ? "stop" : "start", isUsable);
     this.#buttons.forEach((element, action) => this.#showButton(element, action, isUsable));
     setAttribute(this.#auto, "aria-checked", info.blAutoUpdate);
@@ -62,12 +61,20 @@ export class Card {
     setShown(this.#packages, info.blHasPackages);
     setShown(this.#buttons.get("restore"), info.blFactoryCopy);
     this.#commands.show(known);
-    if (before && before.state !== state) {
-      announce("announce.state", { name: info.name, state: text(`state.${state}`) });
-    }
-    if (this.element.contains(focused) && focused.closest("[hidden]")) {
+    this.#say(news);
+    const focused = document.activeElement;
+    if (hasFocus && (!this.element.contains(focused) || focused.closest("[hidden]"))) {
       this.element.focus();
     }
+  }
+
+  // `news`: the state, the failure and the release in words, "" for none. What is there at first is no news.
+  #say(news) {
+    const fresh = news.filter((words, index) => words && words !== this.#said[index]);
+    if (this.#said.length > 0) {
+      fresh.forEach((words) => announce("announce.news", { name: this.#known.info.name, words }));
+    }
+    this.#said = news;
   }
 
   #showLine({ info, work }) {
@@ -94,7 +101,7 @@ export class Card {
       if (event.dataTransfer.files.length > 0 && this.#known.info.blHasPackages && store.connection === "live") {
         event.preventDefault();
         event.stopPropagation();
-        void installDropped(event.dataTransfer.files[0], this.#known.info.service);
+        void installDropped(event.dataTransfer.files, this.#known.info.service);
       }
     });
   }

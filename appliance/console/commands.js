@@ -1,5 +1,5 @@
 // The lines of `camvoractl` that do what the console does, to be copied.
-import { announce, make, reconcile } from "./dom.js";
+import { announce, make, reconcile, setShown } from "./dom.js";
 import { store } from "./store.js";
 import { fill, foreign } from "./texts.js";
 
@@ -32,8 +32,9 @@ export function commandFor(action, info, recorder) {
 // A list to unfold; `show` takes what `stateOf` says of the service.
 export class CommandList {
   #list = make("ul");
+  #none = make("p", { class: "quiet", text: "commands.none" });
   element = make("details", { class: "commands" }, make("summary", { text: "commands.title", class: "button-like" }),
-    this.#list);
+    this.#none, this.#list);
 
   constructor() {
     this.element.addEventListener("focusout", ({ relatedTarget }) => {
@@ -51,6 +52,7 @@ export class CommandList {
 
   show({ info, actions }) {
     const lines = new Set([...actions].map((action) => commandFor(action, info, store.recorder)));
+    setShown(this.#none, lines.size === 0);
     reconcile(this.#list, lines, String, itemOf, () => {});
   }
 }
@@ -58,25 +60,26 @@ export class CommandList {
 function itemOf(line) {
   const button = make("button", { type: "button", text: "commands.copy", label: ["commands.copyLine", { line }] });
   button.addEventListener("click", async () => {
-    await copy(line, button);
-    fill(button, "commands.copied");
-    announce("commands.copied");
+    const said = (await copy(line, button)) ? "commands.copied" : "commands.notCopied";
+    fill(button, said);
+    announce(said);
     setTimeout(() => fill(button, "commands.copy"), kCopiedMs);
   });
   return make("li", {}, make("code", {}, foreign(line)), button);
 }
 
 // Browsers keep their clipboard closed to pages that came over plain HTTP; a selection can be copied even there.
+// False where nothing was copied.
 async function copy(words, button) {
   if (navigator.clipboard) {
-    await navigator.clipboard.writeText(words);
-    return;
+    return navigator.clipboard.writeText(words).then(() => true, () => false);
   }
   const field = make("textarea", { class: "unseen" });
   field.value = words;
   button.after(field);
   field.select();
-  document.execCommand("copy");
+  const isCopied = document.execCommand("copy");
   field.remove();
   button.focus();
+  return isCopied;
 }

@@ -1,19 +1,41 @@
 // Windows over the page: for a question, or for work that wants the whole attention.
-import { button, make } from "./dom.js";
+import { button, make, setEnabled, setShown } from "./dom.js";
+import { store, whenChanged } from "./store.js";
 import { fill } from "./texts.js";
 
+await loadStyles();
+
+const openDialogs = new Set();
 let lastId = 0;
+
+whenChanged(() => openDialogs.forEach((dialog) => dialog.showConnection()));
+
+// They are wanted with the first window.
+function loadStyles() {
+  return new Promise((resolve) => {
+    document.head.append(make("link", { rel: "stylesheet", href: "/console/dialogs.css", onload: resolve,
+      onerror: resolve }));
+  });
+}
 
 // On the page until it is closed; the focus then is where it was before.
 export class Dialog {
   #title = make("h2", { id: `dialog-${++lastId}`, tabindex: "-1" });
+  #trouble = make("p", { class: "warning", role: "status", text: "lost.title" });
   #body = make("div", { class: "dialog-body" });
   #actions = make("div", { class: "dialog-actions" });
-  element = make("dialog", { "aria-labelledby": this.#title.id }, this.#title, this.#body, this.#actions);
+  #doers = [];
+  element = make("dialog", { "aria-labelledby": this.#title.id }, this.#title, this.#trouble, this.#body,
+    this.#actions);
 
   constructor(title, values) {
     this.setTitle(title, values);
-    this.whenClosed(() => this.element.remove());
+    this.whenClosed(() => {
+      openDialogs.delete(this);
+      this.element.remove();
+    });
+    openDialogs.add(this);
+    this.showConnection();
     document.body.append(this.element);
     this.element.showModal();
     this.#title.focus();
@@ -31,6 +53,12 @@ export class Dialog {
     }
   }
 
+  // While nobody answers, that is said, and nothing can be done here.
+  showConnection() {
+    setShown(this.#trouble, store.connection === "lost");
+    this.#doers.forEach((doer) => setEnabled(doer, store.connection === "live"));
+  }
+
   // A button that closes it.
   closer(key) {
     return button(key, () => this.element.close());
@@ -42,7 +70,10 @@ export class Dialog {
       this.element.close();
       work();
     };
-    return button(key, closeAndWork, { class: style });
+    const doer = button(key, closeAndWork, { class: style });
+    this.#doers.push(doer);
+    this.showConnection();
+    return doer;
   }
 
   whenClosed(listener) {

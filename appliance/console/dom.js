@@ -1,6 +1,8 @@
 // Elements, made and changed in place. Whatever is shown goes in as text, never as markup.
 import { fill, text } from "./texts.js";
 
+const kSaidMs = 5000;
+
 // Of the attributes "text" and "label" are keys of the texts, or [key, values]; "on..." are listeners; true stands
 // for an attribute without value, undefined for none.
 export function make(tag, attributes = {}, ...children) {
@@ -89,5 +91,7 @@ export function reconcile(parent, items, keyOf, create, update) {
 
 // Says to screen readers what has changed somewhere on the page.
 export function announce(key, values) {
-  document.getElementById("announcer").textContent = text(key, values);
+  const words = make("p", { text: [key, values] });
+  document.getElementById("announcer").append(words);
+  setTimeout(() => words.remove(), kSaidMs);
 }

@@ -1,4 +1,5 @@
-// The stream of events, read for as long as it is wanted: one that breaks or falls silent is opened again.
+// The stream of events, read for as long as it is wanted and its window is seen: browsers have few connections to a
+// host, for all of its windows together. One that breaks or falls silent is opened again.
 import { isRefusal, readReply } from "./api.js";
 
 const kSilenceMs = 15_000;
@@ -12,22 +13,26 @@ export class EventStream {
   #pauseMs = kFirstPauseMs;
   #abort;
   #wake = () => {};
+  #dropHidden = () => document.hidden && this.drop();
 
-  // `handlers`: onEvent(name, data); onLost(error), at each failure; onRefused(), when nobody is signed in.
+  // `handlers`: onEvent(name, data); onHidden(), when the window is seen no more; onLost(error), at each failure;
+  // onRefused(), when nobody is signed in.
   constructor(handlers) {
     this.#handlers = handlers;
+    document.addEventListener("visibilitychange", this.#dropHidden);
     void this.#run();
   }
 
   stop() {
     this.#isWanted = false;
+    document.removeEventListener("visibilitychange", this.#dropHidden);
     this.drop();
     this.#wake();
   }
 
   // Gives the present connection up, for the next one; `error` says why.
   drop(error) {
-    this.#abort.abort(error);
+    this.#abort?.abort(error);
   }
 
   // Ends the present pause between two attempts.
@@ -37,13 +42,15 @@ export class EventStream {
   }
 
   async #run() {
-    while (this.#isWanted) {
+    for (await whenSeen(); this.#isWanted; await whenSeen()) {
       const error = await this.#connect().catch((problem) => problem);
       if (isRefusal(error)) {
         this.#isWanted = false;
         this.#handlers.onRefused();
       }
-      if (this.#isWanted) {
+      if (this.#isWanted && document.hidden) {
+        this.#handlers.onHidden();
+      } else if (this.#isWanted) {
         this.#handlers.onLost(error);
         await this.#pause();
       }
@@ -97,6 +104,19 @@ export class EventStream {
 export function parseEvent(block) {
   return Object.fromEntries(block.split("\n").map((line) => /^(\w+): ?(.*)$/.exec(line)).filter(Boolean)
     .map(([, name, value]) => [name, value]));
+}
+
+function whenSeen() {
+  return new Promise((resolve) => {
+    const look = () => {
+      if (!document.hidden) {
+        document.removeEventListener("visibilitychange", look);
+        resolve();
+      }
+    };
+    document.addEventListener("visibilitychange", look);
+    look();
+  });
 }
 
 function watchForSilence(onSilence) {

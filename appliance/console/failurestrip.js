@@ -11,12 +11,15 @@ const kPlain = ["dead", "cut"]; // states that say what is wrong when nothing is
 export class FailureStrip {
   element = make("div", { class: "strip failure", hidden: true });
 
+  // Returns the first of what it says, "" for nothing.
   show({ info, state, work, failure }) {
     const plain = kPlain.includes(state) ? [make("p", { text: `failed.${state}` })] : [];
     const isQuiet = !work || work.method === "DownloadStart"; // nothing that could mend it is under way
-    setShown(this.element, isQuiet && (failure || plain.length > 0));
+    const isShown = isQuiet && Boolean(failure || plain.length > 0);
+    setShown(this.element, isShown);
     const shown = failure && [failure.id, failure.method, failure.text, failure.request];
     redraw(this.element, [today(), shown, state], () => [...(failure ? wordsOf(failure, info.service) : []), ...plain]);
+    return isShown ? this.element.firstChild.textContent : "";
   }
 }
 

@@ -12,6 +12,7 @@ import { fill, foreign } from "./texts.js";
 import { upload, UploadCancelled } from "./upload.js";
 
 const kExtension = ".spk";
+const kShowMs = 500;
 
 // The service that the file's name begins with.
 function namedBy({ name }) {
@@ -24,6 +25,15 @@ export function chooseFile(service) {
   const input = make("input", { type: "file", accept: kExtension });
   input.addEventListener("change", () => installFile(input.files[0], service));
   input.click();
+}
+
+// Takes one file.
+export function installDropped(files, service) {
+  if (files.length === 1) {
+    installFile(files[0], service);
+  } else {
+    tell("install.title", {}, "install.one");
+  }
 }
 
 // `service` is the file's unless its name says another; undefined where only the name can tell.
@@ -86,19 +96,20 @@ class Installation {
     this.#dialog.show([make("p", { text: ["install.sending", { file: name }] }), bar, amount,
       ...(store.recorder ? [make("p", { text: ["install.onRecorder", { name: store.recorder }] })] : [])],
     this.#dialog.closer("dialog.cancel"));
-    const { done, cancel } = upload(this.#file, (sent) => {
-      bar.value = sent;
-      fill(amount, "amount.rate", { done: percent(sent, bytes), size: size(bytes), rate: size(rate.add(sent)) });
-    });
+    const show = () => fill(amount, "amount.rate",
+      { done: percent(bar.value, bytes), size: size(bytes), rate: size(rate.add(bar.value)) });
+    const timer = setInterval(show, kShowMs); // one that stands still, too
+    const { done, cancel } = upload(this.#file, (sent) => (bar.value = sent));
     this.#cancelUpload = cancel;
-    return done;
+    return done.finally(() => clearInterval(timer));
   }
 
   #showPlan({ data: pack, request }) {
-    const isOlder = isDowngrade(this.#info, pack.version);
-    const confirm = () => void install(this.#info, pack.filePath, request);
+    const info = infoOf(this.#info.service) ?? this.#info;
+    const isOlder = isDowngrade(info, pack.version);
+    const confirm = () => void install(info, pack.filePath, request);
     const [key, style] = isOlder ? ["install.confirmOlder", "danger"] : ["install.confirm", "primary"];
-    this.#dialog.show(planFor(this.#info, { ...pack, file: this.#file.name }),
+    this.#dialog.show(planFor(info, { ...pack, file: this.#file.name }),
       this.#dialog.closer("dialog.cancel"), this.#dialog.doer(key, confirm, style));
   }
 

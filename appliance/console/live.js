@@ -1,46 +1,49 @@
 // The appliance itself, followed by its stream of events.
 import { call, page } from "./api.js";
 import { EventStream } from "./events.js";
+import { kKept } from "./operations.js";
 import { changed, holdView, setConnection, store, take } from "./store.js";
 
-const kKept = 300; // of notifications, and of entries of the operation log
-const kRestPauseMs = 1000;
+const kEntriesPauseMs = 1000;
+const kEntriesRetryMs = 5000;
 const kSettleMs = 4000;
 const kSettleStepMs = 150;
 
 let stream;
-let restTimer;
+let entriesTimer;
 
 // `onRefused` is called when nobody is signed in any more.
 export function start(onRefused) {
-  stream = new EventStream({ onEvent: takeEvent, onLost: (error) => setConnection("lost", error), onRefused });
+  stream = new EventStream({
+    onEvent: takeEvent, onRefused,
+    onHidden: () => setConnection("connecting"),
+    onLost: (error) => setConnection("lost", error),
+  });
 }
 
 export function stop() {
   stream.stop();
-  clearTimeout(restTimer);
-  restTimer = undefined;
+  clearTimeout(entriesTimer);
+  entriesTimer = undefined;
 }
 
 export function retryNow() {
   stream.retryNow();
 }
 
-// Which appliance it is, and the recorders that are paired with it.
+// Which appliance it is; the stream tells the rest.
 export async function readAppliance() {
   const isShown = holdView();
   const appliance = await page("/appliance");
-  const { pairs } = appliance.blCmsHost ? await page("/pairs") : { pairs: [] };
   if (isShown()) {
-    store.appliance = appliance;
-    store.recorders = pairs.filter(({ role }) => role === "server").map(({ name }) => name);
-    changed();
+    take({ appliance });
   }
 }
 
-export async function readServices() {
+// Reads them where the calls go; `signal` may abort that.
+export async function readServices(signal) {
   const isShown = holdView();
-  const { data } = await call("List");
+  const { data } = await call("List", {}, signal);
   if (isShown()) {
     take({ services: data.list.map((entry) => entry.info) });
   }
@@ -72,7 +75,7 @@ function takeEvent(name, data) {
   if (name === "snapshot") {
     void catchUp();
   }
-  restTimer ??= setTimeout(readRest, kRestPauseMs);
+  entriesTimer ??= setTimeout(readEntries, kEntriesPauseMs);
 }
 
 // Only with what has happened before the stream began the appliance is shown as it is.
@@ -90,21 +93,14 @@ async function catchUp() {
   }
 }
 
-// What the stream does not tell.
-async function readRest() {
+// The operation log, which the stream does not tell.
+async function readEntries() {
   const isShown = holdView();
   const last = store.entries.at(-1)?.id ?? 0;
-  try {
-    const [{ entries }] = await Promise.all([
-      page(last === 0 ? "/operationlog" : `/operationlog?after=${last}`), readAppliance()]);
-    if (isShown()) {
-      takeEntries(entries.filter((entry) => entry.id > last));
-    }
-  } catch {
-    // the next event, or the next connection, brings another attempt
-  }
+  const read = await page(last === 0 ? "/operationlog" : `/operationlog?after=${last}`).catch(() => undefined);
   if (isShown()) {
-    restTimer = undefined;
+    takeEntries(read?.entries.filter((entry) => entry.id > last) ?? []);
+    entriesTimer = read ? undefined : setTimeout(readEntries, kEntriesRetryMs);
   }
 }
 

@@ -5,29 +5,37 @@ import { guardClicks } from "./dom.js";
 import { Banner, prepareHeader, showHeader } from "./header.js";
 import * as live from "./live.js";
 import { wordsFor } from "./problems.js";
-import * as recorder from "./recorder.js";
 import { Services } from "./services.js";
-import { signIn, SignInView, signOut, takeCode } from "./signin.js";
-import { changed, forget, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
+import { kDownload } from "./servicestate.js";
+import { hasCode, signIn, SignInView, signOut, takeCode } from "./signin.js";
+import { changed, forget, forgetAppliance, holdView, setConnection, store, whenChanged } from "./store.js";
 
 const kRetryMs = 2000;
 const kLookMs = 60_000; // another day may have begun
 
-const signInView = new SignInView(open);
+const main = document.getElementById("main");
+
+const signInView = new SignInView(async () => {
+  await open();
+  main.focus();
+});
 const banner = new Banner(() => (source ? source.retryNow() : open()));
 const views = [banner, new Services(), new Activity()];
 
 let retryTimer;
-let source; // what follows the appliance that is shown: `live`, or `recorder`
+let source; // what follows the appliance that is shown: `live`, or recorder.js
 let isSignedIn = false;
 
 function show() {
   showHeader(isSignedIn);
   (isSignedIn ? views : [banner]).forEach((view) => view.show());
+  if (store.downloads.some(({ status }) => status === kDownload.running)) {
+    changed(); // the rate of one that stands still
+  }
 }
 
 function enter(...entered) {
-  document.getElementById("main").replaceChildren(...entered.map((view) => view.element));
+  main.replaceChildren(...entered.map((view) => view.element));
 }
 
 // Shows how to get in. `reason` is a text's key, "" for none.
@@ -37,8 +45,8 @@ function shut(reason) {
   source = undefined;
   forgetAppliance();
   document.querySelectorAll("dialog").forEach((dialog) => dialog.close());
-  signInView.note(reason);
   enter(signInView);
+  signInView.begin(reason);
 }
 
 function end() {
@@ -64,22 +72,34 @@ async function open() {
   }
   isSignedIn = true;
   enter(...views);
-  choose("");
+  await choose("");
 }
 
 // Shows the paired recorder of that name, "" for the appliance itself.
-function choose(name) {
+async function choose(name) {
   source?.stop();
   forget();
   store.recorder = name;
   callAt(name);
-  source = name === "" ? live : recorder;
-  source.start(end);
+  const isShown = holdView();
+  const chosen = name === "" ? live : await import("./recorder.js"); // loaded when one is wanted for the first time
+  if (isShown()) {
+    source = chosen;
+    source.start(end);
+  }
 }
 
 async function leave() {
-  await signOut().catch(() => {});
-  shut("signin.out");
+  try {
+    await signOut();
+    shut("signin.out");
+  } catch (error) {
+    await tellRefusal("signout", error);
+  }
+}
+
+async function tellRefusal(title, error) {
+  (await import("./dialog.js")).tell(title, {}, ["refusal.call", { reason: wordsFor(error) }]);
 }
 
 async function begin() {
@@ -87,7 +107,7 @@ async function begin() {
   const refusal = code && (await signIn(code).then(() => undefined, (error) => error));
   await open();
   if (refusal && isSignedIn) {
-    (await import("./dialog.js")).tell("signin.title", {}, ["refusal.call", { reason: wordsFor(refusal) }]);
+    await tellRefusal("signin.title", refusal);
   } else if (refusal) {
     signInView.noteRefusal(refusal);
   }
@@ -97,6 +117,6 @@ guardClicks();
 whenChanged(show);
 whenSessionEnds(end);
 prepareHeader(choose, leave);
-addEventListener("hashchange", begin);
+addEventListener("hashchange", () => hasCode() && begin());
 setInterval(changed, kLookMs);
 void begin();

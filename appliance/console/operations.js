@@ -1,7 +1,8 @@
 // The operations that the appliance has recorded, by their ids: those that run, and the last that have ended.
 import { page } from "./api.js";
 
-const kKept = 300;
+export const kKept = 300; // of each kind of what has happened
+
 const kLookMs = 300;
 const kChanging = ["Enable", "Disable", "Restart", "Update", "Restore"];
 
@@ -100,10 +101,10 @@ export class Operations {
       try {
         await this.catchUp();
         await Promise.all(this.#unseen().map((operation) => this.read(operation.id)));
+        this.#lookIfUnseen();
       } catch {
         // the next event, or the next connection, brings another look
       }
-      this.#lookIfUnseen();
     }, kLookMs);
   }
 

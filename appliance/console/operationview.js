@@ -4,6 +4,7 @@ import { Dialog, facts } from "./dialog.js";
 import { make } from "./dom.js";
 import { duration, time } from "./format.js";
 import { nameOf, versionsOf } from "./happenings.js";
+import { wordsFor } from "./problems.js";
 import { store, whenChanged } from "./store.js";
 import { foreign, redraw, text } from "./texts.js";
 
@@ -14,14 +15,18 @@ let follow = () => {}; // what the open window does at a change
 whenChanged(() => follow());
 
 export function openOperation(id) {
-  const { method, service, request } = store.operations.get(id);
+  let operation = store.operations.get(id);
+  if (!operation) { // it has become too old
+    return;
+  }
+  const { method, service, request } = operation;
   const dialog = new Dialog("operation.title", { what: text(`operation.${method}`), name: nameOf(service) });
   const details = make("div");
   const course = make("ol", { class: "timeline" });
   dialog.element.classList.add("wide");
   dialog.show([details, make("h3", { text: "operation.timeline" }), course], dialog.closer("dialog.close"));
   follow = () => {
-    const operation = store.operations.get(id);
+    operation = store.operations.get(id) ?? operation;
     redraw(details, operation, () => {
       void showCourse(course, request);
       return [factsOf(operation)];
@@ -34,9 +39,13 @@ export function openOperation(id) {
 }
 
 async function showCourse(list, request) {
-  const steps = await readTimeline(request);
-  const nothing = make("li", { class: "quiet", text: "timeline.none" });
-  list.replaceChildren(...(steps.length > 0 ? steps.map(stepOf) : [nothing]));
+  const remark = (sentence) => make("li", { class: "quiet", text: sentence });
+  try {
+    const steps = await readTimeline(request);
+    list.replaceChildren(...(steps.length > 0 ? steps.map(stepOf) : [remark("timeline.none")]));
+  } catch (error) {
+    list.replaceChildren(remark(["log.failed", { reason: wordsFor(error) }]));
+  }
 }
 
 function factsOf(operation) {
@@ -59,11 +68,10 @@ function stepOf({ kind, time: when, words, end, isBad }) {
     ...(end ? [make("span", { class: "step-end", text: end })] : []));
 }
 
-// [{kind, time, words, end, isBad}]; `end` is a key of the texts with its values. What cannot be read is left out.
+// [{kind, time, words, end, isBad}]; `end` is a key of the texts with its values. Throws a CallError.
 async function readTimeline(request) {
-  const read = (name) => page(`/${name}?request=${request}`).catch(() => ({}));
-  const [{ programs = [] }, { lines = [] }, { entries = [] }] =
-    await Promise.all(["programs", "log", "operationlog"].map(read));
+  const [{ programs }, { lines }, { entries }] =
+    await Promise.all(["programs", "log", "operationlog"].map((name) => page(`/${name}?request=${request}`)));
   return [
     ...programs.map(stepOfProgram),
     ...lines.map((line) => ({ kind: "log", time: line.time, words: line.text })),

@@ -1,8 +1,7 @@
 // What is asked of the appliance for a service: one thing at a time, and nothing counts before it is seen.
 import { call } from "./api.js";
 import { readServices, settle } from "./live.js";
-import { problemOf } from "./problems.js";
-import * as recorder from "./recorder.js";
+import { problemOf, wordsFor } from "./problems.js";
 import { changed, holdView, infoOf, store } from "./store.js";
 import { text } from "./texts.js";
 
@@ -19,11 +18,26 @@ export function isBusy(service) {
 // Has the method carried out, until that is over, or under way without us. `check` comes first; what it throws, too,
 // becomes the service's problem.
 export function order(service, method, params, check = () => {}) {
-  const names = kNamed.includes(method) && { serviceName: infoOf(service).name, description: text(`log.${method}`) };
+  const names = kNamed.includes(method) && { serviceName: infoOf(service)?.name, description: text(`log.${method}`) };
   return alone(service, method, async () => {
-    await check();
+    try {
+      await refuseIfBusy(service);
+      await check();
+    } catch (error) { // nothing was asked for yet, so nothing is open
+      throw error.code === undefined ? error : new Error(wordsFor(error));
+    }
     await carryOut(service, method, { ...params, ...names });
   });
+}
+
+// Somebody else may have asked for something a moment ago.
+async function refuseIfBusy(service) {
+  if (store.recorder === "") {
+    await store.operations.catchUp();
+    if (store.operations.running(service)) {
+      throw new Error(text("refusal.busy", { name: infoOf(service)?.name }));
+    }
+  }
 }
 
 // Calls the method, and waits until what it was answered shows in the services. Returns the answer: its data and the
@@ -75,7 +89,14 @@ async function whenSeen(service, method, request) {
     await readServices();
   } else if (store.recorder === "") {
     await settle(request, !kDetached.includes(method));
-  } else if (!(await recorder.settle(service, kWanted[method]))) {
+  } else {
+    await whenSeenAtRecorder(service, method);
+  }
+}
+
+async function whenSeenAtRecorder(service, method) {
+  const { settle: settleThere } = await import("./recorder.js");
+  if (!(await settleThere(service, kWanted[method]))) {
     throw new Error(text("problem.unseen"));
   }
 }

@@ -4,6 +4,7 @@ import { readServices } from "./live.js";
 import { holdView, infoOf, setConnection } from "./store.js";
 
 const kPauseMs = 2000;
+const kSilenceMs = 15_000;
 const kSettleMs = 20_000;
 const kSettleStepMs = 500;
 
@@ -41,7 +42,7 @@ export async function settle(service, isRunning) {
 
 async function poll(mine) {
   for (; mine.isWanted; await pause(kPauseMs)) {
-    const error = await readServices().catch((problem) => problem);
+    const error = await readServices(AbortSignal.timeout(kSilenceMs)).catch((problem) => problem);
     if (mine.isWanted) {
       setConnection(!error ? "live" : isRefusal(error) ? "refused" : "lost", error);
     }

@@ -53,7 +53,7 @@ function takeDropsAnywhere() {
   document.addEventListener("drop", (event) => {
     event.preventDefault();
     if (event.dataTransfer.files.length > 0 && store.connection === "live") {
-      void installDropped(event.dataTransfer.files[0]);
+      void installDropped(event.dataTransfer.files);
     }
   });
 }

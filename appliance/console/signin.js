@@ -7,10 +7,14 @@ import { fill } from "./texts.js";
 const kPath = "/session";
 const kCodeInLink = "#code=";
 
+export function hasCode() {
+  return location.hash.startsWith(kCodeInLink);
+}
+
 // The code of the link that the page was opened with, else "". It is taken off the address.
 export function takeCode() {
   const { hash, pathname } = location;
-  if (!hash.startsWith(kCodeInLink)) {
+  if (!hasCode()) {
     return "";
   }
   history.replaceState(null, "", pathname);
@@ -44,7 +48,12 @@ export class SignInView {
     this.#onSignedIn = onSignedIn;
   }
 
-  // Says why nobody is signed in; "" for nothing.
+  // Called when it is shown. `reason`: the key of why nobody is signed in, "" for none.
+  begin(reason) {
+    this.note(reason);
+    this.#code.focus();
+  }
+
   note(key, values) {
     setShown(this.#note, key !== "");
     fill(this.#note, key, values);
@@ -58,10 +67,10 @@ export class SignInView {
     event.preventDefault();
     try {
       await signIn(this.#code.value.trim().toUpperCase());
+      this.#code.value = "";
       this.#onSignedIn();
     } catch (error) {
       this.noteRefusal(error);
     }
-    this.#code.value = "";
   }
 }

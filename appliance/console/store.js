@@ -4,7 +4,7 @@ import { Operations } from "./operations.js";
 const kDismissed = "camvora-dismissed";
 const kPauseMs = 1000; // between two looks of those who show it
 const kNoAppliance = { name: "", model: "", version: "", blCmsHost: false };
-const kStreamed = ["services", "downloads", "releases"];
+const kLists = ["services", "downloads", "releases"]; // that the stream tells
 
 export const store = {
   era: 0, // grows when all is forgotten
@@ -53,24 +53,26 @@ export function setConnection(connection, error) {
   changed();
 }
 
-// Takes over what `news` has of services, downloads and releases.
+// Takes over what `news` has of services, downloads and releases, of the appliance and its pairs.
 export function take(news) {
-  for (const name of kStreamed) {
+  for (const name of [...kLists, "appliance"]) {
     store[name] = news[name] ?? store[name];
   }
+  store.recorders = news.pairs?.filter(({ role }) => role === "server").map(({ name }) => name) ?? store.recorders;
   changed();
 }
 
 // Forgets the appliance, as when another one is shown or the session is over.
 export function forget() {
   ++store.era;
-  for (const name of [...kStreamed, "entries", "notifications"]) {
+  for (const name of [...kLists, "entries", "notifications"]) {
     store[name] = [];
   }
   for (const name of ["pending", "problems", "checks", "operations"]) {
     store[name].clear();
   }
   setConnection("connecting");
+  changed(true);
 }
 
 // Returns a function that tells, after a wait, whether it is still the same that is shown.

@@ -67,3 +67,16 @@ test("text of twice the size fits a telephone's screen, and nothing moves where 
   assert.ok(await animations() > 0);
   await user.close();
 });
+
+test("what goes wrong is in order, too", async () => {
+  const user = await Console.open(its.browser, await its.appliance.link());
+  await user.isLive();
+  await user.drop(user.card("Local Display"), [{ name: "local_display.spk", size: 1 }]);
+  await user.sees("The package was not taken", user.dialog);
+  await isInOrder(user, "a refusal");
+  await user.page.keyboard.press("Escape");
+  await its.appliance.stop();
+  await user.sees("The appliance does not answer");
+  await isInOrder(user, "a lost connection");
+  await user.close();
+});

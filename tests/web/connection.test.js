@@ -34,7 +34,7 @@ test("a host that ends holds everything back, with the old data, and all comes b
   await isHeldBack();
   await its.user.button("Start: Local Display").click({ force: true });
   await its.appliance.launch();
-  await its.user.button("Try now").click();
+  await its.user.page.clock.fastForward(kSilenceMs);
   await its.user.isLive();
   await its.user.becomesUsable(its.user.button("Start: Local Display"));
   assert.equal((await its.appliance.info(6)).blRunning, false);
@@ -47,6 +47,31 @@ test("so does one that keeps its connections but says nothing for fifteen second
   await isHeldBack().finally(thaw);
   await its.user.button("Try now").click();
   await its.user.isLive();
+});
+
+test("nothing can be agreed to while the host is gone", async () => {
+  await its.user.button("Restore …: Local Display").click();
+  await its.appliance.stop();
+  await its.user.sees("The appliance does not answer", its.user.dialog);
+  const confirm = its.user.button("Restore the factory copy", its.user.dialog);
+  assert.equal(await its.user.isOff(confirm), true);
+  await its.appliance.launch();
+  await its.user.page.clock.fastForward(kSilenceMs);
+  await its.user.becomesUsable(confirm);
+});
+
+test("a window that nobody sees keeps no connection, and shows what has happened when it is seen again", async () => {
+  const become = (isHidden) => its.user.page.evaluate((hidden) => {
+    Object.defineProperty(document, "hidden", { value: hidden, configurable: true });
+    document.dispatchEvent(new Event("visibilitychange"));
+  }, isHidden);
+  await become(true);
+  await its.user.sees("Connecting", its.user.page.getByRole("banner"));
+  await its.appliance.call("Enable", { service: 4 });
+  assert.equal(await its.user.isOff(its.user.button("Start: Service 4")), true);
+  await become(false);
+  await its.user.isLive();
+  await its.user.showsState("Service 4", "Running");
 });
 
 test("where the appliance says why it does not answer, so does the banner, on an empty page too", async () => {

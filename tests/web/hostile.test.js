@@ -65,13 +65,17 @@ test("so are the texts that the log has of a request", async () => {
   mend();
 });
 
+function streamOf(state) {
+  const snapshot = { operations: [], lastOperation: 0, ...state };
+  return { contentType: "text/event-stream", body: `event: snapshot\ndata: ${JSON.stringify(snapshot)}\n\n` };
+}
+
 test("so are the names of the appliance and of a recorder, in the switch, the banners and the commands", async () => {
   const { page } = its.user;
   const appliance = { name: kHostile, model: kHostile, version: kHostile, blCmsHost: true, blStarted: true };
   const list = (await its.appliance.call("List")).list;
-  await page.route("**/appliance", (route) => route.fulfill({ json: { success: true, data: appliance } }));
-  await page.route("**/pairs", (route) => route.fulfill({
-    json: { success: true, data: { pairs: [{ name: kHostile, role: "server" }] } } }));
+  await page.route("**/events", (route) => route.fulfill(streamOf({ appliance, pairs: [{ name: kHostile, role: "server" }],
+    services: list.map(({ info }) => info) })));
   await page.route((url) => url.pathname.startsWith("/servers/"), (route) => route.fulfill({
     json: { success: true, data: { list } } }));
   await page.reload();
@@ -88,10 +92,8 @@ test("so are the names of the appliance and of a recorder, in the switch, the ba
 test("so is what the feed says of a release", async () => {
   const { page } = its.user;
   const release = { service: 1, version: `9.0.0-${kHostile}`, date: kHostile, size: 1, notes: kHostile };
-  const state = { services: (await its.appliance.call("List")).list.map(({ info }) => info), downloads: [],
-    releases: [release], operations: [], lastOperation: 0 };
-  await page.route("**/events", (route) => route.fulfill({ contentType: "text/event-stream",
-    body: `event: snapshot\ndata: ${JSON.stringify(state)}\n\n` }));
+  const services = (await its.appliance.call("List")).list.map(({ info }) => info);
+  await page.route("**/events", (route) => route.fulfill(streamOf({ services, releases: [release] })));
   await page.reload();
   const card = its.user.card("Device Pack");
   await isOnlyText(release.version, card);

@@ -15,12 +15,12 @@ const focused = () => its.user.page.evaluate(() => {
     .replace(/[\u2066-\u2069]/g, "");
 });
 
-async function tabTo(name) {
+async function tabTo(name, key = "Tab") {
   for (let stops = 0; stops < kLongestWay; ++stops) {
     if ((await focused()).startsWith(name)) {
       return;
     }
-    await its.user.page.keyboard.press("Tab");
+    await its.user.page.keyboard.press(key);
   }
   assert.fail(`${name} is not to be reached`);
 }
@@ -28,7 +28,7 @@ async function tabTo(name) {
 test("sign in, start, look at the operation, filter, restore, sign out", async () => {
   const { keyboard } = its.user.page;
   await its.user.sees("Sign in to this appliance");
-  await tabTo("Or enter the code");
+  assert.match(await focused(), /^Or enter the code/);
   await keyboard.type((await its.appliance.link()).split("=")[1]);
   await keyboard.press("Enter");
   await its.user.isLive();
@@ -37,7 +37,7 @@ test("sign in, start, look at the operation, filter, restore, sign out", async (
   await keyboard.press("Enter");
   await its.user.showsState("Local Display", "Running");
   await eventually(async () => (await focused()) === "Stop: Local Display", "the focus stays");
-  assert.match(await its.user.page.locator("#announcer").textContent(), /Local Display.*: .*Running/);
+  await its.user.hears(/Local Display.*: Running/);
 
   await tabTo("Commands");
   await keyboard.press("Enter");
@@ -53,15 +53,31 @@ test("sign in, start, look at the operation, filter, restore, sign out", async (
   await keyboard.press("Escape");
   assert.equal(await focused(), "Start");
 
-  await its.user.page.locator("h1").evaluate((element) => {
-    element.tabIndex = -1;
-    element.focus();
-  });
-  await tabTo("Restore …: Local Display");
+  await tabTo("Restore …: Local Display", "Shift+Tab");
   await keyboard.press("Space");
   await its.user.sees(/is removed/, its.user.dialog);
   await tabTo("Restore the factory copy");
   await keyboard.press("Enter");
   await its.user.sees("1.5.0-0060", its.user.card("Local Display"));
   await eventually(async () => (await focused()) === "Restore …: Local Display", "the focus comes back");
+
+  await tabTo("Sign out", "Shift+Tab");
+  await keyboard.press("Enter");
+  await its.user.sees("You are signed out.");
+  assert.match(await focused(), /^Or enter the code/);
+});
+
+test("the way past the bar leaves everything as it is", async () => {
+  const { page } = its.user;
+  await page.goto(await its.appliance.link());
+  await its.user.isLive();
+  await page.reload();
+  await its.user.isLive();
+  const requests = [];
+  page.on("request", (request) => requests.push(request.url()));
+  await page.keyboard.press("Tab");
+  assert.equal(await focused(), "Skip to the services");
+  await page.keyboard.press("Enter");
+  await eventually(() => page.evaluate(() => document.activeElement.id === "main"), "the services have the focus");
+  assert.deepEqual(requests.filter((url) => /events|appliance$/.test(url)), []);
 });

@@ -45,6 +45,10 @@ test("a code can be typed in, and signing out ends the session", async () => {
   await its.user.page.getByLabel("Or enter the code of the link").fill(` ${code.toLowerCase()} `);
   await its.user.button("Sign in").click();
   await its.user.card("Device Pack").waitFor();
+  await its.user.page.route("**/session", (route) => route.abort(), { times: 1 });
+  await its.user.button("Sign out").click();
+  await its.user.sees("The appliance does not answer.", its.user.dialog);
+  await its.user.button("Close", its.user.dialog).click();
   await its.user.button("Sign out").click();
   await its.user.sees("You are signed out.");
   await its.user.page.reload();

@@ -82,8 +82,14 @@ export class Console {
     return this.page.getByRole("dialog");
   }
 
-  async sees(words, within = this.page) {
+  // What is only said to screen readers does not count.
+  async sees(words, within = this.page.locator("body > :not(#announcer)")) {
     await within.getByText(words).first().waitFor();
+  }
+
+  // Waits until a screen reader is told so.
+  async hears(words) {
+    await eventually(async () => words.test(await this.page.locator("#announcer").textContent()), `${words} is said`);
   }
 
   // Waits until the card shows that state.
@@ -93,7 +99,7 @@ export class Console {
   }
 
   async isLive() {
-    await this.sees(/^(Live|Verbunden)$/);
+    await this.sees(/^(Live|Verbunden)$/, this.page.getByRole("banner"));
   }
 
   // That the control cannot be used now.
