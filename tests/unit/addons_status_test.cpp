@@ -31,6 +31,8 @@ const StatusCase kStatusCases[] = {
      Info("6", R"({"a":[1]})")},
     {"info_of_number_below_all", fake::Authorized("GetInfo", R"({"service":-1})"),
      R"({"GetServiceInfo":null})", Info("-1", "null")},
+    {"info_of_largest_number", fake::Authorized("GetInfo", R"({"service":2147483647})"),
+     R"({"GetServiceInfo":"odd"})", Info("2147483647", R"("odd")")},
 
     {"apps", fake::Authorized("GetAppsStatus", R"({"lang":"de"})"),
      R"({"CVJsConfigParser::GetAppsStatus":{"a":1}})", Apps("de", R"({"a":1})")},

@@ -73,6 +73,8 @@ const AdmissionCase kAdmissionCases[] = {
 
     {"proof_missing", Paired(R"({"client":"NVR"})"), kPairMatches,
      Checked("IsAuthPairMatch cookie ''", kAdmitted)},
+    {"proof_empty", Paired(R"({"client":"NVR","cookie":""})"), kPairMatches,
+     Checked("IsAuthPairMatch '' ''", kAdmitted)},
     {"proof_with_timestamp", Paired(kProof, {{"timestamp", "170"}}), kPairMatches,
      Checked("IsAuthPairMatch c 170", kAdmitted)},
     {"proof_does_not_match", Paired(kProof), kHostMatches, Checked("IsAuthPairMatch c ''", kRefused)},
@@ -104,7 +106,9 @@ struct DispatchCase {
 const DispatchCase kDispatchCases[] = {
     {"method_empty", "", "SetError 401 null"},
     {"method_unknown", "Uninstall", ""},
+    {"method_in_lower_case", "list", ""},
     {"method_with_more_text", "ListAll", ""},
+    {"method_with_less_text", "Lis", ""},
     {"method_with_text_behind_a_nul", std::string("List\0All", 8), ""},
 };
 

@@ -30,6 +30,7 @@ struct RelayedCase {
 const RelayedCase kRelayedCases[] = {
     {"unmarked_on_host", "{}", true, false},
     {"marked_on_host", R"({"relayedCmd":true})", true, true},
+    {"unmarked_elsewhere", "{}", false, false},
     {"marked_elsewhere", R"({"relayedCmd":true})", false, false},
 };
 

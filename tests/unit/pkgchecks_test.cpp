@@ -31,6 +31,7 @@ const PlatformCase kPlatformCases[] = {
     {"nothing_between", "vendor__model", R"(["plat1"])", false},
     {"empty_element_for_no_platform", "plat1", R"(["plat0",""])", true},
     {"empty_element_for_a_platform", "vendor_plat1_model", R"(["plat0",""])", false},
+    {"no_elements", "plat1", "[]", false},
     {"cut_at_127_bytes",
      "v_plat1_012345678901234567890123456789012345678901234567890123456789"
      "0123456789012345678901234567890123456789012345678901234567890123456789_",

@@ -229,6 +229,17 @@ TEST_P(FailedUpdate, StartsWhatItHasStoppedAndAnswers400) {
 
 INSTANTIATE_TEST_SUITE_P(, FailedUpdate, testing::ValuesIn(kFailureCases), CaseName<FailureCase>);
 
+// The unpacked tree is where it was after the move.
+TEST_F(Update, StartsTheLocalDisplayThatItDoesNotReplace) {
+    const AddOn& addOn = kLocalDisplay;
+    fake::AnswerOnce("lstat " + addOn.fresh, kFolder);
+    fake::Answer("IsServiceRunning", true);
+    ExpectUpdate(addOn, addOn.workDir,
+                 addOn.Lock() + addOn.Prepare() + Steps{"IsServiceRunning 6"} + kStopDisplay +
+                     addOn.SetAside() + addOn.Move() + addOn.NotReplaced() + kStartDisplay + addOn.Drop() +
+                     addOn.UnlockPackage() + addOn.Unlock() + kFailed);
+}
+
 // The lock file is left to its holder.
 TEST_F(Update, FailsWithoutItsLocks) {
     const AddOn& addOn = kDevicePack;
