@@ -4,13 +4,11 @@
 #include "fake/script.h"
 
 bool IsCmsHost() {
-    fake::Record("IsCmsHost");
-    return fake::NextAnswer("IsCmsHost", false).asBool();
+    return fake::Call("IsCmsHost", false).asBool();
 }
 
 bool IsCmsPaired() {
-    fake::Record("IsCmsPaired");
-    return fake::NextAnswer("IsCmsPaired", true).asBool();
+    return fake::Call("IsCmsPaired", true).asBool();
 }
 
 Json::Value GetJsonAPIInfo(const std::string& api, const std::string& method, int version) {
@@ -21,8 +19,8 @@ Json::Value GetJsonAPIInfo(const std::string& api, const std::string& method, in
 // Its reply is scripted as "SendWebAPIToHost reply".
 int SendWebAPIToHost(const Json::Value& request, bool authorize, Json::Value& reply, int timeLimitS,
                      const char* proxy, int flags) {
-    fake::Record("SendWebAPIToHost", request, authorize, reply, timeLimitS, proxy, flags);
-    const int result = fake::NextAnswer("SendWebAPIToHost", 0).asInt();
+    const int result =
+        fake::Call("SendWebAPIToHost", 0, request, authorize, reply, timeLimitS, proxy, flags).asInt();
     if (result == 0) {
         reply = fake::NextAnswer("SendWebAPIToHost reply", Json::Value());
     }
@@ -30,16 +28,13 @@ int SendWebAPIToHost(const Json::Value& request, bool authorize, Json::Value& re
 }
 
 int GetCamOwnerHxId(int cameraId) {
-    fake::Record("GetCamOwnerHxId", cameraId);
-    return fake::NextAnswer("GetCamOwnerHxId", 0).asInt();
+    return fake::Call("GetCamOwnerHxId", 0, cameraId).asInt();
 }
 
 bool IsAuthPairMatch(const std::string& cookie, const std::string& timestamp) {
-    fake::Record("IsAuthPairMatch", cookie, timestamp);
-    return fake::NextAnswer("IsAuthPairMatch", false).asBool();
+    return fake::Call("IsAuthPairMatch", false, cookie, timestamp).asBool();
 }
 
 bool SlaveHXAuthentication::IsAuthByPairMatch(const std::string& cookie, const std::string& timestamp) {
-    fake::Record("SlaveHXAuthentication::IsAuthByPairMatch", cookie, timestamp);
-    return fake::NextAnswer("SlaveHXAuthentication::IsAuthByPairMatch", false).asBool();
+    return fake::Call("SlaveHXAuthentication::IsAuthByPairMatch", false, cookie, timestamp).asBool();
 }

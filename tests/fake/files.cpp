@@ -10,23 +10,19 @@
 #include <filesystem>
 
 bool IsFileExist(const std::string& path) {
-    fake::Record("IsFileExist", path);
-    return fake::NextAnswer("IsFileExist", false).asBool();
+    return fake::Call("IsFileExist", false, path).asBool();
 }
 
 bool IsExistDir(const std::string& path) {
-    fake::Record("IsExistDir", path);
-    return fake::NextAnswer("IsExistDir", false).asBool();
+    return fake::Call("IsExistDir", false, path).asBool();
 }
 
 int RemoveFileIfExist(const std::string& path) {
-    fake::Record("RemoveFileIfExist", path);
-    return fake::NextAnswer("RemoveFileIfExist", 0).asInt();
+    return fake::Call("RemoveFileIfExist", 0, path).asInt();
 }
 
 int CreateFullDirPath(const std::string& path) {
-    fake::Record("CreateFullDirPath", path);
-    return fake::NextAnswer("CreateFullDirPath", 0).asInt();
+    return fake::Call("CreateFullDirPath", 0, path).asInt();
 }
 
 // A path of the appliance is only recorded; a test's own folder is really cleared.
@@ -51,8 +47,7 @@ std::list<std::string> String2StrList(const std::string& text, const std::string
 // The content is scripted as a text; without one the file cannot be read.
 int ReadContentFromFileToBuf(const std::string& path, bool wholeFile, unsigned char*& buffer,
                              std::size_t& sizeBytes) {
-    fake::Record("ReadContentFromFileToBuf", path, wholeFile);
-    const Json::Value answer = fake::NextAnswer("ReadContentFromFileToBuf", Json::Value());
+    const Json::Value answer = fake::Call("ReadContentFromFileToBuf", Json::Value(), path, wholeFile);
     if (!answer.isString()) {
         return -1;
     }

@@ -2,7 +2,7 @@
 
 #include "fake/json.h"
 
-#include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <regex>
 
 namespace fake {
 namespace {
@@ -38,6 +39,11 @@ std::string Escaped(unsigned char c) {
 }
 
 }  // namespace
+
+Steps operator+(Steps first, const Steps& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
 
 std::string Text(const std::string& text) {
     if (!text.empty() && std::all_of(text.begin(), text.end(), IsPlain)) {
@@ -92,7 +98,11 @@ std::string Journal() {
     return journal;
 }
 
-std::string Lines(const std::vector<std::string>& lines) {
+std::string JournalWithout(const std::string& call) {
+    return std::regex_replace(Journal(), std::regex(call + " .*\n"), "");
+}
+
+std::string Lines(const Steps& lines) {
     std::string text;
     for (const std::string& line : lines) {
         text += line + "\n";
@@ -101,13 +111,7 @@ std::string Lines(const std::vector<std::string>& lines) {
 }
 
 void OpenJournal() {
-    std::string path = std::string(P_tmpdir) + "/journal.XXXXXX";
-    journalFile = mkostemp(path.data(), O_APPEND | O_CLOEXEC);
-    if (journalFile < 0) {
-        std::perror("journal");
-        std::abort();
-    }
-    unlink(path.c_str());
+    journalFile = memfd_create("journal", MFD_CLOEXEC);
     childMarks.clear();
 }
 

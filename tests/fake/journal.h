@@ -8,6 +8,12 @@
 
 namespace fake {
 
+// Lines of a journal.
+using Steps = std::vector<std::string>;
+
+// The lines of both, one after the other.
+Steps operator+(Steps first, const Steps& second);
+
 // An argument as it stands in the journal. A text stands bare when it is one plain word, otherwise in
 // single quotes with \n and \xNN for control characters; a null one is "null". JSON stands on one line.
 std::string Text(const std::string& text);
@@ -30,10 +36,13 @@ void Record(const std::string& call, const Arguments&... arguments) {
 // All lines so far, each ended by a newline.
 std::string Journal();
 
-// The lines as Journal() gives them.
-std::string Lines(const std::vector<std::string>& lines);
+// The same without the lines of `call`.
+std::string JournalWithout(const std::string& call);
 
-// For Session: begins an empty journal, and ends it. The file has no name and goes with the process.
+// The lines as Journal() gives them.
+std::string Lines(const Steps& lines);
+
+// For Session: begins an empty journal, and ends it. Its file lies in memory.
 void OpenJournal();
 void CloseJournal();
 

@@ -4,8 +4,7 @@
 #include "fake/script.h"
 
 int BeginCriticalSection(const std::string& path, int waitLimitMs) {
-    fake::Record("BeginCriticalSection", path, waitLimitMs);
-    return fake::NextAnswer("BeginCriticalSection", 0).asInt();
+    return fake::Call("BeginCriticalSection", 0, path, waitLimitMs).asInt();
 }
 
 void EndCriticalSection(int handle) {

@@ -3,6 +3,7 @@
 #include "fake/journal.h"
 #include "fake/script.h"
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,8 +23,7 @@ int PLIBCExec(const char* path, const char* arg1, const char* arg2, const char* 
 }
 
 int PLIBCFileExist(const char* path) {
-    fake::Record("PLIBCFileExist", path);
-    return fake::NextAnswer("PLIBCFileExist", 1).asInt();
+    return fake::Call("PLIBCFileExist", 1, path).asInt();
 }
 
 // The values are scripted by file and key, as "PLIBCFileGetKeyValue PATH KEY"; without one there is none.
@@ -39,13 +39,18 @@ int PLIBCFileGetKeyValue(const char* path, const char* key, char* buffer, int bu
     return static_cast<int>(value.size());
 }
 
-// The fork that follows is the fake's own.
+// The fork that follows is the fake's own. Waits for the child, so that its lines stand before those that
+// come after the call.
 pid_t PLIBCProcFork() {
     fake::Record("PLIBCProcFork");
-    return fork();
+    const pid_t child = fork();
+    if (child > 0) {
+        siginfo_t ended{};
+        (void)waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED);
+    }
+    return child;
 }
 
 int PLIBCProcPidFileCreate(const char* path) {
-    fake::Record("PLIBCProcPidFileCreate", path);
-    return fake::NextAnswer("PLIBCProcPidFileCreate", 0).asInt();
+    return fake::Call("PLIBCProcPidFileCreate", 0, path).asInt();
 }

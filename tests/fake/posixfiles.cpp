@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <optional>
 #include <string>
 
 namespace {
@@ -23,11 +22,13 @@ bool IsAppliances(const std::string& path) {
     return path.rfind(kAppliance, 0) == 0;
 }
 
-// The result that the script has for the call; nothing when it is to be really made.
-std::optional<int> Scripted(const std::string& function, const std::string& path) {
-    const Json::Value error = fake::NextAnswer(function, IsAppliances(path) ? Json::Value(0) : Json::Value());
+// Records the call and returns the script's result, or, where there is none, that of `real`.
+template <typename Real, typename... More>
+int Make(Real real, const std::string& function, const std::string& path, const More&... more) {
+    const Json::Value otherwise = IsAppliances(path) ? Json::Value(0) : Json::Value();
+    const Json::Value error = fake::Call(function, otherwise, path, more...);
     if (!error.isInt()) {
-        return std::nullopt;
+        return real();
     }
     errno = error.asInt();
     return errno == 0 ? 0 : -1;
@@ -61,42 +62,33 @@ int __wrap_lstat64(const char* path, struct stat* info) {
 }
 
 int __wrap_nftw64(const char* folder, __nftw_func_t visit, int openFolders, int flags) {
-    fake::Record("nftw", folder);
-    const auto result = Scripted("nftw", folder);
-    return result ? *result : __real_nftw64(folder, visit, openFolders, flags);
+    return Make([=] { return __real_nftw64(folder, visit, openFolders, flags); }, "nftw", folder);
 }
 
 // Of the appliance's folders any open descriptor will do.
 int __wrap_open64(const char* path, int flags, mode_t mode) {
     if (IsAppliances(path)) {
         fake::Record("open", path);
-        return Scripted("open", path) == 0 ? __real_open64("/", O_RDONLY | O_CLOEXEC) : -1;
+        return __real_open64("/", O_RDONLY | O_CLOEXEC);
     }
     return __real_open64(path, flags, mode);
 }
 
 int __wrap_rename(const char* from, const char* to) {
-    fake::Record("rename", from, to);
-    const auto result = Scripted("rename", from);
-    return result ? *result : __real_rename(from, to);
+    return Make([=] { return __real_rename(from, to); }, "rename", from, to);
 }
 
 int __wrap_mkdir(const char* path, mode_t mode) {
-    fake::Record("mkdir", path);
-    const auto result = Scripted("mkdir", path);
-    return result ? *result : __real_mkdir(path, mode);
+    return Make([=] { return __real_mkdir(path, mode); }, "mkdir", path);
 }
 
 int __wrap_rmdir(const char* path) {
-    fake::Record("rmdir", path);
-    const auto result = Scripted("rmdir", path);
-    return result ? *result : __real_rmdir(path);
+    return Make([=] { return __real_rmdir(path); }, "rmdir", path);
 }
 
 // Nothing is removed: the paths are the appliance's.
 int __wrap_remove(const char* path) {
-    fake::Record("remove", path);
-    return fake::NextAnswer("remove", 0).asInt();
+    return fake::Call("remove", 0, path).asInt();
 }
 
 // Never really: it would wait for the whole machine.
@@ -104,11 +96,8 @@ void __wrap_sync() {
     fake::Record("sync");
 }
 
-// Of the module's own calls; the fake's journal has a file, too.
 int __wrap_unlink(const char* path) {
-    if (std::string(path).rfind("/tmp/cv_", 0) == 0) {
-        fake::Record("unlink", path);
-    }
+    fake::Record("unlink", path);
     return __real_unlink(path);
 }
 }

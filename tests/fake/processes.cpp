@@ -7,12 +7,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <optional>
+#include <ctime>
 #include <vector>
 
 namespace {
 
-std::optional<std::time_t> stoppedClock;
+std::time_t now = 1'700'000'000;
 std::vector<pid_t> children;
 
 // The errno is set last: recording has its own system calls.
@@ -35,16 +35,7 @@ std::string ChildName(pid_t pid) {
 
 namespace fake {
 
-void FailOnce(const std::string& function, int error) {
-    AnswerOnce(function, error);
-}
-
-void SetClock(std::time_t now) {
-    stoppedClock = now;
-}
-
 void ResetProcesses() {
-    stoppedClock.reset();
     children.clear();
 }
 
@@ -57,8 +48,6 @@ pid_t __real_fork();
 pid_t __real_waitpid(pid_t pid, int* status, int options);
 pid_t __real_setsid();
 [[noreturn]] void __real__exit(int status);
-unsigned __real_sleep(unsigned seconds);
-std::time_t __real_time(std::time_t* now);
 
 pid_t __wrap_fork() {
     fake::Record("fork");
@@ -87,7 +76,7 @@ pid_t __wrap_waitpid(pid_t pid, int* status, int options) {
 
 pid_t __wrap_setsid() {
     fake::Record("setsid");
-    return Fails("setsid") ? -1 : __real_setsid();
+    return __real_setsid();
 }
 
 [[noreturn]] void __wrap__exit(int status) {
@@ -96,21 +85,14 @@ pid_t __wrap_setsid() {
 }
 
 unsigned __wrap_sleep(unsigned seconds) {
-    fake::Record("sleep", static_cast<long long>(seconds));
-    if (!stoppedClock) {
-        return __real_sleep(seconds);
-    }
-    *stoppedClock += static_cast<std::time_t>(fake::NextAnswer("sleep", seconds).asInt64());
+    now += static_cast<std::time_t>(fake::Call("sleep", seconds, static_cast<long long>(seconds)).asInt64());
     return 0;
 }
 
-std::time_t __wrap_time(std::time_t* now) {
-    if (!stoppedClock) {
-        return __real_time(now);
+std::time_t __wrap_time(std::time_t* copy) {
+    if (copy != nullptr) {
+        *copy = now;
     }
-    if (now != nullptr) {
-        *now = *stoppedClock;
-    }
-    return *stoppedClock;
+    return now;
 }
 }

@@ -13,8 +13,7 @@ AddonsUpdate::~AddonsUpdate() {
 
 // Scripted: whether there is a newer release, a number for the result of a check that fails.
 int AddonsUpdate::CheckNewRelease(bool& hasNew, std::string& version) {
-    fake::Record("AddonsUpdate::CheckNewRelease", hasNew, version);
-    const Json::Value answer = fake::NextAnswer("AddonsUpdate::CheckNewRelease", false);
+    const Json::Value answer = fake::Call("AddonsUpdate::CheckNewRelease", false, hasNew, version);
     if (answer.isInt()) {
         return answer.asInt();
     }
@@ -23,15 +22,14 @@ int AddonsUpdate::CheckNewRelease(bool& hasNew, std::string& version) {
 }
 
 int AddonsUpdate::Download() {
-    fake::Record("AddonsUpdate::Download");
-    return fake::NextAnswer("AddonsUpdate::Download", 0).asInt();
+    return fake::Call("AddonsUpdate::Download", 0).asInt();
 }
 
 // Scripted: a list of version, percentage and state, of which those at the end may be missing; a number for
 // the result of a call that fails.
 int AddonsUpdate::GetDownloadStatus(std::string& version, int& percent, APP_DOWNLOAD_STATUS& status) {
-    fake::Record("AddonsUpdate::GetDownloadStatus", version, percent, status);
-    const Json::Value answer = fake::NextAnswer("AddonsUpdate::GetDownloadStatus", Json::arrayValue);
+    const Json::Value answer =
+        fake::Call("AddonsUpdate::GetDownloadStatus", Json::arrayValue, version, percent, status);
     if (answer.isInt()) {
         return answer.asInt();
     }
@@ -42,19 +40,17 @@ int AddonsUpdate::GetDownloadStatus(std::string& version, int& percent, APP_DOWN
 }
 
 int AddonsUpdate::CancelDownload() {
-    fake::Record("AddonsUpdate::CancelDownload");
-    return fake::NextAnswer("AddonsUpdate::CancelDownload", 0).asInt();
+    return fake::Call("AddonsUpdate::CancelDownload", 0).asInt();
 }
 
 int AddonsUpdate::SetAutoDownloadCrontabRule(bool enable) {
-    fake::Record("AddonsUpdate::SetAutoDownloadCrontabRule", enable);
-    return fake::NextAnswer("AddonsUpdate::SetAutoDownloadCrontabRule", 0).asInt();
+    return fake::Call("AddonsUpdate::SetAutoDownloadCrontabRule", 0, enable).asInt();
 }
 
 // Scripted: the path of the package file that is ready; "" for none, a number for the result.
 int AddonsUpdate::ReadDownloadInfoFile(bool& ready, APP_DOWNLOAD_INFO& info) {
-    fake::Record("AddonsUpdate::ReadDownloadInfoFile", info.version, info.filePath, info.date);
-    const Json::Value answer = fake::NextAnswer("AddonsUpdate::ReadDownloadInfoFile", "");
+    const Json::Value answer =
+        fake::Call("AddonsUpdate::ReadDownloadInfoFile", "", info.version, info.filePath, info.date);
     if (answer.isInt()) {
         return answer.asInt();
     }
@@ -64,8 +60,7 @@ int AddonsUpdate::ReadDownloadInfoFile(bool& ready, APP_DOWNLOAD_INFO& info) {
 }
 
 int AddonsUpdate::CleanDownloadResult() {
-    fake::Record("AddonsUpdate::CleanDownloadResult");
-    return fake::NextAnswer("AddonsUpdate::CleanDownloadResult", 0).asInt();
+    return fake::Call("AddonsUpdate::CleanDownloadResult", 0).asInt();
 }
 
 // Scripted by the version under test, as "AddonsUpdate::IsVersionNewer VERSION".

@@ -6,34 +6,29 @@
 #include <csignal>
 
 Json::Value GetServiceInfo(ADDON_SERVICE service) {
-    fake::Record("GetServiceInfo", service);
-    return fake::NextAnswer("GetServiceInfo", Json::Value(Json::objectValue));
+    return fake::Call("GetServiceInfo", Json::Value(Json::objectValue), service);
 }
 
 bool IsServiceRunning(ADDON_SERVICE service) {
-    fake::Record("IsServiceRunning", service);
-    return fake::NextAnswer("IsServiceRunning", false).asBool();
+    return fake::Call("IsServiceRunning", false, service).asBool();
 }
 
 bool IsCVRunning() {
-    fake::Record("IsCVRunning");
-    return fake::NextAnswer("IsCVRunning", true).asBool();
+    return fake::Call("IsCVRunning", true).asBool();
 }
 
+// Not recorded: it only names things.
 std::string GetServiceStr(ADDON_SERVICE service) {
-    fake::Record("GetServiceStr", service);
     return "name" + std::to_string(service);
 }
 
 int ChangeServiceStatus(ADDON_SERVICE service, CONTROL_ACTION status) {
-    fake::Record("ChangeServiceStatus", service, status);
-    return fake::NextAnswer("ChangeServiceStatus", 0).asInt();
+    return fake::Call("ChangeServiceStatus", 0, service, status).asInt();
 }
 
 // The answer "killed" ends the calling process by a signal.
 int DaemonCtrl::Run(CV_DAEMON_TYPE type) {
-    fake::Record("DaemonCtrl::Run", type);
-    const Json::Value answer = fake::NextAnswer("DaemonCtrl::Run", 0);
+    const Json::Value answer = fake::Call("DaemonCtrl::Run", 0, type);
     if (answer == "killed") {
         (void)raise(SIGKILL);
     }
@@ -41,8 +36,7 @@ int DaemonCtrl::Run(CV_DAEMON_TYPE type) {
 }
 
 int DaemonCtrl::Kill(CV_DAEMON_TYPE type) {
-    fake::Record("DaemonCtrl::Kill", type);
-    return fake::NextAnswer("DaemonCtrl::Kill", 0).asInt();
+    return fake::Call("DaemonCtrl::Kill", 0, type).asInt();
 }
 
 int GetDaemonInfo(CV_DAEMON_TYPE type, CV_DAEMON_INFO& info) {
@@ -64,8 +58,7 @@ void WebUIOptions::SetOption(OPTION_TYPE type, const std::string& value) {
 }
 
 int WebUIOptions::Apply() {
-    fake::Record("WebUIOptions::Apply");
-    return fake::NextAnswer("WebUIOptions::Apply", 0).asInt();
+    return fake::Call("WebUIOptions::Apply", 0).asInt();
 }
 
 std::string Bool2String(bool value) {

@@ -3,8 +3,8 @@
 
 namespace fake {
 
-// While it lives, calls are recorded and answered from the script. Journal and script are empty at first,
-// and the clock is the system's. One at a time.
+// While it lives, calls are recorded and answered from the script. Journal and script are empty at first. One
+// at a time.
 class Session {
 public:
     Session();

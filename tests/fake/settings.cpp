@@ -9,13 +9,11 @@ std::string GetAutoDownloadKey(ADDON_SERVICE service) {
 }
 
 bool IsSettingEnabled(const std::string& key, bool defaultValue, bool fromCache) {
-    fake::Record("IsSettingEnabled", key, defaultValue, fromCache);
-    return fake::NextAnswer("IsSettingEnabled", defaultValue).asBool();
+    return fake::Call("IsSettingEnabled", defaultValue, key, defaultValue, fromCache).asBool();
 }
 
 int SetSettingEnabled(const std::string& key, bool enabled) {
-    fake::Record("SetSettingEnabled", key, enabled);
-    return fake::NextAnswer("SetSettingEnabled", 0).asInt();
+    return fake::Call("SetSettingEnabled", 0, key, enabled).asInt();
 }
 
 std::string GetHxModelName(const std::string& hxName) {
@@ -24,8 +22,7 @@ std::string GetHxModelName(const std::string& hxName) {
 }
 
 bool IsNVRModel(const std::string& modelName) {
-    fake::Record("IsNVRModel", modelName);
-    return fake::NextAnswer("IsNVRModel", false).asBool();
+    return fake::Call("IsNVRModel", false, modelName).asBool();
 }
 
 CVJsConfigParser::CVJsConfigParser(const std::string& language) : language_(language) {
@@ -33,11 +30,9 @@ CVJsConfigParser::CVJsConfigParser(const std::string& language) : language_(lang
 }
 
 bool CVJsConfigParser::Parse() {
-    fake::Record("CVJsConfigParser::Parse");
-    return fake::NextAnswer("CVJsConfigParser::Parse", true).asBool();
+    return fake::Call("CVJsConfigParser::Parse", true).asBool();
 }
 
 Json::Value CVJsConfigParser::GetAppsStatus() const {
-    fake::Record("CVJsConfigParser::GetAppsStatus");
-    return fake::NextAnswer("CVJsConfigParser::GetAppsStatus", Json::Value(Json::objectValue));
+    return fake::Call("CVJsConfigParser::GetAppsStatus", Json::Value(Json::objectValue));
 }

@@ -3,8 +3,6 @@
 #include "fake/journal.h"
 #include "fake/json.h"
 
-#include <sys/wait.h>
-
 namespace ORVA {
 namespace {
 
@@ -87,8 +85,7 @@ ORVA::RequestContent Upload(const std::string& form, const std::string& files) {
     return {true, "Upload", Json::Value(Json::objectValue), {}, ParseJson(form), ParseJson(files)};
 }
 
-std::string Serve(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
-                  const ORVA::RequestContent& request) {
+std::string Serve(Handler handler, const ORVA::RequestContent& request) {
     ORVA::ResponseContent response;
     ORVA::APIRequest apiRequest(request);
     ORVA::APIResponse apiResponse(response);
@@ -96,21 +93,7 @@ std::string Serve(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
     return response.answer;
 }
 
-DetachedJournal ServeAndReap(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
-                             const ORVA::RequestContent& request) {
-    Serve(handler, request);
-    while (wait(nullptr) > 0) {
-    }
-    DetachedJournal split;
-    std::string lines = Journal();
-    for (std::size_t end = lines.find('\n'); end != std::string::npos; end = lines.find('\n')) {
-        (lines[0] == '>' ? split.child : split.request) += lines.substr(0, end + 1);
-        lines.erase(0, end + 1);
-    }
-    return split;
-}
-
-std::vector<std::string> Admission() {
+Steps Admission() {
     return {"GetParam relayedCmd false", "IsCmsHost", "IsAuthorized", "GetAPIMethod"};
 }
 

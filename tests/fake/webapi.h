@@ -1,11 +1,11 @@
 // What a test gives the web API framework, and what comes back.
 #pragma once
 
+#include "fake/journal.h"
 #include "platform/webapi.h"
 
 #include <map>
 #include <string>
-#include <vector>
 
 namespace ORVA {
 
@@ -37,21 +37,12 @@ ORVA::RequestContent Unauthorized(const std::string& method, const std::string& 
 // An upload of a form: its ordinary fields and, as the framework gives them, the members for its files.
 ORVA::RequestContent Upload(const std::string& form, const std::string& files);
 
+using Handler = void (*)(ORVA::APIRequest*, ORVA::APIResponse*);
+
 // Hands the request to `handler`, as the framework does, and returns its answer.
-std::string Serve(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
-                  const ORVA::RequestContent& request);
-
-// The journal of a request that left a detached child: the lines of each, without telling which came first.
-struct DetachedJournal {
-    std::string request;
-    std::string child;
-};
-
-// Serves the request and waits until all that it has started has ended.
-DetachedJournal ServeAndReap(void (*handler)(ORVA::APIRequest*, ORVA::APIResponse*),
-                             const ORVA::RequestContent& request);
+std::string Serve(Handler handler, const ORVA::RequestContent& request);
 
 // The calls with which an authorised request begins, before its method reads a parameter.
-std::vector<std::string> Admission();
+Steps Admission();
 
 }  // namespace fake

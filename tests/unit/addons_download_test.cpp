@@ -1,79 +1,52 @@
 // "DownloadStart", "DownloadProgress" and "DownloadCancel".
-#include "fake/journal.h"
 #include "fake/json.h"
-#include "fake/processes.h"
 #include "fake/script.h"
-#include "fake/session.h"
-#include "fake/steps.h"
-#include "fake/webapi.h"
-#include "webapi/apitable.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <string>
 #include <vector>
 
 namespace {
 
-using fake::Steps;
-using fake::operator+;
-
-Steps Begin(const std::string& service) {
-    return fake::Admission() + Steps{"GetParam service 0", "AddonsUpdate " + service};
-}
-
 const char kNoDownload[] = R"(SetError 400 {"param1":"","param2":""})";
 
 struct StartCase {
     const char* name;
-    Json::Value found;  // by the check
-    int forkError;
-    int download;  // its result
-    Steps request;
-    Steps child;
+    const char* answers;
+    Steps steps;  // after the check
 };
 
-const Steps kCheck = {"AddonsUpdate::CheckNewRelease false ''"};
 const Steps kFork = {"PLIBCProcFork", "fork"};
 const Steps kDownload = {"> setsid", "> AddonsUpdate::Download"};
 
 const StartCase kStartCases[] = {
-    {"newer", true, 0, 0, kCheck + kFork + Steps{"SetSuccess null"}, kDownload + Steps{"> _exit 0"}},
-    {"download_fails", true, 0, -1, kCheck + kFork + Steps{"SetSuccess null"},
-     kDownload +
+    {"newer", R"({"AddonsUpdate::CheckNewRelease":true})",
+     kFork + kDownload + Steps{"> _exit 0", "SetSuccess null"}},
+    {"download_fails", R"({"AddonsUpdate::CheckNewRelease":true,"AddonsUpdate::Download":-1})",
+     kFork + kDownload +
          Steps{R"(> CVPrintf 0 null null addons HandleDownloadStart 'Failed to download device pack.\n')",
-               "> _exit 0"}},
-    {"nothing_newer", false, 0, 0, kCheck + Steps{kNoDownload}, {}},
+               "> _exit 0", "SetSuccess null"}},
+    {"nothing_newer", R"({"AddonsUpdate::CheckNewRelease":false})", {kNoDownload}},
     {"check_fails",
-     -1,
-     0,
-     0,
-     kCheck + Steps{R"(CVPrintf 0 null null addons HandleDownloadStart 'Failed to check new release.\n')",
-                    kNoDownload},
-     {}},
-    {"no_process", true, EAGAIN, 0, kCheck + kFork + Steps{kNoDownload}, {}},
+     R"({"AddonsUpdate::CheckNewRelease":-1})",
+     {R"(CVPrintf 0 null null addons HandleDownloadStart 'Failed to check new release.\n')", kNoDownload}},
+    {"no_process", R"({"AddonsUpdate::CheckNewRelease":true,"fork":11})", kFork + Steps{kNoDownload}},
 };
 
-class DownloadStart : public testing::TestWithParam<StartCase> {
-    fake::Session session_;
-};
+using DownloadStart = TableTest<StartCase>;
 
 // The child runs no destructors.
 TEST_P(DownloadStart, DownloadsInADetachedChild) {
-    fake::Answer("AddonsUpdate::CheckNewRelease", GetParam().found);
-    fake::Answer("AddonsUpdate::Download", GetParam().download);
-    if (GetParam().forkError != 0) {
-        fake::FailOnce("fork", GetParam().forkError);
-    }
-    const fake::DetachedJournal journal =
-        fake::ServeAndReap(Process, fake::Authorized("DownloadStart", R"({"service":6})"));
-    EXPECT_EQ(fake::Lines(Begin("6") + GetParam().request + Steps{"~AddonsUpdate 6"}), journal.request);
-    EXPECT_EQ(fake::Lines(GetParam().child), journal.child);
+    fake::AnswerEach(GetParam().answers);
+    ExpectCalls(fake::Authorized("DownloadStart", R"({"service":6})"),
+                Steps{"GetParam service 0", "AddonsUpdate 6", "AddonsUpdate::CheckNewRelease false ''"} +
+                    GetParam().steps + Steps{"~AddonsUpdate 6"});
 }
 
-INSTANTIATE_TEST_SUITE_P(, DownloadStart, testing::ValuesIn(kStartCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, DownloadStart, testing::ValuesIn(kStartCases), CaseName<StartCase>);
 
 struct ProgressCase {
     const char* name;
@@ -81,62 +54,44 @@ struct ProgressCase {
     Steps steps;
 };
 
-const std::string kRead = "AddonsUpdate::GetDownloadStatus ";
+const Steps kRead = {"AddonsUpdate::GetDownloadStatus '' 0 0"};
+const Steps kReadAndWait = kRead + Steps{"sleep 1"};
 
 const ProgressCase kProgressCases[] = {
-    {"running",
-     {R"(["2.0-1",40,1])"},
-     {kRead + "'' 0 0", R"(SetSuccess {"percent":40,"status":1,"version":"name6 2.0-1"})"}},
-    {"any_other_state",
+    {"any_state",
      {R"(["2.0-1",100,9])"},
-     {kRead + "'' 0 0", R"(SetSuccess {"percent":100,"status":9,"version":"name6 2.0-1"})"}},
+     kRead + Steps{R"(SetSuccess {"percent":100,"status":9,"version":"name6 2.0-1"})"}},
     {"running_after_a_while",
      {"[]", R"(["2.0-1",1,1])"},
-     {kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0",
-      R"(SetSuccess {"percent":1,"status":1,"version":"name6 2.0-1"})"}},
+     kReadAndWait + kRead + Steps{R"(SetSuccess {"percent":1,"status":1,"version":"name6 2.0-1"})"}},
     {"none",
      {"[]"},
-     {kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0",
-      "sleep 1", kRead + "'' 0 0", "sleep 1", R"(SetSuccess {"percent":0,"status":4,"version":"name6 "})"}},
-    {"none_but_a_version",
-     {"[]", "[]", "[]", "[]", R"(["2.0-1",7])"},
-     {kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0", "sleep 1", kRead + "'' 0 0",
-      "sleep 1", kRead + "'' 0 0", "sleep 1",
-      R"(SetSuccess {"percent":7,"status":4,"version":"name6 2.0-1"})"}},
-    {"unreadable", {"-1"}, {kRead + "'' 0 0", kNoDownload}},
+     kReadAndWait + kReadAndWait + kReadAndWait + kReadAndWait + kReadAndWait +
+         Steps{R"(SetSuccess {"percent":0,"status":4,"version":"name6 "})"}},
     {"unreadable_after_a_while",
      {R"(["2.0-1"])", "-1"},
-     {kRead + "'' 0 0", "sleep 1", kRead + "2.0-1 0 0", kNoDownload}},
+     kReadAndWait + Steps{"AddonsUpdate::GetDownloadStatus 2.0-1 0 0", kNoDownload}},
 };
 
-class DownloadProgress : public testing::TestWithParam<ProgressCase> {
-    fake::Session session_;
-};
+using DownloadProgress = TableTest<ProgressCase>;
 
 TEST_P(DownloadProgress, ReadsAtMostFiveTimes) {
-    fake::SetClock(1'700'000'000);
     for (const char* state : GetParam().states) {
         fake::AnswerOnce("AddonsUpdate::GetDownloadStatus", fake::ParseJson(state));
     }
-    fake::Serve(Process, fake::Authorized("DownloadProgress", R"({"service":6})"));
-    EXPECT_EQ(
-        fake::Lines(fake::Admission() + Steps{"GetParam service 0", "GetServiceStr 6", "AddonsUpdate 6"} +
-                    GetParam().steps + Steps{"~AddonsUpdate 6"}),
-        fake::Journal());
+    ExpectCalls(fake::Authorized("DownloadProgress", R"({"service":6})"),
+                Steps{"GetParam service 0", "AddonsUpdate 6"} + GetParam().steps + Steps{"~AddonsUpdate 6"});
 }
 
-INSTANTIATE_TEST_SUITE_P(, DownloadProgress, testing::ValuesIn(kProgressCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, DownloadProgress, testing::ValuesIn(kProgressCases), CaseName<ProgressCase>);
 
 TEST(DownloadCancel, AnswersAsTheReleaseClientDoes) {
     for (const int result : {0, -1}) {
         const fake::Session session;
         fake::Answer("AddonsUpdate::CancelDownload", result);
-        fake::Serve(Process, fake::Authorized("DownloadCancel", "{}"));
-        EXPECT_EQ(
-            fake::Lines(Begin("0") + Steps{"AddonsUpdate::CancelDownload",
-                                           result == 0 ? "SetSuccess null" : kNoDownload, "~AddonsUpdate 0"}),
-            fake::Journal());
+        ExpectCalls(fake::Authorized("DownloadCancel"),
+                    {"GetParam service 0", "AddonsUpdate 0", "AddonsUpdate::CancelDownload",
+                     result == 0 ? "SetSuccess null" : kNoDownload, "~AddonsUpdate 0"});
     }
 }
 

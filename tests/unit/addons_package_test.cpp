@@ -1,22 +1,14 @@
 // "Upload", "GetPkgInfo" and "LoadFile".
-#include "fake/journal.h"
+#include "fake/json.h"
 #include "fake/script.h"
-#include "fake/session.h"
-#include "fake/webapi.h"
-#include "webapi/apitable.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace {
-
-using Steps = std::vector<std::string>;
-
-std::string After(const Steps& begin, const Steps& steps) {
-    return fake::Lines(fake::Admission()) + fake::Lines(begin) + fake::Lines(steps);
-}
 
 struct UploadCase {
     const char* name;
@@ -36,73 +28,76 @@ const UploadCase kUploadCases[] = {
     {"other_field", fake::Upload("{}", R"({"file":"a.spk","file_tmp":"/up/1"})"), kSelectFile},
     {"not_stored", fake::Upload("{}", R"({"addonsSpkFile":"a.spk"})"), kSelectFile},
     {"without_a_name", fake::Upload("{}", R"({"addonsSpkFile_tmp":"/up/1"})"), kSelectFile},
-    {"empty_form", fake::Upload("{}", "{}"), kSelectFile},
     {"no_upload", fake::Authorized("Upload", R"({"addonsSpkFile":"a","addonsSpkFile_tmp":"/up/1"})"),
      kSelectFile},
 };
 
-class Upload : public testing::TestWithParam<UploadCase> {
-    fake::Session session_;
-};
+using Upload = TableTest<UploadCase>;
 
 TEST_P(Upload, NamesTheStoredFile) {
     EXPECT_EQ(GetParam().answer, fake::Serve(Process, GetParam().request));
 }
 
-INSTANTIATE_TEST_SUITE_P(, Upload, testing::ValuesIn(kUploadCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Upload, testing::ValuesIn(kUploadCases), CaseName<UploadCase>);
 
 TEST(UploadOrder, ReadsFieldsThenFiles) {
     const fake::Session session;
-    fake::Serve(Process, fake::Upload(R"({"x":"1"})", "{}"));
-    EXPECT_EQ(After({"APIUpload", "IsUploadRequest", "GetUploadParam null", R"(GetUploadFile {"x":"1"})"},
-                    {kSelectFile}),
-              fake::Journal());
+    ExpectCalls(fake::Upload(R"({"x":"1"})", "{}"), {"APIUpload", "IsUploadRequest", "GetUploadParam null",
+                                                     R"(GetUploadFile {"x":"1"})", kSelectFile});
 }
-
-const Steps kReadPkgInfo = {R"(GetParam pkgInfo "")",
-                            "GetParam service 0",
-                            "GetParam isRedirectCgi false",
-                            "GetServiceStr 6",
-                            "BeginCriticalSection /tmp/cv_AddOns_Package_name6.lock 3000",
-                            "lstat /var/packages/Camvora/target/local_display.aside",
-                            "lstat /var/packages/Camvora/target/local_display.dropped"};
-const Steps kInvalidFile = {
-    "EndCriticalSection 0", "RemoveFileIfExist /tmp/cv_AddOns_Package_name6.lock",
-    R"(SetError 400 {"errinfo":{"key":"invalid_file","param1":"","param2":"","param3":"",)"
-    R"("sec":"localdisplay"},"param1":"","param2":""})"};
 
 TEST(GetPkgInfo, AnswersWithTheErrorInfo) {
     const fake::Session session;
-    fake::Serve(Process, fake::Authorized("GetPkgInfo", R"({"service":6})"));
-    EXPECT_EQ(After(kReadPkgInfo, kInvalidFile), fake::Journal());
+    ExpectCalls(fake::Authorized("GetPkgInfo", R"({"service":6})"),
+                {R"(GetParam pkgInfo "")", "GetParam service 0", "GetParam isRedirectCgi false",
+                 "BeginCriticalSection /tmp/cv_AddOns_Package_name6.lock 3000",
+                 "lstat /var/packages/Camvora/target/local_display.aside",
+                 "lstat /var/packages/Camvora/target/local_display.dropped", "EndCriticalSection 0",
+                 "RemoveFileIfExist /tmp/cv_AddOns_Package_name6.lock",
+                 R"(SetError 400 {"errinfo":{"key":"invalid_file","param1":"","param2":"","param3":"",)"
+                 R"("sec":"localdisplay"},"param1":"","param2":""})"});
 }
 
-TEST(GetPkgInfo, FetchesWhenRedirected) {
-    const fake::Session session;
-    fake::Answer("IsCmsPaired", false);
-    fake::Serve(Process, fake::Authorized("GetPkgInfo", R"({"service":6,"isRedirectCgi":true,
-        "pkgInfo":{"fileName":"a.spk","filePath":"/up/1"}})"));
-    Steps steps = {"IsCmsPaired"};
-    steps.insert(steps.end(), kInvalidFile.begin(), kInvalidFile.end());
-    EXPECT_EQ(After(kReadPkgInfo, steps), fake::Journal());
-}
-
-TEST(GetPkgInfo, AnswersWithWhatThePackageSays) {
-    const fake::Session session;
-    const std::string value = "PLIBCFileGetKeyValue /var/packages/Camvora/";
-    const std::string dir = "target/cv_addOns_name1";
-    fake::Answer(value + dir + "/INFO package", "CamvoraDevicePack");
-    fake::Answer(value + "target/etc/cv.conf dp_min_ver", "1.0");
-    for (const std::string& key : {dir + "/INFO arch", std::string("INFO arch"), std::string("INFO version"),
-                                   dir + "/device_pack/conf cv_min_ver", dir + "/device_pack/conf version",
-                                   dir + "/device_pack/conf maintainer"}) {
-        fake::Answer(value + key, "text");
+// Everything is read from the directory of fetched packages.
+class FetchedPackage : public testing::Test {
+protected:
+    FetchedPackage() {
+        fake::Answer("SendWebAPIToHost reply",
+                     fake::ParseJson(R"({"success":true,"data":{"fileSize":3,"fileData":"YWJj"}})"));
+        const std::string value = "PLIBCFileGetKeyValue ";
+        fake::Answer(value + kDir + "/INFO package", "CamvoraLocalDisplay");
+        fake::Answer(value + kDir + "/INFO arch", "main");
+        fake::Answer(value + "/var/packages/Camvora/INFO arch", "main");
+        fake::Answer(value + "/var/packages/Camvora/INFO version", "9.2-1");
+        fake::Answer(value + "/var/packages/Camvora/target/etc/cv.conf local_display_min_ver", "1.0");
+        for (const char* key : {"cv_min_ver", "version", "maintainer"}) {
+            fake::Answer(value + kDir + "/local_display/conf " + key, key);
+        }
     }
-    EXPECT_EQ(R"(SetSuccess {"errinfo":null,"filePath":"/var/packages/Camvora/target/cv_addOns_name1/",)"
-              R"("maintainer":"text","version":"text"})",
-              fake::Serve(Process, fake::Authorized("GetPkgInfo", R"({"service":1,
-                  "pkgInfo":{"fileName":"a.spk","filePath":"/up/1"}})")));
+
+    static std::string Inspect() {
+        return fake::Serve(Process, fake::Authorized("GetPkgInfo", R"({"service":6,"isRedirectCgi":true,
+            "pkgInfo":{"fileName":"a.spk","filePath":"/up/1"}})"));
+    }
+
+    const std::string kDir = "/var/packages/Camvora/target/cv_addOns_name6_host";
+
+private:
+    fake::Session session_;
+};
+
+TEST_F(FetchedPackage, IsUnpackedIntoADirectoryOfItsOwn) {
+    EXPECT_EQ(R"(SetSuccess {"errinfo":null,"filePath":")" + kDir +
+                  R"(/","maintainer":"maintainer","version":"version"})",
+              Inspect());
+    EXPECT_NE(std::string::npos, fake::Journal().find("lstat " + kDir + "/local_display/conf\n"));
+    EXPECT_EQ(std::string::npos, fake::Journal().find("PLIBCFileExist"));  // the transfer has said it
+}
+
+TEST_F(FetchedPackage, ThatIsTooOldIsNamed) {
+    fake::Answer("AddonsUpdate::IsVersionNewer version", false);
+    EXPECT_NE(std::string::npos,
+              Inspect().find(R"("param1":"Local Display","param2":"1.0","param3":"version")"));
 }
 
 struct LoadCase {
@@ -130,20 +125,17 @@ const LoadCase kLoadCases[] = {
      {kReadFailed, kNothing}},
 };
 
-class LoadFile : public testing::TestWithParam<LoadCase> {
-    fake::Session session_;
-};
+using LoadFile = TableTest<LoadCase>;
 
 TEST_P(LoadFile, MovesTheFileIntoTheAnswer) {
     fake::AnswerEach(GetParam().answers);
-    fake::Serve(Process, fake::Authorized("LoadFile", R"({"filePath":"/up/1"})"));
-    EXPECT_EQ(After({R"(GetParam filePath "")",
-                     "PLIBCFileGetKeyValue /var/packages/Camvora/target/etc/cv.conf addons_upload_dir 256 0"},
-                    GetParam().steps),
-              fake::Journal());
+    ExpectCalls(
+        fake::Authorized("LoadFile", R"({"filePath":"/up/1"})"),
+        Steps{R"(GetParam filePath "")",
+              "PLIBCFileGetKeyValue /var/packages/Camvora/target/etc/cv.conf addons_upload_dir 256 0"} +
+            GetParam().steps);
 }
 
-INSTANTIATE_TEST_SUITE_P(, LoadFile, testing::ValuesIn(kLoadCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, LoadFile, testing::ValuesIn(kLoadCases), CaseName<LoadCase>);
 
 }  // namespace

@@ -1,20 +1,13 @@
 // "Restore".
-#include "fake/journal.h"
 #include "fake/script.h"
-#include "fake/session.h"
-#include "fake/steps.h"
-#include "fake/webapi.h"
-#include "webapi/apitable.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace {
-
-using fake::Steps;
-using fake::operator+;
 
 const std::string kTarget = "/var/packages/Camvora/target";
 const Steps kDevicePackCopy = {"IsExistDir " + kTarget + "/device_pack.default"};
@@ -45,16 +38,9 @@ const RestoreCase kRestoreCases[] = {
      true,
      true,
      {R"(CVPrintf 0 null null addons HandleRestore 'Invalid service type\n')"}},
-    {"no_service",
-     "0",
-     true,
-     true,
-     {R"(CVPrintf 0 null null addons HandleRestore 'Invalid service type\n')"}},
 };
 
-class Restore : public testing::TestWithParam<RestoreCase> {
-    fake::Session session_;
-};
+using Restore = TableTest<RestoreCase>;
 
 // No result is looked at.
 TEST_P(Restore, RunsTheAddOnsScriptAndAlwaysSucceeds) {
@@ -64,19 +50,15 @@ TEST_P(Restore, RunsTheAddOnsScriptAndAlwaysSucceeds) {
     for (const char* call : {"PLIBCExec", "DaemonCtrl::Kill", "DaemonCtrl::Run", "ChangeServiceStatus"}) {
         fake::Answer(call, -1);
     }
-    const std::string params =
-        R"({"serviceName":"name","description":"why","service":)" + std::string(row.service) + "}";
-    fake::Serve(Process, fake::Authorized("Restore", params));
-    EXPECT_EQ(
-        fake::Lines(fake::Admission() +
-                    Steps{"GetParam service 0", R"(GetParam serviceName "")", R"(GetParam description "")"} +
+    const std::string service = row.service;
+    ExpectCalls(fake::Authorized("Restore",
+                                 R"({"serviceName":"name","description":"why","service":)" + service + "}"),
+                Steps{"GetParam service 0", R"(GetParam serviceName "")", R"(GetParam description "")"} +
                     row.steps +
-                    Steps{"CVClientNotify::Notify 24 " + std::string(row.service) + " 2 ''",
-                          "CVLog 321913013 0 name why ''", "SetSuccess null"}),
-        fake::Journal());
+                    Steps{"CVClientNotify::Notify 24 " + service + " 2 ''", "CVLog 321913013 0 name why ''",
+                          "SetSuccess null"});
 }
 
-INSTANTIATE_TEST_SUITE_P(, Restore, testing::ValuesIn(kRestoreCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Restore, testing::ValuesIn(kRestoreCases), CaseName<RestoreCase>);
 
 }  // namespace

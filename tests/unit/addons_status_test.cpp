@@ -1,18 +1,13 @@
-#include "fake/journal.h"
 #include "fake/json.h"
 #include "fake/script.h"
-#include "fake/session.h"
-#include "fake/webapi.h"
-#include "webapi/apitable.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace {
-
-using Steps = std::vector<std::string>;
 
 struct StatusCase {
     const char* name;
@@ -39,26 +34,20 @@ const StatusCase kStatusCases[] = {
     {"info_of_largest_number", fake::Authorized("GetInfo", R"({"service":2147483647})"),
      R"({"GetServiceInfo":"odd"})", Info("2147483647", R"("odd")")},
 
-    {"apps_without_language", fake::Authorized("GetAppsStatus"), R"({"CVJsConfigParser::GetAppsStatus":{}})",
-     Apps("''", "{}")},
     {"apps", fake::Authorized("GetAppsStatus", R"({"lang":"de"})"),
      R"({"CVJsConfigParser::GetAppsStatus":{"a":1}})", Apps("de", R"({"a":1})")},
     {"apps_after_failed_parse", fake::Authorized("GetAppsStatus"),
      R"({"CVJsConfigParser::Parse":false,"CVJsConfigParser::GetAppsStatus":null})", Apps("''", "null")},
 };
 
-class Status : public testing::TestWithParam<StatusCase> {
-    fake::Session session_;
-};
+using Status = TableTest<StatusCase>;
 
 TEST_P(Status, PassesOnWhatThePlatformSays) {
     fake::AnswerEach(GetParam().answers);
-    fake::Serve(Process, GetParam().request);
-    EXPECT_EQ(fake::Lines(fake::Admission()) + fake::Lines(GetParam().steps), fake::Journal());
+    ExpectCalls(GetParam().request, GetParam().steps);
 }
 
-INSTANTIATE_TEST_SUITE_P(, Status, testing::ValuesIn(kStatusCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Status, testing::ValuesIn(kStatusCases), CaseName<StatusCase>);
 
 // Six answers of six kinds, to see that each goes on as it is and none is asked for twice.
 TEST(List, DescribesEachServiceOnceInOrder) {
@@ -66,14 +55,12 @@ TEST(List, DescribesEachServiceOnceInOrder) {
     for (const char* info : {R"({"a":1})", "null", "3", R"("four")", "[5]", "{}"}) {
         fake::AnswerOnce("GetServiceInfo", fake::ParseJson(info));
     }
-    fake::Serve(Process, fake::Authorized("List"));
-    const Steps asked = {"GetServiceInfo 1", "GetServiceInfo 2", "GetServiceInfo 3",
-                         "GetServiceInfo 4", "GetServiceInfo 5", "GetServiceInfo 6"};
     const std::string list = R"({"info":{"a":1},"service":1},{"info":null,"service":2},)"
                              R"({"info":3,"service":3},{"info":"four","service":4},)"
                              R"({"info":[5],"service":5},{"info":{},"service":6})";
-    const Steps answered = {R"(SetSuccess {"list":[)" + list + "]}"};
-    EXPECT_EQ(fake::Lines(fake::Admission()) + fake::Lines(asked) + fake::Lines(answered), fake::Journal());
+    ExpectCalls(fake::Authorized("List"),
+                {"GetServiceInfo 1", "GetServiceInfo 2", "GetServiceInfo 3", "GetServiceInfo 4",
+                 "GetServiceInfo 5", "GetServiceInfo 6", R"(SetSuccess {"list":[)" + list + "]}"});
 }
 
 }  // namespace

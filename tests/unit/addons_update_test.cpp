@@ -1,11 +1,8 @@
 // "GetUpdateInfo", "CheckUpdateInfo" and "SetAutoUpdate".
-#include "fake/journal.h"
 #include "fake/json.h"
 #include "fake/script.h"
-#include "fake/session.h"
-#include "fake/steps.h"
-#include "fake/webapi.h"
-#include "webapi/apitable.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
@@ -13,9 +10,6 @@
 #include <vector>
 
 namespace {
-
-using fake::Steps;
-using fake::operator+;
 
 const std::string kLockAddOns = "BeginCriticalSection /tmp/cv_addons_lock 30000";
 const Steps kUnlockAddOns = {"EndCriticalSection 0", "RemoveFileIfExist /tmp/cv_addons_lock"};
@@ -25,58 +19,47 @@ std::string Check(bool hasNew) {
     return std::string("AddonsUpdate::CheckNewRelease ") + (hasNew ? "true" : "false") + " ''";
 }
 
-struct InfoCase {
-    const char* name;
-    bool isNvr;
-    std::vector<Json::Value> found;  // by the checks
-    Steps steps;                     // under the lock
-    const char* answer;
-};
-
 Steps BothChecks(bool hasNew) {
     return Steps{Check(false)} + kModel + Steps{"AddonsUpdate 6", Check(hasNew), "~AddonsUpdate 6"};
 }
 
-const InfoCase kInfoCases[] = {
-    {"none", true, {false, false}, BothChecks(false), "0"},
-    {"both", true, {true, true}, BothChecks(true), "2"},
-    {"local_display", true, {false, true}, BothChecks(false), "1"},
-    {"no_display_of_its_own", false, {true}, Steps{Check(false)} + kModel, "1"},
-    {"device_pack_unknown", true, {-1, true}, BothChecks(false), "1"},
-    {"local_display_unknown", true, {true, -1}, BothChecks(true), "2"},
+struct InfoCase {
+    const char* name;
+    int lock;
+    bool isNvr;
+    std::vector<Json::Value> found;  // by the checks
+    Steps steps;
+    const char* answer;
 };
 
-class GetUpdateInfo : public testing::TestWithParam<InfoCase> {
-    fake::Session session_;
+const InfoCase kInfoCases[] = {
+    {"none", 0, true, {false, false}, BothChecks(false) + kUnlockAddOns, "0"},
+    {"both", 0, true, {true, true}, BothChecks(true) + kUnlockAddOns, "2"},
+    {"no_display_of_its_own", 0, false, {true}, Steps{Check(false)} + kModel + kUnlockAddOns, "1"},
+    {"device_pack_unknown", 0, true, {-1, true}, BothChecks(false) + kUnlockAddOns, "1"},
+    {"local_display_unknown", 0, true, {true, -1}, BothChecks(true) + kUnlockAddOns, "2"},
+    {"lock_not_obtained", -1, true, {true, true}, {}, "0"},
 };
+
+using GetUpdateInfo = TableTest<InfoCase>;
 
 TEST_P(GetUpdateInfo, ChecksUnderTheLock) {
+    fake::Answer("BeginCriticalSection", GetParam().lock);
     fake::Answer("IsNVRModel", GetParam().isNvr);
     for (const Json::Value& found : GetParam().found) {
         fake::AnswerOnce("AddonsUpdate::CheckNewRelease", found);
     }
-    fake::Serve(Process, fake::Authorized("GetUpdateInfo"));
-    EXPECT_EQ(fake::Lines(fake::Admission() + Steps{"AddonsUpdate 1", kLockAddOns} + GetParam().steps +
-                          kUnlockAddOns +
-                          Steps{R"(SetSuccess {"newUpdateCnt":)" + std::string(GetParam().answer) + "}",
-                                "~AddonsUpdate 1"}),
-              fake::Journal());
+    ExpectCalls(fake::Authorized("GetUpdateInfo"),
+                Steps{"AddonsUpdate 1", kLockAddOns} + GetParam().steps +
+                    Steps{R"(SetSuccess {"newUpdateCnt":)" + std::string(GetParam().answer) + "}",
+                          "~AddonsUpdate 1"});
 }
 
-INSTANTIATE_TEST_SUITE_P(, GetUpdateInfo, testing::ValuesIn(kInfoCases),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-TEST(GetUpdateInfoBusy, CountsNothingAndLeavesTheLockAlone) {
-    const fake::Session session;
-    fake::Answer("BeginCriticalSection", -1);
-    fake::Serve(Process, fake::Authorized("GetUpdateInfo"));
-    EXPECT_EQ(fake::Lines(fake::Admission() + Steps{"AddonsUpdate 1", kLockAddOns,
-                                                    R"(SetSuccess {"newUpdateCnt":0})", "~AddonsUpdate 1"}),
-              fake::Journal());
-}
+INSTANTIATE_TEST_SUITE_P(, GetUpdateInfo, testing::ValuesIn(kInfoCases), CaseName<InfoCase>);
 
 struct StateCase {
     const char* name;
+    std::string service;
     std::vector<int> locks;
     const char* download;  // as JSON
     Json::Value found;
@@ -84,56 +67,41 @@ struct StateCase {
     const char* answer;
 };
 
-const Steps kProbe = {"GetServiceStr 6", "BeginCriticalSection /tmp/cv_AddOns_Update_name6.lock 100"};
+const Steps kProbe = {"BeginCriticalSection /tmp/cv_AddOns_Update_name6.lock 100"};
 const Steps kIdle =
     kProbe + Steps{"EndCriticalSection 0", "RemoveFileIfExist /tmp/cv_AddOns_Update_name6.lock",
                    "AddonsUpdate::GetDownloadStatus '' 0 0"};
 const Steps kCheck = kIdle + Steps{kLockAddOns, Check(false)} + kUnlockAddOns;
 
 const StateCase kStateCases[] = {
-    {"updating", {-1}, "[]", false, kProbe, "6"},
-    {"download_unreadable", {0}, "-1", false, kIdle, "7"},
-    {"downloading", {0}, R"(["",1,1])", false, kIdle, "4"},
-    {"downloaded", {0}, R"(["",100,2])", false, kIdle, "3"},
-    {"download_failed", {0}, R"(["",1,4])", false, kIdle, "5"},
-    {"other_download_state", {0, 0}, R"(["",1,3])", true, kCheck, "2"},
-    {"newer", {0, 0}, "[]", true, kCheck, "2"},
-    {"nothing_newer", {0, 0}, "[]", false, kCheck, "1"},
-    {"check_fails", {0, 0}, "[]", -1, kCheck, "7"},
-    {"check_under_way", {0, -1}, "[]", false, kIdle + Steps{kLockAddOns}, "0"},
+    {"service_without_releases", "5", {}, "[]", true, {}, "1"},
+    {"updating", "6", {-1}, "[]", false, kProbe, "6"},
+    {"download_unreadable", "6", {0}, "-1", false, kIdle, "7"},
+    {"downloading", "6", {0}, R"(["",1,1])", false, kIdle, "4"},
+    {"downloaded", "6", {0}, R"(["",100,2])", false, kIdle, "3"},
+    {"download_failed", "6", {0}, R"(["",1,4])", false, kIdle, "5"},
+    {"other_download_state", "6", {0, 0}, R"(["",1,3])", true, kCheck, "2"},
+    {"nothing_newer", "6", {0, 0}, "[]", false, kCheck, "1"},
+    {"check_fails", "6", {0, 0}, "[]", -1, kCheck, "7"},
+    {"check_under_way", "6", {0, -1}, "[]", false, kIdle + Steps{kLockAddOns}, "0"},
 };
 
-class CheckUpdateInfo : public testing::TestWithParam<StateCase> {
-    fake::Session session_;
-};
+using CheckUpdateInfo = TableTest<StateCase>;
 
 TEST_P(CheckUpdateInfo, StopsAtTheFirstThatAnswers) {
+    const std::string& service = GetParam().service;
     for (const int lock : GetParam().locks) {
         fake::AnswerOnce("BeginCriticalSection", lock);
     }
     fake::Answer("AddonsUpdate::GetDownloadStatus", fake::ParseJson(GetParam().download));
     fake::Answer("AddonsUpdate::CheckNewRelease", GetParam().found);
-    fake::Serve(Process, fake::Authorized("CheckUpdateInfo", R"({"service":6})"));
-    EXPECT_EQ(
-        fake::Lines(
-            fake::Admission() + Steps{"GetParam service 0", "AddonsUpdate 6"} + GetParam().steps +
-            Steps{R"(SetSuccess {"status":)" + std::string(GetParam().answer) + "}", "~AddonsUpdate 6"}),
-        fake::Journal());
+    ExpectCalls(fake::Authorized("CheckUpdateInfo", R"({"service":)" + service + "}"),
+                Steps{"GetParam service 0", "AddonsUpdate " + service} + GetParam().steps +
+                    Steps{R"(SetSuccess {"status":)" + std::string(GetParam().answer) + "}",
+                          "~AddonsUpdate " + service});
 }
 
-INSTANTIATE_TEST_SUITE_P(, CheckUpdateInfo, testing::ValuesIn(kStateCases),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-TEST(CheckUpdateInfoOther, TakesNoLockForAServiceWithoutReleases) {
-    for (const std::string service : {"0", "2", "5", "7"}) {
-        const fake::Session session;
-        fake::Serve(Process, fake::Authorized("CheckUpdateInfo", R"({"service":)" + service + "}"));
-        EXPECT_EQ(
-            fake::Lines(fake::Admission() + Steps{"GetParam service 0", "AddonsUpdate " + service,
-                                                  R"(SetSuccess {"status":1})", "~AddonsUpdate " + service}),
-            fake::Journal());
-    }
-}
+INSTANTIATE_TEST_SUITE_P(, CheckUpdateInfo, testing::ValuesIn(kStateCases), CaseName<StateCase>);
 
 struct SwitchCase {
     const char* name;
@@ -177,24 +145,18 @@ const SwitchCase kSwitchCases[] = {
          Failed("1")},
 };
 
-class SetAutoUpdate : public testing::TestWithParam<SwitchCase> {
-    fake::Session session_;
-};
+using SetAutoUpdate = TableTest<SwitchCase>;
 
 TEST_P(SetAutoUpdate, WritesTheSettingThenTheSchedule) {
     fake::AnswerEach(GetParam().answers);
     fake::Answer("IsSettingEnabled", GetParam().isEnabled);
     const std::string service = GetParam().service;
-    fake::Serve(Process, fake::Authorized("SetAutoUpdate", R"({"blEnable":true,"service":)" + service + "}"));
-    EXPECT_EQ(
-        fake::Lines(fake::Admission() +
-                    Steps{R"(GetParam blEnable "")", "GetParam service 0", "GetAutoDownloadKey " + service,
-                          "IsSettingEnabled key" + service + " false false"} +
-                    GetParam().steps),
-        fake::Journal());
+    ExpectCalls(fake::Authorized("SetAutoUpdate", R"({"blEnable":true,"service":)" + service + "}"),
+                Steps{R"(GetParam blEnable "")", "GetParam service 0", "GetAutoDownloadKey " + service,
+                      "IsSettingEnabled key" + service + " false false"} +
+                    GetParam().steps);
 }
 
-INSTANTIATE_TEST_SUITE_P(, SetAutoUpdate, testing::ValuesIn(kSwitchCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, SetAutoUpdate, testing::ValuesIn(kSwitchCases), CaseName<SwitchCase>);
 
 }  // namespace

@@ -1,8 +1,5 @@
 #include "webapi/apitable.h"
 
-#include "fake/session.h"
-#include "fake/webapi.h"
-
 #include <gtest/gtest.h>
 
 #include <iterator>
@@ -38,14 +35,6 @@ TEST(ApiTable, EndsWithZeros) {
 TEST(ApiTable, StaysWhereItIs) {
     EXPECT_EQ(gTable, GetAPITable());
     EXPECT_EQ(GetAPITable(), GetAPITable());
-}
-
-TEST(ApiTable, NamesOnlyMethodsThatAnswer) {
-    for (const APIMethodEntry* row = GetAPITable(); row->method != nullptr; ++row) {
-        const fake::Session session;
-        EXPECT_NE("", fake::Serve(row->handler, fake::Authorized(row->method, R"({"blEnable":true})")))
-            << row->method;
-    }
 }
 
 }  // namespace

@@ -1,22 +1,17 @@
 // The inspection of a package: what it reads and asks, in which order, and what comes out.
 #include "addons/pkgcontrol.h"
 
-#include "fake/journal.h"
 #include "fake/json.h"
 #include "fake/script.h"
-#include "fake/session.h"
-#include "fake/steps.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <string>
 #include <vector>
 
 namespace {
-
-using fake::Steps;
-using fake::operator+;
 
 const std::string kMainInfo = "/var/packages/Camvora/INFO";
 const std::string kMainConf = "/var/packages/Camvora/target/etc/cv.conf";
@@ -35,11 +30,6 @@ std::string Read(const std::string& file, const std::string& key, int sizeBytes 
 
 std::string Newer(const std::string& versions) {
     return "AddonsUpdate::IsVersionNewer " + versions;
-}
-
-// The names of the services, asked for with every path, say nothing about the order.
-std::string Calls() {
-    return std::regex_replace(fake::Journal(), std::regex("GetServiceStr .*\n"), "");
 }
 
 const Steps kWait = {"BeginCriticalSection /tmp/cv_AddOns_Package_name1.lock 3000"};
@@ -84,18 +74,19 @@ const Steps kVersionCheck = kName + kVersion + kMinAddOn + Steps{Newer("4.1-7 4.
 const Steps kDescribe = kName + kVersion + Steps{Read(kConf, "maintainer")};
 const Steps kUnlock = {"EndCriticalSection 0", "RemoveFileIfExist /tmp/cv_AddOns_Package_name1.lock"};
 
-std::string ErrInfo(const std::string& texts) {
-    const Json::Value list = fake::ParseJson("[" + texts + "]");
+std::string ErrInfo(const std::string& section, const std::string& key, const std::string& param1 = "",
+                    const std::string& param2 = "", const std::string& param3 = "") {
     Json::Value errInfo;
-    SetErrInfo(errInfo, list[0].asString(), list[1].asString(), list[2].asString(), list[3].asString(),
-               list[4].asString());
+    SetErrInfo(errInfo, section, key, param1, param2, param3);
     return R"({"errinfo":)" + fake::WriteJson(errInfo);
 }
 
-const std::string kInvalidFile = ErrInfo(R"("localdisplay","invalid_file","","","")") + "}";
+const std::string kInvalidFile = ErrInfo("localdisplay", "invalid_file") + "}";
 
 const std::string kSuccess =
     R"({"errinfo":null,"filePath":")" + kWorkDir + R"(/","maintainer":"me","version":"4.1-7"})";
+
+const Json::Value kMissing;
 
 struct InspectionCase {
     const char* name;
@@ -116,40 +107,29 @@ const InspectionCase kInspectionCases[] = {
     {"no_plain_file_in_the_upload_area", Value(kMainConf, "addons_upload_dir"), "/up",
      kLock + Steps{kFind[0], "lstat /up/1"} + kUnlock, kInvalidFile},
     {"no_file", "PLIBCFileExist", 0, kLock + kFind + kUnlock, kInvalidFile},
-    {"no_identifier", Value(kInfo, "package"), {}, kUnpacked + kName + kUnlock, kInvalidFile},
+    {"no_identifier", Value(kInfo, "package"), kMissing, kUnpacked + kName + kUnlock, kInvalidFile},
     {"other_add_on", Value(kInfo, "package"), "CamvoraLocalDisplay", kUnpacked + kName + kUnlock,
      kInvalidFile},
-    {"no_arch", Value(kInfo, "arch"), {}, kUnpacked + kName + kArch + kUnlock, kInvalidFile},
-    {"no_main_arch",
-     Value(kMainInfo, "arch"),
-     {},
-     kUnpacked + kName + kArch + kMainArch + kUnlock,
+    {"no_arch", Value(kInfo, "arch"), kMissing, kUnpacked + kName + kArch + kUnlock, kInvalidFile},
+    {"no_main_arch", Value(kMainInfo, "arch"), kMissing, kUnpacked + kName + kArch + kMainArch + kUnlock,
      kInvalidFile},
     {"same_arch_as_main", Value(kMainInfo, "arch"), "plat1",
      kUnpacked + kName + kArch + kMainArch + kMainCheck + kVersionCheck + kDescribe + kUnlock, kSuccess},
     {"other_platform", "String2StrList", fake::ParseJson(R"(["plat10"])"), kSuits + kUnlock,
-     ErrInfo(R"("device_pack","plat_not_support","main","","")") + "}"},
-    {"no_minimum_of_main", Value(kConf, "cv_min_ver"), {}, kSuits + kName + kMinMain + kUnlock, kInvalidFile},
-    {"no_main_version",
-     Value(kMainInfo, "version"),
-     {},
-     kSuits + kName + kMinMain + kMainVersion + kUnlock,
+     ErrInfo("device_pack", "plat_not_support", "main") + "}"},
+    {"no_minimum_of_main", Value(kConf, "cv_min_ver"), kMissing, kSuits + kName + kMinMain + kUnlock,
      kInvalidFile},
+    {"no_main_version", Value(kMainInfo, "version"), kMissing,
+     kSuits + kName + kMinMain + kMainVersion + kUnlock, kInvalidFile},
     {"main_too_old", Newer("9.2-1"), false, kMainSuits + kUnlock,
-     ErrInfo(R"("device_pack","cv_ver_too_old","9.0","","")") + "}"},
-    {"no_version", Value(kConf, "version"), {}, kMainSuits + kName + kVersion + kUnlock, kInvalidFile},
-    {"no_minimum_of_add_on",
-     Value(kMainConf, "dp_min_ver"),
-     {},
-     kMainSuits + kName + kVersion + kMinAddOn + kUnlock,
-     kInvalidFile},
+     ErrInfo("device_pack", "cv_ver_too_old", "9.0") + "}"},
+    {"no_version", Value(kConf, "version"), kMissing, kMainSuits + kName + kVersion + kUnlock, kInvalidFile},
+    {"no_minimum_of_add_on", Value(kMainConf, "dp_min_ver"), kMissing,
+     kMainSuits + kName + kVersion + kMinAddOn + kUnlock, kInvalidFile},
     {"add_on_too_old", Newer("4.1-7"), false, kMainSuits + kVersionCheck + kUnlock,
-     ErrInfo(R"("addons","forbid_downgrade","Device Pack","4.0","4.1-7")") + "}"},
-    {"no_maintainer",
-     Value(kConf, "maintainer"),
-     {},
-     kMainSuits + kVersionCheck + kDescribe + kUnlock,
-     ErrInfo(R"("localdisplay","invalid_file","","","")") + R"(,"version":"4.1-7"})"},
+     ErrInfo("addons", "forbid_downgrade", "Device Pack", "4.0", "4.1-7") + "}"},
+    {"no_maintainer", Value(kConf, "maintainer"), kMissing, kMainSuits + kVersionCheck + kDescribe + kUnlock,
+     ErrInfo("localdisplay", "invalid_file") + R"(,"version":"4.1-7"})"},
 };
 
 void AnswerForValidPackage() {
@@ -165,9 +145,7 @@ void AnswerForValidPackage() {
     fake::Answer(Value(kConf, "maintainer"), "me");
 }
 
-class Inspection : public testing::TestWithParam<InspectionCase> {
-    fake::Session session_;
-};
+using Inspection = TableTest<InspectionCase>;
 
 TEST_P(Inspection, ChecksInOrderUpToTheFirstFailure) {
     const InspectionCase& row = GetParam();
@@ -179,11 +157,10 @@ TEST_P(Inspection, ChecksInOrderUpToTheFirstFailure) {
         package.GetPkgInfo(fake::ParseJson(R"({"filePath":"/up/1","fileName":"a.spk"})"), result, false);
     EXPECT_EQ(row.result, fake::WriteJson(result));
     EXPECT_EQ(result["errinfo"].isNull() ? 0 : -1, outcome);
-    EXPECT_EQ(fake::Lines(row.steps), Calls());
+    EXPECT_EQ(fake::Lines(row.steps), fake::Journal());
 }
 
-INSTANTIATE_TEST_SUITE_P(, Inspection, testing::ValuesIn(kInspectionCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Inspection, testing::ValuesIn(kInspectionCases), CaseName<InspectionCase>);
 
 struct PkgInfoCase {
     const char* name;
@@ -194,28 +171,20 @@ struct PkgInfoCase {
 // The file is not there: only whether it is looked for is asked here.
 const PkgInfoCase kPkgInfoCases[] = {
     {"null", "null", nullptr},
-    {"text", R"("x.spk")", nullptr},
     {"list", R"([{"filePath":"/up/1","fileName":"x.spk"}])", nullptr},
-    {"empty", "{}", nullptr},
     {"name_is_number", R"({"filePath":"/up/1","fileName":5})", nullptr},
-    {"name_is_list", R"({"filePath":"/up/1","fileName":["spk"]})", nullptr},
     {"path_is_object", R"({"filePath":{},"fileName":"x.spk"})", "''"},
-    {"path_is_null", R"({"filePath":null,"fileName":"x.spk"})", "''"},
-    {"extension", R"({"filePath":"/up/1","fileName":"x.spk"})", "/up/1"},
     {"last_of_two_extensions", R"({"filePath":"/up/1","fileName":"x.tar.spk"})", "/up/1"},
     {"extension_alone", R"({"filePath":"/up/1","fileName":".spk"})", "/up/1"},
     {"no_dot_but_the_very_text", R"({"filePath":"/up/1","fileName":"spk"})", "/up/1"},
     {"no_dot", R"({"filePath":"/up/1","fileName":"xspk"})", nullptr},
-    {"empty_name", R"({"filePath":"/up/1","fileName":""})", nullptr},
     {"upper_case", R"({"filePath":"/up/1","fileName":"x.SPK"})", nullptr},
     {"more_text", R"({"filePath":"/up/1","fileName":"x.spk2"})", nullptr},
     {"final_dot", R"({"filePath":"/up/1","fileName":"x.spk."})", nullptr},
     {"nul_behind", R"({"filePath":"/up/1","fileName":"x.spk\u0000"})", nullptr},
 };
 
-class PkgInfo : public testing::TestWithParam<PkgInfoCase> {
-    fake::Session session_;
-};
+using PkgInfo = TableTest<PkgInfoCase>;
 
 TEST_P(PkgInfo, IsReadWhateverItIs) {
     fake::Answer("PLIBCFileExist", 0);
@@ -227,47 +196,23 @@ TEST_P(PkgInfo, IsReadWhateverItIs) {
     if (GetParam().file != nullptr) {
         looked = {kFind[0], std::string("PLIBCFileExist ") + GetParam().file};
     }
-    EXPECT_EQ(fake::Lines(kLock + looked + kUnlock), Calls());
+    EXPECT_EQ(fake::Lines(kLock + looked + kUnlock), fake::Journal());
 }
 
-INSTANTIATE_TEST_SUITE_P(, PkgInfo, testing::ValuesIn(kPkgInfoCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, PkgInfo, testing::ValuesIn(kPkgInfoCases), CaseName<PkgInfoCase>);
 
-struct PathCase {
-    const char* name;
-    int service;
-    int type;
-    const char* package;  // in INFO; null where it cannot be read
-    std::string path;     // behind the work directories' common part
-};
-
-const PathCase kPathCases[] = {
-    {"info", 1, PKG_PATH_INFO, nullptr, "1/INFO"},
-    {"device_pack", 1, PKG_PATH_CONF, "CamvoraDevicePack", "1/device_pack/conf"},
-    {"local_display", 6, PKG_PATH_CONF, "CamvoraLocalDisplay", "6/local_display/conf"},
-    {"of_the_package_not_the_service", 6, PKG_PATH_CONF, "CamvoraDevicePack", "6/device_pack/conf"},
-    {"unknown_package", 1, PKG_PATH_CONF, "camvoradevicepack", "1/camvoradevicepack/conf"},
-    {"no_package", 1, PKG_PATH_CONF, nullptr, "1//conf"},
-    {"any_other", 3, 2, nullptr, "3"},
-};
-
-TEST(PkgControl, NamesTheFilesInItsWorkDirectory) {
-    for (const PathCase& row : kPathCases) {
-        const fake::Session session;
-        const std::string common = "/var/packages/Camvora/target/cv_addOns_name";
-        if (row.package != nullptr) {
-            fake::Answer(Value(common + std::to_string(row.service) + "/INFO", "package"), row.package);
-        }
-        const PkgControl package(static_cast<ADDON_SERVICE>(row.service));
-        EXPECT_EQ(common + row.path, package.GetFilePath(static_cast<PATH_TYPE>(row.type))) << row.name;
-    }
+TEST(PkgControl, ReadsTheSettingsInTheTreeOfThePackage) {
+    const fake::Session session;
+    const std::string workDir = "/var/packages/Camvora/target/cv_addOns_name6";
+    const PkgControl package(ADDON_SERVICE_LOCAL_DISPLAY);
+    fake::AnswerOnce(Value(workDir + "/INFO", "package"), "CamvoraDevicePack");
+    EXPECT_EQ(workDir + "/device_pack/conf", package.GetFilePath(PKG_PATH_CONF));
+    fake::AnswerOnce(Value(workDir + "/INFO", "package"), "other");
+    EXPECT_EQ(workDir + "/other/conf", package.GetFilePath(PKG_PATH_CONF));
 }
 
 TEST(PkgControl, KnowsNoMinimumVersionOfAServiceWithoutPackages) {
     const fake::Session session;
-    EXPECT_EQ("dp_min_ver", PkgControl(ADDON_SERVICE_DEVICE_PACK).GetAppMinVerKey());
-    EXPECT_EQ("local_display_min_ver", PkgControl(ADDON_SERVICE_LOCAL_DISPLAY).GetAppMinVerKey());
-    EXPECT_EQ("", fake::Journal());
     EXPECT_EQ("", PkgControl(ADDON_SERVICE_CMS).GetAppMinVerKey());
     EXPECT_EQ(fake::Lines({R"(CVPrintf 0 null null addonsservice GetAppMinVerKey 'Invalid service\n')"}),
               fake::Journal());
@@ -277,7 +222,8 @@ TEST(UnpackedTree, IsMarkedWhereItCannotBeRemoved) {
     const fake::Session session;
     fake::Answer("CVRm", -1);
     EXPECT_TRUE(ForgetUnpacked(ADDON_SERVICE_DEVICE_PACK, false));
-    EXPECT_EQ(fake::Lines({"mkdir " + kWorkDir + ".partial", "CVRm " + kWorkDir + "/device_pack"}), Calls());
+    EXPECT_EQ(fake::Lines({"mkdir " + kWorkDir + ".partial", "CVRm " + kWorkDir + "/device_pack"}),
+              fake::Journal());
 }
 
 TEST(ErrorInfo, LeavesOtherMembers) {

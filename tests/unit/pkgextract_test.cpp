@@ -1,110 +1,99 @@
 // Unpacking: the steps for each kind of service.
 #include "addons/pkgcontrol.h"
 
-#include "fake/journal.h"
 #include "fake/script.h"
-#include "fake/session.h"
-#include "fake/steps.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <regex>
 #include <string>
-#include <vector>
 
 namespace {
 
-using fake::Steps;
-using fake::operator+;
-
-// Without the looks at the tree.
-std::string CallsButLooks() {
-    return std::regex_replace(fake::Journal(), std::regex("lstat .*\n"), "");
-}
-
 struct ExtractCase {
     const char* name;
-    int service;
+    ADDON_SERVICE service;
     bool fromHost;
-    const char* dir;
-    Steps steps;  // between the look at the first run's work and the removal of the file
+    std::string workDir;
+    std::string tree;  // empty where there is none
+    Steps steps;       // between the look at the first run's work and the removal of the file
 };
+
+const std::string kPrefix = "/var/packages/Camvora/target/cv_addOns_name";
 
 const ExtractCase kExtractCases[] = {
     {"device_pack",
-     1,
+     ADDON_SERVICE_DEVICE_PACK,
      false,
-     "/var/packages/Camvora/target/cv_addOns_name1/",
-     {"PLIBCExec /bin/tar -C /var/packages/Camvora/target/cv_addOns_name1/ -xvf "
-      "/var/packages/Camvora/target/cv_addOns_name1/package.tgz"}},
+     kPrefix + "1",
+     "device_pack",
+     {"PLIBCExec /bin/tar -C " + kPrefix + "1/ -xvf " + kPrefix + "1/package.tgz"}},
     {"local_display",
-     6,
+     ADDON_SERVICE_LOCAL_DISPLAY,
      true,
-     "/var/packages/Camvora/target/cv_addOns_name6_host/",
-     {"CreateFullDirPath /var/packages/Camvora/target/cv_addOns_name6_host//local_display",
-      "PLIBCExec /bin/tar -C /var/packages/Camvora/target/cv_addOns_name6_host//local_display -xvf "
-      "/var/packages/Camvora/target/cv_addOns_name6_host/package.tgz"}},
-    {"service_without_packages", 3, true, "/var/packages/Camvora/target/cv_addOns_name3_host/", {}},
+     kPrefix + "6_host",
+     "local_display",
+     {"CreateFullDirPath " + kPrefix + "6_host//local_display",
+      "PLIBCExec /bin/tar -C " + kPrefix + "6_host//local_display -xvf " + kPrefix + "6_host/package.tgz"}},
+    {"service_without_packages", ADDON_SERVICE_3, true, kPrefix + "3_host", "", {}},
 };
 
-class Extract : public testing::TestWithParam<ExtractCase> {
+class Extract : public TableTest<ExtractCase> {
 protected:
-    // `afterFirstRun` and `afterLastRun` are what a refused package adds.
-    void ExpectSteps(const Steps& afterFirstRun, const Steps& afterLastRun) const {
+    // Expects those steps, the looks at the tree left out, between the mark and the removal of the file.
+    void ExpectSteps(const Steps& steps) const {
         std::string file = "/up/1";
-        ExtractPkg(file, GetParam().fromHost, static_cast<ADDON_SERVICE>(GetParam().service));
-        const std::string dir = GetParam().dir;
-        EXPECT_EQ(dir, file);
-        const std::string mark = dir.substr(0, dir.size() - 1) + ".partial";
-        const Steps begin = {"GetServiceStr " + std::to_string(GetParam().service),
-                             "mkdir " + mark,
-                             "CVRm " + dir,
-                             "CreateFullDirPath " + dir,
-                             "PLIBCExec /bin/tar -C " + dir + " -xvf /up/1",
-                             "nftw " + dir.substr(0, dir.size() - 1)};
-        EXPECT_EQ(fake::Lines(begin) + fake::Lines(afterFirstRun) + fake::Lines(GetParam().steps) +
-                      fake::Lines(afterLastRun) + fake::Lines({"rmdir " + mark, "CVRm /up/1"}),
-                  CallsButLooks());
+        ExtractPkg(file, GetParam().fromHost, GetParam().service);
+        EXPECT_EQ(dir_, file);
+        EXPECT_EQ(fake::Lines(Steps{"mkdir " + mark_} + steps + Steps{"CVRm /up/1"}),
+                  fake::JournalWithout("lstat"));
     }
 
-    static Steps Refused(const char* reason) {
-        const std::string dir = GetParam().dir;
-        return {"CVPrintf 0 null null addonsservice ExtractPkg 'Removed [" + dir + "]: " + reason + R"(\n')",
-                "CVRm " + dir};
+    // Expects that the package is unpacked, with what a refused one adds after the runs of tar.
+    void ExpectUnpacked(const Steps& afterFirstRun, const Steps& afterLastRun) const {
+        ExpectSteps(clear_ +
+                    Steps{"PLIBCExec /bin/tar -C " + dir_ + " -xvf /up/1", "nftw " + GetParam().workDir} +
+                    afterFirstRun + GetParam().steps + afterLastRun + Steps{"rmdir " + mark_});
     }
 
-    static bool HasTree() { return !GetParam().steps.empty(); }
-
-    static Steps ClearPlace() {
-        const std::string tree = GetParam().service == 1 ? "device_pack" : "local_display";
-        return HasTree() ? Steps{"CVRm " + (GetParam().dir + tree)} : Steps{};
+    Steps Refused(const std::string& reason) const {
+        return {"CVPrintf 0 null null addonsservice ExtractPkg 'Removed [" + dir_ + "]: " + reason + R"(\n')",
+                "CVRm " + dir_};
     }
 
-private:
-    fake::Session session_;
+    bool HasTree() const { return !GetParam().tree.empty(); }
+
+    Steps Remove(const std::string& file) const {
+        return HasTree() ? Steps{"CVRm " + dir_ + GetParam().tree + file} : Steps{};
+    }
+
+    const std::string dir_ = GetParam().workDir + "/";
+    const std::string mark_ = GetParam().workDir + ".partial";
+    const Steps clear_ = {"CVRm " + dir_, "CreateFullDirPath " + dir_};
 };
 
 TEST_P(Extract, EmptiesUnpacksAndRemovesTheFile) {
-    ExpectSteps({}, {});
+    ExpectUnpacked({}, {});
 }
 
 // The second run then finds nothing.
 TEST_P(Extract, RemovesWhatCannotBeLookedThrough) {
     fake::Answer("nftw", EACCES);
-    ExpectSteps(Refused("cannot be looked through"), {});
+    ExpectUnpacked(Refused("cannot be looked through"), {});
 }
 
 TEST_P(Extract, RemovesATreeThatIsNotSound) {
     fake::Answer("lstat", EACCES);
-    ExpectSteps(ClearPlace(), HasTree() ? Refused("links or special files") : Steps{});
+    ExpectUnpacked(Remove(""), HasTree() ? Refused("links or special files") : Steps{});
 }
 
 TEST_P(Extract, RefusesATreePlaceThatCannotBeCleared) {
     fake::AnswerOnce("lstat", EACCES);
     fake::AnswerOnce("CVRm", 0);
     fake::AnswerOnce("CVRm", -1);
-    ExpectSteps(HasTree() ? ClearPlace() + Refused("cannot be looked through") : Steps{}, {});
+    ExpectUnpacked(HasTree() ? Remove("") + Refused("cannot be looked through") : Steps{}, {});
 }
 
 // The mark stays with it.
@@ -113,26 +102,17 @@ TEST_P(Extract, MarksWhatItCannotRemove) {
     fake::AnswerOnce("CVRm", 0);
     fake::Answer("CVRm", -1);
     std::string file = "/up/1";
-    ExtractPkg(file, GetParam().fromHost, static_cast<ADDON_SERVICE>(GetParam().service));
-    EXPECT_EQ(std::string::npos, CallsButLooks().find("rmdir"));
+    ExtractPkg(file, GetParam().fromHost, GetParam().service);
+    EXPECT_EQ(std::string::npos, fake::Journal().find("rmdir"));
 }
 
 TEST_P(Extract, UnpacksNothingWithoutAMark) {
     fake::Answer("mkdir", ENOSPC);
-    std::string file = "/up/1";
-    ExtractPkg(file, GetParam().fromHost, static_cast<ADDON_SERVICE>(GetParam().service));
-    const std::string dir = GetParam().dir;
-    const std::string workDir = dir.substr(0, dir.size() - 1);
-    const Steps begin = {
-        "GetServiceStr " + std::to_string(GetParam().service), "mkdir " + workDir + ".partial",
-        "CVPrintf 0 null null addonsservice ExtractPkg 'Failed to mark [" + workDir + R"(]\n')"};
-    const Steps description = HasTree() ? Steps{ClearPlace().front() + "/conf"} : Steps{};
-    EXPECT_EQ(
-        fake::Lines(begin + description + Steps{"CVRm " + dir, "CreateFullDirPath " + dir, "CVRm /up/1"}),
-        CallsButLooks());
+    ExpectSteps(Steps{"CVPrintf 0 null null addonsservice ExtractPkg 'Failed to mark [" + GetParam().workDir +
+                      R"(]\n')"} +
+                Remove("/conf") + clear_);
 }
 
-INSTANTIATE_TEST_SUITE_P(, Extract, testing::ValuesIn(kExtractCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Extract, testing::ValuesIn(kExtractCases), CaseName<ExtractCase>);
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include "support/temporaryfolder.h"
 
+#include "cases.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -84,8 +86,7 @@ TEST_P(Cleaning, LeavesPlainFilesAndFolders) {
     EXPECT_EQ(std::string("outside outside/kept ") + GetParam().left, package.List());
 }
 
-INSTANTIATE_TEST_SUITE_P(, Cleaning, testing::ValuesIn(kCleaningCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Cleaning, testing::ValuesIn(kCleaningCases), CaseName<CleaningCase>);
 
 // Deeper than a path can say: what lies there cannot be removed, and must not be left unsaid.
 TEST(CleaningOfAPit, Fails) {
@@ -132,7 +133,6 @@ TEST_P(Sound, IsATreeWhoseFilesAreFiles) {
     EXPECT_EQ(GetParam().sound, IsTreeSound(package.WorkDir(), "tree"));
 }
 
-INSTANTIATE_TEST_SUITE_P(, Sound, testing::ValuesIn(kSoundCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Sound, testing::ValuesIn(kSoundCases), CaseName<SoundCase>);
 
 }  // namespace

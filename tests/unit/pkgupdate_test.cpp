@@ -1,29 +1,22 @@
 // "Update": what it runs and calls, in which order, and what it does when something fails.
-#include "fake/journal.h"
 #include "fake/script.h"
-#include "fake/session.h"
-#include "fake/steps.h"
-#include "fake/webapi.h"
-#include "webapi/apitable.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <regex>
 #include <string>
 #include <vector>
 
 namespace {
 
-using fake::Steps;
-using fake::operator+;
-
 const std::string kTarget = "/var/packages/Camvora/target";
 const std::string kStartScript = "PLIBCExec " + kTarget + "/scripts/S82camvora.sh ";
 
-// Besides the looks at the tree and the names of the services.
+// Besides the looks at the tree.
 std::string Calls() {
-    return std::regex_replace(fake::Journal(), std::regex("(GetServiceStr|lstat) .*\n"), "");
+    return fake::JournalWithout("lstat");
 }
 
 std::string Log(const std::string& function, const std::string& text) {
@@ -48,13 +41,8 @@ struct AddOn {
     }
 
     Steps Request() const {
-        return {"GetParam relayedCmd false",
-                "IsCmsHost",
-                "IsAuthorized",
-                "GetAPIMethod",
-                "GetParam service 0",
-                R"(GetParam filePath "")",
-                "AddonsUpdate " + number};
+        return fake::Admission() +
+               Steps{"GetParam service 0", R"(GetParam filePath "")", "AddonsUpdate " + number};
     }
     Steps Lock() const {
         return {"BeginCriticalSection " + Lock("Update") + " 3000",
@@ -169,111 +157,88 @@ TEST_F(Update, UnpacksADownloadAndForgetsIt) {
     const AddOn& addOn = kDevicePack;
     ArriveUnpacked(addOn);
     fake::Answer("AddonsUpdate::ReadDownloadInfoFile", "/down/1");
-    (void)Serve(addOn.number, "");
     const std::string mark = kTarget + "/cv_addOns_name1.partial";
-    const std::string begin =
-        fake::Lines(addOn.Request() + addOn.Lock() +
-                    Steps{"AddonsUpdate 1", "AddonsUpdate::ReadDownloadInfoFile '' '' ''", "~AddonsUpdate 1",
-                          "mkdir " + mark, "CVRm " + addOn.workDir, "CreateFullDirPath " + addOn.workDir,
-                          "PLIBCExec /bin/tar -C " + addOn.workDir + " -xvf /down/1"});
-    const std::string end = fake::Lines(Steps{"rmdir " + mark, "CVRm /down/1"} + addOn.Prepare() + kScripts +
-                                        addOn.Replace() + kPostScripts + kStart + addOn.Drop() +
-                                        addOn.UnlockPackage() + Steps{"AddonsUpdate::CleanDownloadResult"} +
-                                        addOn.Notify() + addOn.Unlock() + Steps{"SetSuccess null"});
-    const std::string calls = Calls();
-    EXPECT_EQ(begin, calls.substr(0, begin.size()));
-    EXPECT_EQ(end, calls.substr(calls.size() - std::min(calls.size(), end.size())));
+    const std::string tar = "PLIBCExec /bin/tar -C " + addOn.workDir + " -xvf ";
+    const Steps unpack = {"AddonsUpdate 1",
+                          "AddonsUpdate::ReadDownloadInfoFile '' '' ''",
+                          "~AddonsUpdate 1",
+                          "mkdir " + mark,
+                          "CVRm " + addOn.workDir,
+                          "CreateFullDirPath " + addOn.workDir,
+                          tar + "/down/1",
+                          "nftw " + kTarget + "/cv_addOns_name1",
+                          tar + addOn.workDir + "package.tgz",
+                          "rmdir " + mark,
+                          "CVRm /down/1"};
+    ExpectUpdate(addOn, "",
+                 addOn.Lock() + unpack + addOn.Prepare() + kScripts + addOn.Replace() + kPostScripts +
+                     kStart + addOn.Drop() + addOn.UnlockPackage() +
+                     Steps{"AddonsUpdate::CleanDownloadResult"} + addOn.Notify() + addOn.Unlock() +
+                     Steps{"SetSuccess null"});
 }
 
 struct FailureCase {
     const char* name;
-    const AddOn& addOn;
     bool isDownload;
     std::string call;
     std::vector<Json::Value> answers;  // one call each
-    Steps steps;                       // between the locks, or all of them where there is no lock
+    Steps steps;                       // between the locks
 };
-
-Steps NothingToInstall(const AddOn& addOn) {
-    return {Log("DoInstallPkg", "Nothing to install in [" + addOn.workDir + "].")};
-}
 
 const Steps kNoDownload = {"AddonsUpdate 1", "AddonsUpdate::ReadDownloadInfoFile '' '' ''", "~AddonsUpdate 1",
                            Log("ExecuteUpdate", "Failed to decompress auto update package patch.")};
+const Steps kNothing = {Log("DoInstallPkg", "Nothing to install in [" + kDevicePack.workDir + "].")};
+const Steps kBegin = kDevicePack.Prepare() + kScripts;
+const Steps kEnd = kDevicePack.NotReplaced() + kStart + kDevicePack.Drop();
+const std::string kLookAtPlace = "lstat " + kDevicePack.place;
+const std::string kLookAtFresh = "lstat " + kDevicePack.fresh;
+const std::string kLookAtMark = "lstat " + kTarget + "/cv_addOns_name1.partial";
 const Json::Value kFolder = "folder";
 
 const FailureCase kFailureCases[] = {
-    {"download_not_readable", kDevicePack, true, "AddonsUpdate::ReadDownloadInfoFile", {-1}, kNoDownload},
-    {"download_not_ready", kDevicePack, true, "AddonsUpdate::ReadDownloadInfoFile", {""}, kNoDownload},
-    {"nothing_unpacked",
-     kDevicePack,
-     false,
-     "lstat " + kDevicePack.fresh,
-     {ENOENT},
-     NothingToInstall(kDevicePack)},
-    {"cut_unpacking",
-     kDevicePack,
-     false,
-     "lstat " + kTarget + "/cv_addOns_name1.partial",
-     {kFolder},
-     NothingToInstall(kDevicePack)},
-    {"empty_folder_unpacked",
-     kLocalDisplay,
-     false,
-     "lstat " + kLocalDisplay.fresh + "/conf",
-     {ENOENT},
-     NothingToInstall(kLocalDisplay)},
-    {"file_unpacked",
-     kLocalDisplay,
-     false,
-     "lstat " + kLocalDisplay.fresh,
-     {"file"},
-     NothingToInstall(kLocalDisplay)},
-    {"not_set_aside",
-     kDevicePack,
-     false,
-     "rename",
-     {EBUSY},
-     kDevicePack.Prepare() + kScripts + Steps{kDevicePack.SetAside()[0]} + kDevicePack.NotReplaced() +
-         kStart + kDevicePack.Drop()},
+    {"download_not_readable", true, "AddonsUpdate::ReadDownloadInfoFile", {-1}, kNoDownload},
+    {"download_not_ready", true, "AddonsUpdate::ReadDownloadInfoFile", {""}, kNoDownload},
+    {"nothing_unpacked", false, kLookAtFresh, {ENOENT}, kNothing},
+    {"cut_unpacking", false, kLookAtMark, {kFolder}, kNothing},
+    {"empty_folder_unpacked", false, kLookAtFresh + "/conf", {ENOENT}, kNothing},
+    {"not_set_aside", false, "rename", {EBUSY}, kBegin + Steps{kDevicePack.SetAside()[0]} + kEnd},
     {"place_taken_again",
-     kDevicePack,
      false,
-     "lstat " + kDevicePack.place,
+     kLookAtPlace,
      {kFolder, kFolder},
-     kDevicePack.Prepare() + kScripts + kDevicePack.SetAside() + Steps{kDevicePack.Move()[0]} +
-         kDevicePack.NotReplaced() + kStart + kDevicePack.Drop()},
+     kBegin + kDevicePack.SetAside() + Steps{kDevicePack.Move()[0]} + kEnd},
     {"did_not_arrive",
-     kDevicePack,
      false,
-     "lstat " + kDevicePack.place,
+     kLookAtPlace,
      {kFolder, ENOENT, ENOENT},
-     kDevicePack.Prepare() + kScripts + kDevicePack.SetAside() + kDevicePack.Move() +
-         kDevicePack.NotReplaced() + kStart + kDevicePack.Drop()},
-    {"left_where_it_was",
-     kLocalDisplay,
-     false,
-     "lstat " + kLocalDisplay.fresh,
-     {kFolder, kFolder},
-     kLocalDisplay.Prepare() + Steps{"IsServiceRunning 6"} + kLocalDisplay.SetAside() + kLocalDisplay.Move() +
-         kLocalDisplay.NotReplaced() + kLocalDisplay.Drop()},
+     kBegin + kDevicePack.SetAside() + kDevicePack.Move() + kEnd},
 };
 
 class FailedUpdate : public Update, public testing::WithParamInterface<FailureCase> {};
 
 TEST_P(FailedUpdate, StartsWhatItHasStoppedAndAnswers400) {
-    const auto& [name, addOn, isDownload, call, answers, steps] = GetParam();
+    const AddOn& addOn = kDevicePack;
     fake::ClearScript();
-    for (const Json::Value& answer : answers) {
-        fake::AnswerOnce(call, answer);
+    for (const Json::Value& answer : GetParam().answers) {
+        fake::AnswerOnce(GetParam().call, answer);
     }
     Arrive(addOn);
-    ExpectUpdate(addOn, isDownload ? "" : addOn.workDir,
-                 addOn.Lock() + steps + addOn.UnlockPackage() + addOn.Unlock() + kFailed);
+    ExpectUpdate(addOn, GetParam().isDownload ? "" : addOn.workDir,
+                 addOn.Lock() + GetParam().steps + addOn.UnlockPackage() + addOn.Unlock() + kFailed);
 }
 
-INSTANTIATE_TEST_SUITE_P(, FailedUpdate, testing::ValuesIn(kFailureCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, FailedUpdate, testing::ValuesIn(kFailureCases), CaseName<FailureCase>);
+
+// The unpacked tree is where it was after the move.
+TEST_F(Update, StartsTheLocalDisplayThatItDoesNotReplace) {
+    const AddOn& addOn = kLocalDisplay;
+    fake::AnswerOnce("lstat " + addOn.fresh, kFolder);
+    fake::Answer("IsServiceRunning", true);
+    ExpectUpdate(addOn, addOn.workDir,
+                 addOn.Lock() + addOn.Prepare() + Steps{"IsServiceRunning 6"} + kStopDisplay +
+                     addOn.SetAside() + addOn.Move() + addOn.NotReplaced() + kStartDisplay + addOn.Drop() +
+                     addOn.UnlockPackage() + addOn.Unlock() + kFailed);
+}
 
 // The lock file is left to its holder.
 TEST_F(Update, FailsWithoutItsLocks) {
@@ -320,7 +285,6 @@ TEST_F(Update, TakesNoOtherFolderThanItsOwn) {
     }
     EXPECT_EQ(std::string::npos, Calls().find("PLIBCExec"));
     EXPECT_EQ(std::string::npos, Calls().find("BeginCriticalSection"));
-    Arrive(kDevicePack);
 }
 
 }  // namespace

@@ -1,19 +1,16 @@
-// The ways of control, and which service has which.
+// The ways of control.
 #include "addons/servicecontrol.h"
 
-#include "fake/journal.h"
 #include "fake/script.h"
-#include "fake/session.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace {
-
-using Steps = std::vector<std::string>;
 
 struct DaemonTypeCase {
     int service;
@@ -31,13 +28,15 @@ TEST(DaemonType, IsOfTheService) {
     }
 }
 
+// Does nothing, whatever its table holds.
 std::unique_ptr<ServiceControl> Nothing() {
-    return std::make_unique<ServiceControl>();
+    auto control = std::make_unique<ServiceControl>();
+    control->SetActionControl(CONTROL_ACTION_START, DaemonControl::RunDaemon);
+    return control;
 }
 
-template <ADDON_SERVICE service>
 std::unique_ptr<ServiceControl> Daemon() {
-    return std::make_unique<DaemonControl>(service);
+    return std::make_unique<DaemonControl>(ADDON_SERVICE_3);
 }
 
 std::unique_ptr<ServiceControl> Cms() {
@@ -57,53 +56,23 @@ struct StrategyCase {
     Steps steps;
 };
 
+const Steps kRun = {"DaemonCtrl::Run 1"};
+const Steps kKill = {"DaemonCtrl::Kill 1"};
 constexpr auto kUnused = static_cast<CONTROL_ACTION>(3);
 
 const StrategyCase kStrategyCases[] = {
     {"nothing_to_start", Nothing, CONTROL_ACTION_START, "{}", 0, {}},
-    {"nothing_to_stop", Nothing, CONTROL_ACTION_STOP, "{}", 0, {}},
-
-    {"service3_start", Daemon<ADDON_SERVICE_3>, CONTROL_ACTION_START, "{}", 0, {"DaemonCtrl::Run 1"}},
-    {"service3_stop", Daemon<ADDON_SERVICE_3>, CONTROL_ACTION_STOP, "{}", 0, {"DaemonCtrl::Kill 1"}},
-    {"service3_update", Daemon<ADDON_SERVICE_3>, CONTROL_ACTION_UPDATE, "{}", 0, {}},
-    {"service3_unused", Daemon<ADDON_SERVICE_3>, kUnused, "{}", 0, {}},
-    {"service3_in_progress", Daemon<ADDON_SERVICE_3>, CONTROL_ACTION_IN_PROGRESS, "{}", 0, {}},
-    {"service5_start", Daemon<ADDON_SERVICE_5>, CONTROL_ACTION_START, "{}", 0, {"DaemonCtrl::Run 6"}},
-    {"service5_stop", Daemon<ADDON_SERVICE_5>, CONTROL_ACTION_STOP, "{}", 0, {"DaemonCtrl::Kill 6"}},
-    {"display_start",
-     Daemon<ADDON_SERVICE_LOCAL_DISPLAY>,
-     CONTROL_ACTION_START,
-     "{}",
-     0,
-     {"DaemonCtrl::Run 11"}},
-    {"display_stop",
-     Daemon<ADDON_SERVICE_LOCAL_DISPLAY>,
-     CONTROL_ACTION_STOP,
-     "{}",
-     0,
-     {"DaemonCtrl::Kill 11"}},
-    {"failed_run_counts_as_done",
-     Daemon<ADDON_SERVICE_3>,
-     CONTROL_ACTION_START,
-     R"({"DaemonCtrl::Run":-1})",
-     0,
-     {"DaemonCtrl::Run 1"}},
-    {"failed_kill_counts_as_done",
-     Daemon<ADDON_SERVICE_3>,
-     CONTROL_ACTION_STOP,
-     R"({"DaemonCtrl::Kill":-1})",
-     0,
-     {"DaemonCtrl::Kill 1"}},
-
-    {"cms_start", Cms, CONTROL_ACTION_START, "{}", 0, Option("true")},
+    {"daemon_update", Daemon, CONTROL_ACTION_UPDATE, "{}", 0, {}},
+    {"daemon_unused", Daemon, kUnused, "{}", 0, {}},
+    {"daemon_in_progress", Daemon, CONTROL_ACTION_IN_PROGRESS, "{}", 0, {}},
+    {"failed_run_is_done", Daemon, CONTROL_ACTION_START, R"({"DaemonCtrl::Run":-1})", 0, kRun},
+    {"failed_kill_is_done", Daemon, CONTROL_ACTION_STOP, R"({"DaemonCtrl::Kill":-1})", 0, kKill},
     {"cms_stop", Cms, CONTROL_ACTION_STOP, "{}", 0, Option("false")},
     {"cms_start_fails", Cms, CONTROL_ACTION_START, R"({"WebUIOptions::Apply":5})", 5, Option("true")},
     {"cms_in_progress", Cms, CONTROL_ACTION_IN_PROGRESS, "{}", 0, {}},
 };
 
-class Strategy : public testing::TestWithParam<StrategyCase> {
-    fake::Session session_;
-};
+using Strategy = TableTest<StrategyCase>;
 
 TEST_P(Strategy, DoesTheAction) {
     fake::AnswerEach(GetParam().answers);
@@ -111,15 +80,6 @@ TEST_P(Strategy, DoesTheAction) {
     EXPECT_EQ(fake::Lines(GetParam().steps), fake::Journal());
 }
 
-INSTANTIATE_TEST_SUITE_P(, Strategy, testing::ValuesIn(kStrategyCases),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-TEST(ServiceControl, DoesNothingWhateverItsTableHolds) {
-    const fake::Session session;
-    ServiceControl control;
-    control.SetActionControl(CONTROL_ACTION_START, DaemonControl::RunDaemon);
-    EXPECT_EQ(0, control.RunActionControl(CONTROL_ACTION_START));
-    EXPECT_EQ("", fake::Journal());
-}
+INSTANTIATE_TEST_SUITE_P(, Strategy, testing::ValuesIn(kStrategyCases), CaseName<StrategyCase>);
 
 }  // namespace

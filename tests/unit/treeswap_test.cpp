@@ -5,6 +5,8 @@
 #include "platform/files.h"
 #include "support/temporaryfolder.h"
 
+#include "cases.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -97,8 +99,7 @@ TEST_P(Swapping, LeavesTheNewTreeOrTheOldOne) {
     EXPECT_EQ(std::string(GetParam().left) + GetParam().unpacked, List());
 }
 
-INSTANTIATE_TEST_SUITE_P(, Swapping, testing::ValuesIn(kSwapCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Swapping, testing::ValuesIn(kSwapCases), CaseName<SwapCase>);
 
 TEST_F(Trees, AreNotReplacedByWhatIsNoTree) {
     for (const char* commands :
@@ -153,7 +154,6 @@ TEST_P(Cut, LeavesAWholeTreeToBeFound) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, Cut, testing::ValuesIn(kCutCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Cut, testing::ValuesIn(kCutCases), CaseName<CutCase>);
 
 }  // namespace

@@ -2,8 +2,9 @@
 #include "addons/uploadarea.h"
 
 #include "fake/script.h"
-#include "fake/session.h"
 #include "support/temporaryfolder.h"
+
+#include "cases.h"
 
 #include <gtest/gtest.h>
 
@@ -87,7 +88,6 @@ TEST_P(Area, TakesPlainFilesDirectlyInIt) {
     EXPECT_EQ(GetParam().isPath, IsUploadPath(Path(GetParam().path)));
 }
 
-INSTANTIATE_TEST_SUITE_P(, Area, testing::ValuesIn(kAreaCases),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Area, testing::ValuesIn(kAreaCases), CaseName<AreaCase>);
 
 }  // namespace
