@@ -142,11 +142,10 @@ protected:
 
     Download State() { return camvora::StateOfDownload(store_, settings_); }
 
-    void WaitForBytes(long long bytes) {
-        for (int i = 0; i < 500 && State().bytes < bytes; ++i) {
-            std::this_thread::sleep_for(milliseconds(10));
-        }
-        ASSERT_LE(bytes, State().bytes);
+    void ServeSlowly(milliseconds pause, std::size_t pieceBytes) {
+        script_ = {[=](File file, Head head) {
+            return Answer{Good(file, head).bytes, "", pause, pieceBytes};
+        }};
     }
 
     std::set<std::string> Files() const {
@@ -221,16 +220,12 @@ Answer Altered(File file, Head head) {
     return Whole("x" + file.substr(1), head);
 }
 
-Answer NotFound(File /*file*/, Head /*head*/) {
-    return {HttpAnswer("404 Not Found", "no")};
-}
-
-Answer Failing(File /*file*/, Head /*head*/) {
-    return {HttpAnswer("503 Oh", "no")};
-}
-
 Answer Dripping(File file, Head head) {
     return {Cut(file, head).bytes, "x"};
+}
+
+Answerer Always(const char* status) {
+    return [status](File /*file*/, Head /*head*/) { return Answer{HttpAnswer(status, "no")}; };
 }
 
 const ServerCase kServerCases[] = {
@@ -246,8 +241,8 @@ const ServerCase kServerCases[] = {
      1,
      "what arrived is not the file that was published: its SHA-256 is another",
      false},
-    {"not_found", {NotFound}, 1, "the server answers with status 404", true},
-    {"failing", {Failing}, 3, "the server answers with status 503", true},
+    {"not_found", {Always("404 Not Found")}, 1, "the server answers with status 404", true},
+    {"failing", {Always("503 Oh")}, 3, "the server answers with status 503", true},
     {"dripping", {Dripping}, 3, "it is too slow", true},
 };
 
@@ -335,9 +330,7 @@ TEST_F(DownloadTest, FailsBeforeItFetchesWhatCannotBeTaken) {
 
 TEST_F(DownloadTest, OnAFullDiskLeavesItsSpaceFree) {
     std::filesystem::create_directory(settings_.downloadFolder);
-    script_ = {[](File file, Head head) {
-        return Answer{Good(file, head).bytes, "", milliseconds(5), 16 << 10};
-    }};
+    ServeSlowly(milliseconds(5), 16 << 10);
     EXPECT_TRUE(InChild([this] {
         if (!MountSmallDisk(settings_.downloadFolder, 512 << 10)) {
             return true;  // the machine refuses it
@@ -360,17 +353,13 @@ class KilledDownload : public DownloadTest {
 protected:
     KilledDownload() { settings_.downloadPace = {milliseconds(20000), 1}; }
 
-    void ServeSlowly(milliseconds pause, std::size_t pieceBytes) {
-        script_ = {[=](File file, Head head) {
-            return Answer{Good(file, head).bytes, "", pause, pieceBytes};
-        }};
-    }
-
     // One that will not end by itself soon.
     std::unique_ptr<Background> StartLongDownload() {
         ServeSlowly(milliseconds(200), 64 << 10);
         auto process = StartDownload();
-        WaitForBytes(1);
+        for (int i = 0; i < 500 && State().bytes == 0; ++i) {
+            std::this_thread::sleep_for(milliseconds(10));
+        }
         EXPECT_EQ(camvora::kDownloadRuns, State().status);
         return process;
     }

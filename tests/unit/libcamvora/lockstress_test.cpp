@@ -3,17 +3,18 @@
 #include "libcamvora/lockguards.h"
 #include "support/temporaryfolder.h"
 
+#include "children.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <csignal>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <random>
 #include <string>
@@ -102,29 +103,28 @@ class LockStress : public testing::TestWithParam<bool> {
 protected:
     LockStress() { std::filesystem::create_directory(locks_); }
 
-    pid_t StartWorker() {
-        const pid_t pid = fork();
-        if (pid == 0) {
+    std::unique_ptr<Background> StartWorker() {
+        return std::make_unique<Background>([this] {
             Worker(locks_, board_).Work();
-            _exit(0);
-        }
-        return pid;
+            return true;
+        });
     }
 
     // Now one who is inside, now anyone; each is replaced. Returns how many.
-    int KillSomeUntilDone(std::vector<pid_t>& pids) {
+    int KillSomeUntilDone() {
         std::minstd_rand random;
         int killed = 0;
         for (int round = 0; board_.cyclesLeft > 0; ++round) {
             std::this_thread::sleep_for(milliseconds(random() % 20));
-            const pid_t inside = board_.inside;
-            const pid_t wanted = round % 2 == 0 ? inside : pids[random() % pids.size()];
-            const auto victim = std::find(pids.begin(), pids.end(), wanted);
-            if (victim != pids.end()) {
-                kill(*victim, SIGKILL);
-                waitpid(*victim, nullptr, 0);
-                ++killed;
+            const pid_t wanted =
+                round % 2 == 0 ? board_.inside.load() : workers_[random() % workers_.size()]->Pid();
+            const auto victim = std::find_if(workers_.begin(), workers_.end(), [wanted](const auto& worker) {
+                return worker->Pid() == wanted;
+            });
+            if (victim != workers_.end()) {
+                (*victim)->Kill();
                 *victim = StartWorker();
+                ++killed;
             }
         }
         return killed;
@@ -133,16 +133,16 @@ protected:
     const TemporaryFolder folder_;
     const std::string locks_ = folder_.PathOf("locks");
     Board& board_ = NewBoard();
+    std::vector<std::unique_ptr<Background>> workers_{kWorkers};
 };
 
 TEST_P(LockStress, LetsNoTwoInAndLeavesNothing) {
     const bool areKilled = GetParam();
-    std::vector<pid_t> pids(kWorkers);
-    std::generate(pids.begin(), pids.end(), [this] { return StartWorker(); });
+    std::generate(workers_.begin(), workers_.end(), [this] { return StartWorker(); });
     board_.isOpen = true;
-    const int killed = areKilled ? KillSomeUntilDone(pids) : 0;
-    for (const pid_t pid : pids) {
-        waitpid(pid, nullptr, 0);
+    const int killed = areKilled ? KillSomeUntilDone() : 0;
+    for (const auto& worker : workers_) {
+        EXPECT_TRUE(worker->Worked());
     }
     EXPECT_GT(board_.entered, kCycles / 2);
     EXPECT_EQ(0, board_.overlaps);
