@@ -19,6 +19,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <random>
 #include <set>
 #include <string>
 #include <thread>
@@ -31,11 +32,9 @@ using camvora::UpdateFailure;
 using std::chrono::milliseconds;
 
 std::string Content(std::size_t sizeBytes) {
-    std::string content;
-    for (std::size_t i = 0; content.size() < sizeBytes; ++i) {
-        content += std::to_string(i * i) + '\n';
-    }
-    content.resize(sizeBytes);
+    std::minstd_rand random;
+    std::string content(sizeBytes, '\0');
+    std::generate(content.begin(), content.end(), [&random] { return static_cast<char>(random()); });
     return content;
 }
 

@@ -1,5 +1,7 @@
 #include "libcamvora/settings.h"
 
+#include "platform/settings.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -14,6 +16,15 @@ TEST(BooleanSetting, HasItsDefaultWhenAbsentOrDamaged) {
         EXPECT_TRUE(camvora::IsSettingEnabled(state, "key", defaultValue));
         state.settings["key"] = "no";
         EXPECT_FALSE(camvora::IsSettingEnabled(state, "key", defaultValue));
+    }
+}
+
+TEST(Machine, IsARecorderByTheNameOfItsModel) {
+    for (const char* recorder : {"NVR4", "NVR-16", "NVR"}) {
+        EXPECT_TRUE(IsNVRModel(recorder)) << recorder;
+    }
+    for (const char* other : {"", "NAS2", "nvr4", "DS-NVR4", "NV"}) {
+        EXPECT_FALSE(IsNVRModel(other)) << other;
     }
 }
 
