@@ -32,6 +32,7 @@ const JsonCase kJsonCases[] = {
     {"long_text", Around(std::string(kLong, '~')), true},
     {"long_text_alone", std::string(kLong, ' '), true},
     {"long_text_with_quote_at_its_end", Around(std::string(kLong, 'x') + '"'), false},
+    {"long_text_with_backslash", Around('\\' + std::string(kLong, 'x')), false},
     {"long_text_with_nul", Around(std::string(kLong, '\0')), false},
     {"long_text_with_delete", Around(std::string(kLong, '\x7f')), false},
     {"long_text_of_other_letters", Around(std::string(kLong, 'x') + "\xc3\xa4"), false},

@@ -57,6 +57,7 @@ TEST_F(AppsTest, FallBackToEnglishThenToTheKey) {
 
 TEST_F(AppsTest, TakeEnglishForWhatIsNoKnownLanguage) {
     folder_.Write("ui/x.json", R"({"t_live":"outside"})");
+    folder_.Write("ui/texts/.json", R"({"t_live":"no name"})");
     folder_.Write("ui/texts/DE.json", R"({"t_live":"upper case"})");
     for (const char* language : {"", "fr", "DE", "../x"}) {
         EXPECT_TRUE(Read(language)) << language;
@@ -76,10 +77,12 @@ TEST_F(AppsTest, CostsWhatIsDamagedAndALineInTheLog) {
         {"ui/apps.json", R"({"apps":[{"id":"live")", 0},
         {"ui/apps.json", "{\"apps\":[]}" + std::string(2U << 20, ' '), 0},
         {"ui/apps.json", R"({"apps":{"live":{}}})", 0},
-        {"ui/apps.json", R"({"apps":[{"title":"t", "path":"p"}, {"id":"live", "title":"t", "path":"p"}]})",
+        {"ui/apps.json", R"({"apps":[5, {"title":"t", "path":"p"}, {"id":"live", "title":"t", "path":"p"}]})",
          1},
         {"ui/apps.json", R"({"apps":[{"id":"live", "title":"t", "path":"p", "service":6000000000}]})", 0},
+        {"ui/apps.json", R"({"apps":[]} {})", 0},
         {"ui/texts/de.json", "{", 0},
+        {"ui/texts/en.json", "{", 0},
     };
     for (const Damage& damage : kDamages) {
         SCOPED_TRACE(damage.file + damage.content.substr(0, 100));

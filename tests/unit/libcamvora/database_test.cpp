@@ -142,7 +142,9 @@ TEST_F(Records, OfDownloadsTheLastOfEachServiceIsKept) {
     }
     camvora::ForgetDownload(database_, ADDON_SERVICE_DEVICE_PACK);
     EXPECT_FALSE(camvora::FindDownload(database_, ADDON_SERVICE_DEVICE_PACK));
-    EXPECT_EQ("1-2", camvora::FindDownload(database_, ADDON_SERVICE_LOCAL_DISPLAY)->info.version);
+    const auto kept = camvora::FindDownload(database_, ADDON_SERVICE_LOCAL_DISPLAY);
+    ASSERT_TRUE(kept);
+    EXPECT_EQ("1-2 d", kept->info.version + " " + kept->info.date);
 }
 
 }  // namespace

@@ -81,6 +81,7 @@ TEST_F(FileContent, OfAWrongTextIsNotWritten) {
         {"YWJjZ", 3},
         {"YW_-", 3},
         {"YW==YWJj", 6},
+        {"====", 0},
         {"    YWJj", 6},
         {std::string(20'000, 'A') + "!AAA", 15'003},  // the fault is in a later piece
         {std::string("YW\0j", 4), 3},

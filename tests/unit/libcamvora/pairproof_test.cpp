@@ -22,11 +22,12 @@ TEST(PairProof, CountsForAMinute) {
         {" 1700000000", false},
         {"+1700000000", false},
         {"18446744073709551615", false},
+        {"99999999999999999999", false},
         {std::string("1700000000\0", 11), false},
     };
     for (const auto& [timestamp, counts] : kTimestamps) {
         const std::string proof = PairProof("right", timestamp);
-        EXPECT_EQ(counts, IsProofOfPair({"wrong", "", "right"}, proof, timestamp, kNow)) << timestamp;
+        EXPECT_EQ(counts, IsProofOfPair({"wrong", "right", ""}, proof, timestamp, kNow)) << timestamp;
     }
 }
 

@@ -118,6 +118,7 @@ TEST_F(ReleaseCheck, RefusesMembersOfTheWrongTypeOrBeyondTheirBounds) {
                                                 {"version", ""},
                                                 {"version", "1/2"},
                                                 {"version", std::string(65, '1')},
+                                                {"file", ""},
                                                 {"file", "a/b"},
                                                 {"file", ".."},
                                                 {"file", "a\nb"},

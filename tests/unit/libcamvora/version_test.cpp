@@ -13,8 +13,8 @@ namespace {
 TEST(VersionOrder, Holds) {
     for (const auto& [newer, older] :
          {std::pair("3.10", "3.9"), std::pair("3.2.0-1", "3.1.9-9"), std::pair("3.2.1", "3.2"),
-          std::pair("1.0", "1.rc"), std::pair("1.0", "1.0-rc"), std::pair("1.0.1", "1..1"),
-          std::pair("0", ""), std::pair("1.0", "1.+5"),
+          std::pair("1.0", "1.rc"), std::pair("1.b", "1.a"), std::pair("1.0", "1.0-rc"),
+          std::pair("1.0.1", "1..1"), std::pair("0", ""), std::pair("1.0", "1.+5"),
           std::pair("100000000000000000000", "99999999999999999999")}) {
         for (const bool allowEqual : {false, true}) {
             EXPECT_TRUE(AddonsUpdate::IsVersionNewer(newer, older, allowEqual)) << newer << " " << older;
