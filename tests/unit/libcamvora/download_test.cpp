@@ -122,21 +122,8 @@ protected:
         }
     }
 
-    // Starts `work` in a process of its own.
-    std::unique_ptr<Background> Start(const std::function<bool()>& work) {
-        store_.BeforeFork();
-        auto process = std::make_unique<Background>([this, &work] {
-            store_.AfterForkInChild();
-            return work();
-        });
-        store_.AfterForkInParent();
-        return process;
-    }
-
-    bool InChild(const std::function<bool()>& work) { return Start(work)->Worked(); }
-
     std::unique_ptr<Background> StartDownload() {
-        return Start([this] { return Outcome().empty(); });
+        return StartWith(store_, [this] { return Outcome().empty(); });
     }
 
     Download State() { return camvora::StateOfDownload(store_, settings_); }
@@ -330,7 +317,7 @@ TEST_F(DownloadTest, FailsBeforeItFetchesWhatCannotBeTaken) {
 TEST_F(DownloadTest, OnAFullDiskLeavesItsSpaceFree) {
     std::filesystem::create_directory(settings_.downloadFolder);
     ServeSlowly(milliseconds(5), 16 << 10);
-    EXPECT_TRUE(InChild([this] {
+    EXPECT_TRUE(WorksInChild(store_, [this] {
         if (!MountSmallDisk(settings_.downloadFolder, 512 << 10)) {
             return true;  // the machine refuses it
         }
@@ -396,7 +383,7 @@ TEST_F(KilledDownload, ByACancelLeavesNothing) {
     camvora::CleanDownload(store_, settings_);
     EXPECT_EQ(camvora::kDownloadRuns, State().status);
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(InChild([this] {  // several at once
+    EXPECT_TRUE(WorksInChild(store_, [this] {  // several at once
         return CountSuccesses(5, [this](int) {
                    camvora::CancelDownload(store_, settings_);
                    return true;
