@@ -94,36 +94,33 @@ TEST_F(ReleaseCheck, RefusesAnIndexThatIsNotTheFeeds) {
     EXPECT_FALSE(Kept());
 }
 
-struct BadMember {
-    const char* member;
-    Json::Value value;
-};
-
 TEST_F(ReleaseCheck, RefusesMembersOfTheWrongTypeOrBeyondTheirBounds) {
-    const std::vector<BadMember> kBadMembers = {{"version", 5},
-                                                {"version", ""},
-                                                {"version", "1/2"},
-                                                {"version", std::string(65, '1')},
-                                                {"file", ""},
-                                                {"file", "a/b"},
-                                                {"file", ".."},
-                                                {"file", "a\nb"},
-                                                {"size", "5"},
-                                                {"size", 0},
-                                                {"size", 1e300},
-                                                {"sha256", std::string(63, 'a')},
-                                                {"sha256", std::string(64, 'A')},
-                                                {"lowestMainVersion", Json::nullValue},
-                                                {"date", "\x1b[2J"},
-                                                {"notes", std::string(70000, 'x')},
-                                                {"serial", -1},
-                                                {"releases", "none"}};
-    for (const BadMember& bad : kBadMembers) {
+    const std::vector<std::pair<const char*, Json::Value>> kBadMembers = {
+        {"version", 5},
+        {"version", ""},
+        {"version", "1/2"},
+        {"version", std::string(65, '1')},
+        {"file", ""},
+        {"file", "a/b"},
+        {"file", ".."},
+        {"file", "a\nb"},
+        {"size", "5"},
+        {"size", 0},
+        {"size", 1e300},
+        {"sha256", std::string(63, 'a')},
+        {"sha256", std::string(64, 'A')},
+        {"lowestMainVersion", Json::nullValue},
+        {"date", "\x1b[2J"},
+        {"notes", std::string(70000, 'x')},
+        {"serial", -1},
+        {"releases", "none"},
+    };
+    for (const auto& [member, value] : kBadMembers) {
         Json::Value index = FeedPayload(1, {ReleaseEntry("2.2.0-0140")});
-        Json::Value& place = index.isMember(bad.member) ? index : index["releases"][0];
-        place[bad.member] = bad.value;
-        const std::string problem = "the index has no good \"" + std::string(bad.member) + "\"";
-        EXPECT_EQ(problem, OutcomeOf(signer_.Index(index))) << JsonWrite(bad.value, true);
+        Json::Value& place = index.isMember(member) ? index : index["releases"][0];
+        place[member] = value;
+        const std::string problem = "the index has no good \"" + std::string(member) + "\"";
+        EXPECT_EQ(problem, OutcomeOf(signer_.Index(index))) << JsonWrite(value, true);
     }
     EXPECT_FALSE(Kept());
 }
