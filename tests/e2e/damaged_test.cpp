@@ -14,7 +14,6 @@
 namespace e2e {
 namespace {
 
-constexpr unsigned kSeed = 1;
 constexpr int kNoDisk = 2;  // status of a child
 
 class DamagedPackage : public ApplianceTest {
@@ -22,9 +21,9 @@ protected:
     static void SetUpTestSuite() { Start(); }
 
     static MutantFigures Inspect(MakeMutant make, unsigned count) {
-        MutantFigures figures = InspectMutants(*appliance_, make, kSeed, count);
+        MutantFigures figures = InspectMutants(*appliance_, make, Seed(), count);
         for (const std::string& fault : figures.faults) {
-            ADD_FAILURE() << "seed " << kSeed << ": " << fault;
+            ADD_FAILURE() << "seed " << Seed() << ": " << fault;
         }
         return figures;
     }
@@ -45,7 +44,7 @@ TEST_F(DamagedPackage, IsNeverTakenWhereItsTreeIsCut) {
 void InspectWhileTheDiskGrows(const Appliance& appliance, const std::string& folder) {
     constexpr std::size_t kStepBytes = 65'536;
     constexpr std::size_t kBlobBytes = 10 * kStepBytes;
-    std::mt19937 random(kSeed);
+    std::mt19937 random(Seed());
     std::string blob(kBlobBytes, '\0');
     std::generate(blob.begin(), blob.end(), [&random] { return static_cast<char>(random()); });
     const std::string package = MakeDevicePack({{"device_pack/blob", blob}});

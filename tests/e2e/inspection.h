@@ -31,6 +31,12 @@ std::string FaultOf(const Appliance& appliance, const Answer& answer, const AddO
 // All of the appliance that no package may change: what is not a work directory, nor changes by itself.
 Listing ListingOutside(const Appliance& appliance);
 
+// The same in each run, but another one in each repetition of a shuffled run, which tells how to have it
+// again.
+inline unsigned Seed() {
+    return 1 + static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed());
+}
+
 std::filesystem::path WorkDirectory(const Appliance& appliance, const AddOn& addOn);
 
 }  // namespace e2e

@@ -47,7 +47,7 @@ bool KillTrials::Kill(const FileCall& kind, std::size_t number) {
     const std::vector<FileCall> calls = Run(kind, number);
     const auto count = static_cast<std::size_t>(std::count(calls.begin(), calls.end(), kind));
     if (count == number) {
-        Count(kind);
+        Count();
     }
     return count == number;
 }
@@ -88,20 +88,15 @@ void KillTrials::UpdateWithNothing() {
     const auto begin = Clock::now();
     const Answer answer = Update(appliance_, addOn_, FilePath(addOn_, true));
     const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
-    figures_.longestS = std::max(figures_.longestS, seconds);
     Expect(seconds < kLockLimitsS, "the next update took " + std::to_string(seconds) + " s");
     Expect(answer.Code() == kErrFailed, "the next update said " + std::to_string(answer.Code()));
 }
 
-void KillTrials::Count(const FileCall& call) {
+void KillTrials::Count() {
     const Listing listing = InPlace();
-    for (TrialCounts* counts : {&figures_.byCall[call], &figures_.all}) {
-        ++counts->trials;
-        ++(listing == old_.Content()     ? counts->old
-           : listing == fresh_.Content() ? counts->fresh
-           : listing.empty()             ? counts->none
-                                         : counts->mixture);
-    }
+    ++figures_.trials;
+    figures_.old += listing == old_.Content() ? 1U : 0U;
+    figures_.fresh += listing == fresh_.Content() ? 1U : 0U;
 }
 
 void KillTrials::JudgePlace() {

@@ -11,19 +11,10 @@
 
 namespace e2e {
 
-// What was in the place of the add-on once somebody had mended it.
-struct TrialCounts {
-    unsigned trials = 0;
-    unsigned old = 0;
-    unsigned fresh = 0;
-    unsigned none = 0;
-    unsigned mixture = 0;
-};
-
 struct KillFigures {
-    std::map<FileCall, TrialCounts> byCall;
-    TrialCounts all;
-    double longestS = 0;              // of the next "Update"
+    unsigned trials = 0;
+    unsigned old = 0;  // the tree in the place of the add-on once somebody had mended it
+    unsigned fresh = 0;
     std::vector<std::string> faults;  // a line for each
 };
 
@@ -82,7 +73,7 @@ private:
     bool Kill(const FileCall& kind, std::size_t number);
     std::vector<FileCall> Run(const FileCall& kind, std::size_t number);
     void StartService();
-    void Count(const FileCall& call);
+    void Count();
 
     std::string trial_;
     int trials_ = 0;

@@ -168,7 +168,6 @@ void Judge(const Appliance& appliance, const AddOn& addOn, const Mutant& mutant,
     if (!fault.empty() || taken.count() > kLimitS) {
         figures.faults.push_back(name + " " + fault + " after " + std::to_string(taken.count()) + " s");
     }
-    figures.longestS = std::max(figures.longestS, taken.count());
     figures.taken += answer.Succeeded() ? 1U : 0U;
 }
 
@@ -205,7 +204,6 @@ MutantFigures InspectMutants(const Appliance& appliance, MakeMutant make, unsign
     MutantFigures figures = InspectFor(kDevicePack, appliance, make, seed, count - count / 2);
     const MutantFigures others = displays.get();
     figures.taken += others.taken;
-    figures.longestS = std::max(figures.longestS, others.longestS);
     figures.faults.insert(figures.faults.end(), others.faults.begin(), others.faults.end());
     for (const std::string& path : ChangedPaths(before, ListingOutside(appliance))) {
         figures.faults.push_back("outside of the work directories: " + path);

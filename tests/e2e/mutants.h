@@ -24,7 +24,6 @@ Mutant MakeCutTree(const AddOn& addOn, std::mt19937& random);
 
 struct MutantFigures {
     unsigned taken = 0;
-    double longestS = 0;              // of all requests
     std::vector<std::string> faults;  // a line for each
 };
 

@@ -149,7 +149,7 @@ TEST_F(UpdateTest, PutsTheFactorysTreeIntoAnEmptyPlaceAtTheStart) {
 
 TEST_F(UpdateTest, InstallsAWholePackageWhateverIsInspectedMeanwhile) {
     for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
-        for (const std::string& fault : InspectDuringUpdates(*appliance_, addOn, 1, 25)) {
+        for (const std::string& fault : InspectDuringUpdates(*appliance_, addOn, Seed(), 25)) {
             ADD_FAILURE() << addOn.name << " " << fault;
         }
     }

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -56,53 +57,43 @@ TEST_F(AppsTest, FallBackToEnglishThenToTheKey) {
 
 TEST_F(AppsTest, TakeEnglishForWhatIsNoKnownLanguage) {
     folder_.Write("ui/x.json", R"({"t_live":"outside"})");
-    folder_.Write("ui/texts/DE.json", R"({"t_live":"upper case"})");
     folder_.Write("ui/texts/.json", R"({"t_live":"no name"})");
-    for (const std::string& language :
-         {std::string(), std::string("fr"), std::string("DE"), std::string("../x"), std::string("de/../../x"),
-          std::string("/etc/passwd"), std::string("de\0x", 4), std::string(100000, 'd')}) {
-        EXPECT_TRUE(Read(language)) << language.substr(0, 20);
-        EXPECT_EQ("Live View", status_["live"]["title"].asString()) << language.substr(0, 20);
+    folder_.Write("ui/texts/DE.json", R"({"t_live":"upper case"})");
+    for (const char* language : {"", "fr", "DE", "../x"}) {
+        EXPECT_TRUE(Read(language)) << language;
+        EXPECT_EQ("Live View", status_["live"]["title"].asString()) << language;
     }
     EXPECT_TRUE(TakeLoggedTexts().empty());
 }
 
-struct DamageCase {
-    const char* name;
+struct Damage {
     const char* file;
     std::string content;
     unsigned appsLeft;
 };
 
-// Each costs what is damaged and one line in the log.
-const DamageCase kDamageCases[] = {
-    {"cut_file", "ui/apps.json", R"({"apps":[{"id":"live")", 0},
-    {"too_large", "ui/apps.json", "{\"apps\":[]}" + std::string(2U << 20, ' '), 0},
-    {"rest_behind_the_object", "ui/apps.json", R"({"apps":[]} {})", 0},
-    {"object_for_list", "ui/apps.json", R"({"apps":{"live":{}}})", 0},
-    {"one_app_without_id", "ui/apps.json",
-     R"({"apps":[{"title":"t", "path":"p"}, {"id":"live", "title":"t", "path":"p"}]})", 1},
-    {"number_for_app", "ui/apps.json", R"({"apps":[5, {"id":"live", "title":"t", "path":"p"}]})", 1},
-    {"text_for_service", "ui/apps.json",
-     R"({"apps":[{"id":"live", "title":"t", "path":"p", "service":"6"}]})", 0},
-    {"huge_service", "ui/apps.json",
-     R"({"apps":[{"id":"live", "title":"t", "path":"p", "service":6000000000}]})", 0},
-    {"damaged_texts", "ui/texts/de.json", "{", 0},
-    {"damaged_english_texts", "ui/texts/en.json", "{", 0},
-};
-
-class DamagedApps : public AppsTest, public testing::WithParamInterface<DamageCase> {};
-
-TEST_P(DamagedApps, AreReadAsFarAsPossible) {
-    folder_.Write(GetParam().file, GetParam().content);
-    EXPECT_FALSE(Read("de"));
-    EXPECT_TRUE(status_.isObject());
-    EXPECT_EQ(GetParam().appsLeft, status_.size());
-    EXPECT_EQ(1U, TakeLoggedTexts().size());
+TEST_F(AppsTest, CostsWhatIsDamagedAndALineInTheLog) {
+    const std::vector<Damage> kDamages = {
+        {"ui/apps.json", R"({"apps":[{"id":"live")", 0},
+        {"ui/apps.json", "{\"apps\":[]}" + std::string(2U << 20, ' '), 0},
+        {"ui/apps.json", R"({"apps":{"live":{}}})", 0},
+        {"ui/apps.json", R"({"apps":[5, {"title":"t", "path":"p"}, {"id":"live", "title":"t", "path":"p"}]})",
+         1},
+        {"ui/apps.json", R"({"apps":[{"id":"live", "title":"t", "path":"p", "service":6000000000}]})", 0},
+        {"ui/apps.json", R"({"apps":[]} {})", 0},
+        {"ui/texts/de.json", "{", 0},
+        {"ui/texts/en.json", "{", 0},
+    };
+    for (const Damage& damage : kDamages) {
+        SCOPED_TRACE(damage.file + damage.content.substr(0, 100));
+        SetUp();
+        folder_.Write(damage.file, damage.content);
+        EXPECT_FALSE(Read("de"));
+        EXPECT_TRUE(status_.isObject());
+        EXPECT_EQ(damage.appsLeft, status_.size());
+        EXPECT_EQ(1U, TakeLoggedTexts().size());
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, DamagedApps, testing::ValuesIn(kDamageCases),
-                         [](const auto& damage) { return std::string(damage.param.name); });
 
 TEST(ShippedApps, HaveTitlesInEachLanguage) {
     for (const char* language : {"en", "de"}) {

@@ -88,3 +88,17 @@ void Background::Kill() {
         pid_ = -1;
     }
 }
+
+std::unique_ptr<Background> StartWith(camvora::Store& store, const std::function<bool()>& work) {
+    store.BeforeFork();
+    auto child = std::make_unique<Background>([&store, &work] {
+        store.AfterForkInChild();
+        return work();
+    });
+    store.AfterForkInParent();
+    return child;
+}
+
+bool WorksInChild(camvora::Store& store, const std::function<bool()>& work) {
+    return StartWith(store, work)->Worked();
+}

@@ -1,9 +1,12 @@
 // Work in several processes at once.
 #pragma once
 
+#include "libcamvora/store.h"
+
 #include <sys/types.h>
 
 #include <functional>
+#include <memory>
 
 // Forks `count` children that start together; each does `work` with its number. Returns how many of them
 // reported success and did not die or throw. None is left.
@@ -35,3 +38,9 @@ private:
     int result_ = -1;
     pid_t pid_ = -1;
 };
+
+// A child that has `store` as after any fork.
+std::unique_ptr<Background> StartWith(camvora::Store& store, const std::function<bool()>& work);
+
+// The same: true when it reported success.
+bool WorksInChild(camvora::Store& store, const std::function<bool()>& work);

@@ -18,6 +18,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -33,13 +34,10 @@ constexpr camvora::DaemonEntry kHelper = {"localdisplayhelperd", 12, -1, 11};
 
 class DaemonProcess : public testing::Test {
 protected:
-    // The program is not told the folder and what the daemon shall do, so a script adds that.
+    // The name of the daemon's program says what it shall do.
     camvora::DaemonPlaces Places(const std::string& behaviour) const {
-        const std::string name = "daemon " + behaviour;
-        folder_.Write(name, "#!/bin/sh\nexec '" TEST_DAEMON "' '" + folder_.PathOf("") + "' '" + behaviour +
-                                "' \"$1\"\n");
-        EXPECT_EQ(0, chmod(folder_.PathOf(name).c_str(), 0700));
-        return {folder_.PathOf(name), folder_.PathOf(""), 5s, 300ms};
+        fs::create_symlink(TEST_DAEMON, folder_.PathOf(behaviour));
+        return {folder_.PathOf(behaviour), folder_.PathOf(""), 5s, 300ms};
     }
 
     pid_t Running() const { return camvora::DaemonLockHolder(lock_); }
@@ -65,15 +63,10 @@ protected:
 };
 
 TEST_F(DaemonProcess, IsUpWhenTheStartReturnsAndGoneWhenTheEndDoes) {
-    struct EndCase {
-        const char* behaviour;
-        std::chrono::milliseconds atLeast;
-        int signal;
-    };
-    for (const EndCase& row :
-         {EndCase{"well behaved", 0ms, SIGTERM}, EndCase{"ignores SIGTERM", 300ms, SIGKILL}}) {
-        SCOPED_TRACE(row.behaviour);
-        const auto places = Places(row.behaviour);
+    for (const auto& [behaviour, signal] :
+         {std::pair("well behaved", SIGTERM), std::pair("ignores SIGTERM", SIGKILL)}) {
+        SCOPED_TRACE(behaviour);
+        const auto places = Places(behaviour);
         EXPECT_TRUE(EndDaemons(places, {&kDaemon}));  // none runs
         ASSERT_TRUE(StartDaemon(places, kDaemon));
         folder_.Write("localdisplayd.pid", "1\n");
@@ -82,11 +75,11 @@ TEST_F(DaemonProcess, IsUpWhenTheStartReturnsAndGoneWhenTheEndDoes) {
         const auto begin = Clock::now();
         EXPECT_TRUE(EndDaemons(places, {&kDaemon}));
         EXPECT_FALSE(fs::exists(folder_.PathOf("localdisplayd.pid")));
-        EXPECT_GE(Clock::now() - begin, row.atLeast);
+        EXPECT_GE(Clock::now() - begin, signal == SIGKILL ? 300ms : 0ms);
         EXPECT_EQ(0, Running());
         int status = 0;
         EXPECT_EQ(pid, waitpid(pid, &status, WNOHANG));
-        EXPECT_EQ(row.signal, WTERMSIG(status));
+        EXPECT_EQ(signal, WTERMSIG(status));
     }
 }
 

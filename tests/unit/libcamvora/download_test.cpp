@@ -13,12 +13,13 @@
 #include <gtest/gtest.h>
 #include <openssl/sha.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <random>
 #include <set>
 #include <string>
 #include <thread>
@@ -31,11 +32,9 @@ using camvora::UpdateFailure;
 using std::chrono::milliseconds;
 
 std::string Content(std::size_t sizeBytes) {
-    std::string content;
-    for (std::size_t i = 0; content.size() < sizeBytes; ++i) {
-        content += std::to_string(i * i) + '\n';
-    }
-    content.resize(sizeBytes);
+    std::minstd_rand random;
+    std::string content(sizeBytes, '\0');
+    std::generate(content.begin(), content.end(), [&random] { return static_cast<char>(random()); });
     return content;
 }
 
@@ -45,27 +44,36 @@ std::string Sha256Of(const std::string& bytes) {
     return camvora::HexText(hash.data(), hash.size());
 }
 
+using Answer = ScriptedServer::Answer;
+using File = const std::string&;
+using Head = const std::string&;
+using Answerer = std::function<Answer(File file, Head head)>;
+
 // Where the request wants the file to begin; 0 when it wants all of it.
-std::size_t RangeStart(const std::string& head) {
-    constexpr char kRange[] = "Range: bytes=";
-    const std::size_t at = head.find(kRange);
-    return at == std::string::npos ? 0 : std::stoul(head.substr(at + sizeof(kRange) - 1));
+std::size_t RangeStart(Head head) {
+    return NumberBehind("Range: bytes=", head);
 }
 
-std::string WholeAnswer(const std::string& file) {
-    return HttpAnswer("200 OK\r\nETag: \"1\"", file);
+Answer Whole(File file, Head /*head*/) {
+    return {HttpAnswer("200 OK\r\nETag: \"1\"", file)};
 }
 
-std::string RestAnswer(const std::string& file, std::size_t start) {
+Answer Rest(File file, std::size_t start) {
     const std::string range =
         std::to_string(start) + "-" + std::to_string(file.size() - 1) + "/" + std::to_string(file.size());
-    return HttpAnswer("206 Partial\r\nContent-Range: bytes " + range, file.substr(start));
+    return {HttpAnswer("206 Partial\r\nContent-Range: bytes " + range, file.substr(start))};
 }
 
 // What a good server answers.
-std::string GoodAnswer(const std::string& file, const std::string& head) {
+Answer Good(File file, Head head) {
     const std::size_t start = RangeStart(head);
-    return start == 0 ? WholeAnswer(file) : RestAnswer(file, start);
+    return start == 0 ? Whole(file, head) : Rest(file, start);
+}
+
+Answer Cut(File file, Head head) {
+    Answer answer = Good(file, head);
+    answer.bytes.resize(answer.bytes.size() / 2);
+    return answer;
 }
 
 class DownloadTest : public testing::Test {
@@ -83,7 +91,6 @@ protected:
         settings_.downloadPace = {milliseconds(300), 1 << 20};
         settings_.pauses = {milliseconds(1), milliseconds(1)};
         Offer(kVersion, Content(1 << 20));
-        script_ = [this](const std::string& head, std::size_t) { return Good(head); };
     }
 
     // The feed has this release from now on.
@@ -92,19 +99,17 @@ protected:
         Json::Value entry = ReleaseEntry(version);
         entry["size"] = Json::UInt64{file.size()};
         entry["sha256"] = Sha256Of(file);
-        Json::Value releases;
-        releases.append(entry);
-        index_ = signer_.Index(FeedPayload(++serial_, releases));
+        index_ = signer_.Index(FeedPayload(++serial_, {entry}));
     }
 
-    ScriptedServer::Answer Good(const std::string& head) const { return {GoodAnswer(file_, head), ""}; }
-
-    ScriptedServer::Answer Serve(const std::string& head) {
+    // The script's last answer is given again and again.
+    Answer Serve(Head head) {
         if (head.rfind("GET /device_pack.json ", 0) == 0) {
-            return {HttpAnswer("200 OK", index_), ""};
+            return {HttpAnswer("200 OK", index_)};
         }
         fileRequests_.push_back(head);
-        return script_(head, fileRequests_.size() - 1);
+        const std::size_t number = std::min(fileRequests_.size(), script_.size()) - 1;
+        return script_[number](file_, head);
     }
 
     // Why the download failed; empty where it did not.
@@ -117,47 +122,25 @@ protected:
         }
     }
 
-    // Starts `work` in a process of its own.
-    std::unique_ptr<Background> Start(const std::function<bool()>& work) {
-        store_.BeforeFork();
-        auto process = std::make_unique<Background>([this, &work] {
-            store_.AfterForkInChild();
-            return work();
-        });
-        store_.AfterForkInParent();
-        return process;
-    }
-
-    bool InChild(const std::function<bool()>& work) { return Start(work)->Worked(); }
-
     std::unique_ptr<Background> StartDownload() {
-        return Start([this] { return Outcome().empty(); });
+        return StartWith(store_, [this] { return Outcome().empty(); });
     }
 
     Download State() { return camvora::StateOfDownload(store_, settings_); }
 
-    void WaitForBytes(long long bytes) {
-        for (int i = 0; i < 500 && State().bytes < bytes; ++i) {
-            std::this_thread::sleep_for(milliseconds(10));
-        }
-        ASSERT_LE(bytes, State().bytes);
+    void ServeSlowly(milliseconds pause, std::size_t pieceBytes) {
+        script_ = {[=](File file, Head head) {
+            return Answer{Good(file, head).bytes, "", pause, pieceBytes};
+        }};
     }
 
     std::set<std::string> Files() const {
         std::set<std::string> names;
-        if (std::filesystem::exists(settings_.downloadFolder)) {
-            for (const auto& entry : std::filesystem::directory_iterator(settings_.downloadFolder)) {
-                names.insert(entry.path().filename().string());
-            }
+        std::error_code isAbsent;
+        for (const auto& entry : std::filesystem::directory_iterator(settings_.downloadFolder, isAbsent)) {
+            names.insert(entry.path().filename().string());
         }
         return names;
-    }
-
-    std::uintmax_t FileSize(const std::string& name) const {
-        std::error_code isAbsent;
-        const std::uintmax_t size =
-            std::filesystem::file_size(settings_.downloadFolder + "/" + name, isAbsent);
-        return isAbsent ? 0 : size;
     }
 
     std::string Partial() const { return "device_pack-" + Sha256Of(file_) + ".partial"; }
@@ -184,123 +167,75 @@ protected:
     std::string file_;
     std::string index_;
     int serial_ = 0;
-    ScriptedServer::Script script_;
+    std::vector<Answerer> script_ = {Good};
     std::vector<std::string> fileRequests_;  // read after the server's answer has ended
     ScriptedServer server_{[this](const std::string& head, std::size_t) { return Serve(head); }};
 };
 
 struct ServerCase {
     const char* name;
-    // Answers request `number` of the file.
-    ScriptedServer::Answer (*script)(const std::string& file, const std::string& head, std::size_t number);
+    std::vector<Answerer> script;
     std::size_t requests;
     const char* problem;
     bool leavesPartial;
 };
 
-std::string Half(const std::string& answer) {
-    return answer.substr(0, answer.size() / 2);
+constexpr char kWrongSize[] = "the server's file has another size than the one that was published";
+
+Answer WholeWithoutLength(File file, Head /*head*/) {
+    return {"HTTP/1.1 200 OK\r\n\r\n" + file};
 }
 
-using Head = const std::string&;
-using File = const std::string&;
+Answer RestRefused(File file, Head head) {
+    return RangeStart(head) > 0 ? Answer{HttpAnswer("416 No", "no")} : Whole(file, head);
+}
 
-constexpr char kCut[] = "the connection ended without a whole answer";
-constexpr char kWrongSize[] = "the server's file has another size than the one that was published";
-constexpr char kWrongHash[] = "what arrived is not the file that was published: its SHA-256 is another";
+Answer AnotherRest(File file, Head head) {
+    return RangeStart(head) > 0 ? Rest(file, 1) : Whole(file, head);
+}
+
+Answer TooShort(File file, Head head) {
+    return Whole(file.substr(1), head);
+}
+
+Answer Endless(File file, Head /*head*/) {
+    return {"HTTP/1.1 200 OK\r\n\r\n", file, milliseconds(0)};
+}
+
+Answer Altered(File file, Head head) {
+    return Whole("x" + file.substr(1), head);
+}
+
+Answer Dripping(File file, Head head) {
+    return {Cut(file, head).bytes, "x"};
+}
+
+Answerer Always(const char* status) {
+    return [status](File /*file*/, Head /*head*/) { return Answer{HttpAnswer(status, "no")}; };
+}
 
 const ServerCase kServerCases[] = {
-    {"whole",
-     [](File file, Head, std::size_t) {
-         return ScriptedServer::Answer{WholeAnswer(file), ""};
-     },
-     1, "", false},
-    {"without_length",
-     [](File file, Head, std::size_t) {
-         return ScriptedServer::Answer{"HTTP/1.1 200 OK\r\n\r\n" + file, ""};
-     },
-     1, "", false},
-    {"cut_twice",
-     [](File file, Head head, std::size_t number) {
-         const std::string answer = GoodAnswer(file, head);
-         return ScriptedServer::Answer{number < 2 ? Half(answer) : answer, ""};
-     },
-     3, "", false},
-    {"cut_always",
-     [](File file, Head head, std::size_t) {
-         return ScriptedServer::Answer{Half(GoodAnswer(file, head)), ""};
-     },
-     3, kCut, true},
-    {"range_ignored",
-     [](File file, Head, std::size_t number) {
-         return ScriptedServer::Answer{number == 0 ? Half(WholeAnswer(file)) : WholeAnswer(file), ""};
-     },
-     2, "", false},
-    {"range_refused",
-     [](File file, Head head, std::size_t number) {
-         if (number == 0) {
-             return ScriptedServer::Answer{Half(WholeAnswer(file)), ""};
-         }
-         return ScriptedServer::Answer{RangeStart(head) > 0 ? HttpAnswer("416 No", "no") : WholeAnswer(file),
-                                       ""};
-     },
-     3, "", false},
-    {"another_range",
-     [](File file, Head head, std::size_t number) {
-         if (number == 0) {
-             return ScriptedServer::Answer{Half(WholeAnswer(file)), ""};
-         }
-         return ScriptedServer::Answer{RangeStart(head) > 0 ? RestAnswer(file, 1) : WholeAnswer(file), ""};
-     },
-     3, "", false},
-    {"too_short",
-     [](File file, Head, std::size_t) {
-         return ScriptedServer::Answer{WholeAnswer(file.substr(1)), ""};
-     },
-     1, kWrongSize, false},
-    {"too_long",
-     [](File file, Head, std::size_t) {
-         return ScriptedServer::Answer{WholeAnswer(file + "x"), ""};
-     },
-     1, kWrongSize, false},
-    {"endless",
-     [](File file, Head, std::size_t) {
-         return ScriptedServer::Answer{"HTTP/1.1 200 OK\r\n\r\n", file, milliseconds(0)};
-     },
-     1, kWrongSize, false},
-    {"wrong_hash",
-     [](File file, Head, std::size_t) {
-         return ScriptedServer::Answer{WholeAnswer("x" + file.substr(1)), ""};
-     },
-     1, kWrongHash, false},
-    {"not_found",
-     [](File, Head, std::size_t) {
-         return ScriptedServer::Answer{HttpAnswer("404 Not Found", "no"), ""};
-     },
-     1, "the server answers with status 404", true},
-    {"failing_twice",
-     [](File file, Head head, std::size_t number) {
-         return ScriptedServer::Answer{number < 2 ? HttpAnswer("500 Oh", "no") : GoodAnswer(file, head), ""};
-     },
-     3, "", false},
-    {"failing",
-     [](File, Head, std::size_t) {
-         return ScriptedServer::Answer{HttpAnswer("503 Oh", "no"), ""};
-     },
-     3, "the server answers with status 503", true},
-    {"dripping",
-     [](File file, Head head, std::size_t) {
-         return ScriptedServer::Answer{Half(GoodAnswer(file, head)), "x"};
-     },
-     3, "it is too slow", true},
+    {"without_length", {WholeWithoutLength}, 1, "", false},
+    {"cut", {Cut}, 3, "the connection ended without a whole answer", true},
+    {"range_ignored", {Cut, Whole}, 2, "", false},
+    {"range_refused", {Cut, RestRefused}, 3, "", false},
+    {"another_range", {Cut, AnotherRest}, 3, "", false},
+    {"too_short", {TooShort}, 1, kWrongSize, false},
+    {"endless", {Endless}, 1, kWrongSize, false},
+    {"altered",
+     {Altered},
+     1,
+     "what arrived is not the file that was published: its SHA-256 is another",
+     false},
+    {"not_found", {Always("404 Not Found")}, 1, "the server answers with status 404", true},
+    {"failing", {Always("503 Oh")}, 3, "the server answers with status 503", true},
+    {"dripping", {Dripping}, 3, "it is too slow", true},
 };
 
 class DownloadServerTest : public DownloadTest, public testing::WithParamInterface<ServerCase> {};
 
 TEST_P(DownloadServerTest, HasItsOutcomeAndALaterDownloadSucceeds) {
-    script_ = [this](const std::string& head, std::size_t number) {
-        return GetParam().script(file_, head, number);
-    };
+    script_ = GetParam().script;
     EXPECT_EQ(GetParam().problem, Outcome());
     EXPECT_EQ(GetParam().requests, fileRequests_.size());
     if (*GetParam().problem != '\0') {
@@ -309,7 +244,7 @@ TEST_P(DownloadServerTest, HasItsOutcomeAndALaterDownloadSucceeds) {
         EXPECT_EQ(kVersion, State().info.version);
         EXPECT_EQ(GetParam().leavesPartial ? std::set<std::string>{Partial()} : std::set<std::string>{},
                   Files());
-        script_ = [this](const std::string& head, std::size_t) { return Good(head); };
+        script_ = {Good};
         EXPECT_EQ("", Outcome());
     }
     ExpectReady();
@@ -319,30 +254,11 @@ INSTANTIATE_TEST_SUITE_P(All, DownloadServerTest, testing::ValuesIn(kServerCases
                          [](const auto& c) { return c.param.name; });
 
 TEST_F(DownloadTest, AsksForTheRestOnlyOfTheSameFile) {
-    script_ = [this](const std::string& head, std::size_t number) {
-        return ScriptedServer::Answer{number == 0 ? Half(WholeAnswer(file_)) : GoodAnswer(file_, head), ""};
-    };
+    script_ = {Cut, Good};
     EXPECT_EQ("", Outcome());
     EXPECT_EQ(0U, fileRequests_.at(0).rfind("GET /device%20pack.spk ", 0));
     EXPECT_GT(RangeStart(fileRequests_.at(1)), file_.size() / 3);
     EXPECT_NE(std::string::npos, fileRequests_.at(1).find("\r\nIf-Range: \"1\"\r\n"));
-}
-
-TEST_F(DownloadTest, ThatIsCutAnywhereGoesOnLater) {
-    constexpr std::size_t kPlaces = 10;
-    settings_.pauses.clear();
-    for (std::size_t place = 0; place < kPlaces; ++place) {
-        script_ = [this, place](const std::string& head, std::size_t) {
-            const std::string answer = GoodAnswer(file_, head);
-            return ScriptedServer::Answer{answer.substr(0, answer.size() * place / kPlaces), ""};
-        };
-        EXPECT_EQ(kCut, Outcome());
-        script_ = [this](const std::string& head, std::size_t) { return Good(head); };
-        EXPECT_EQ("", Outcome());
-        EXPECT_EQ(place == 0, RangeStart(fileRequests_.back()) == 0);
-        ExpectReady();
-        camvora::CleanDownload(store_, settings_);
-    }
 }
 
 TEST_F(DownloadTest, OfADamagedPartStartsAnew) {
@@ -400,17 +316,15 @@ TEST_F(DownloadTest, FailsBeforeItFetchesWhatCannotBeTaken) {
 
 TEST_F(DownloadTest, OnAFullDiskLeavesItsSpaceFree) {
     std::filesystem::create_directory(settings_.downloadFolder);
-    script_ = [this](const std::string& head, std::size_t) {
-        return ScriptedServer::Answer{GoodAnswer(file_, head), "", milliseconds(5), 16 << 10};
-    };
-    EXPECT_TRUE(InChild([this] {
+    ServeSlowly(milliseconds(5), 16 << 10);
+    EXPECT_TRUE(WorksInChild(store_, [this] {
         if (!MountSmallDisk(settings_.downloadFolder, 512 << 10)) {
             return true;  // the machine refuses it
         }
         const bool isRefused = Outcome() == "there is not enough space on the disk";
         (void)ResizeSmallDisk(settings_.downloadFolder, 4 << 20);
         std::thread shrinks([this] {
-            while (FileSize(Partial()) == 0) {
+            while (folder_.Read("download/" + Partial()).empty()) {
                 std::this_thread::sleep_for(milliseconds(1));
             }
             (void)ResizeSmallDisk(settings_.downloadFolder, 600 << 10);
@@ -423,24 +337,34 @@ TEST_F(DownloadTest, OnAFullDiskLeavesItsSpaceFree) {
 
 class KilledDownload : public DownloadTest {
 protected:
-    KilledDownload() {
-        settings_.downloadPace = {milliseconds(20000), 1};
-        script_ = [this](const std::string& head, std::size_t) {
-            return ScriptedServer::Answer{GoodAnswer(file_, head), "", milliseconds(1), 16 << 10};
-        };
-    }
+    KilledDownload() { settings_.downloadPace = {milliseconds(20000), 1}; }
 
-    void Stall() {
-        script_ = [this](const std::string&, std::size_t) {
-            ScriptedServer::Answer answer{Half(WholeAnswer(file_)), ""};
-            answer.isHeld = true;
-            return answer;
-        };
+    // One that will not end by itself soon.
+    std::unique_ptr<Background> StartLongDownload() {
+        ServeSlowly(milliseconds(200), 64 << 10);
+        auto process = StartDownload();
+        for (int i = 0; i < 500 && State().bytes == 0; ++i) {
+            std::this_thread::sleep_for(milliseconds(10));
+        }
+        EXPECT_EQ(camvora::kDownloadRuns, State().status);
+        return process;
     }
 };
 
 TEST_F(KilledDownload, IsSeenAsFailedAndResumed) {
+    const auto process = StartLongDownload();
+    process->Kill();
+    EXPECT_EQ(camvora::kDownloadFailed, State().status);
+    EXPECT_EQ("the download was killed", State().problem);
+    script_ = {Good};
+    EXPECT_EQ("", Outcome());
+    EXPECT_LT(0U, RangeStart(fileRequests_.back()));
+    ExpectReady();
+}
+
+TEST_F(KilledDownload, AtAnyMomentCanBeFinished) {
     Offer(kVersion, Content(256 << 10));
+    ServeSlowly(milliseconds(1), 16 << 10);
     for (int trial = 0; trial < 20; ++trial) {
         const auto process = StartDownload();
         std::this_thread::sleep_for(milliseconds(3 * trial));
@@ -450,29 +374,21 @@ TEST_F(KilledDownload, IsSeenAsFailedAndResumed) {
         ExpectReady();
         camvora::CleanDownload(store_, settings_);
     }
-    Stall();
-    const auto process = StartDownload();
-    WaitForBytes(1);
-    process->Kill();
-    EXPECT_EQ(camvora::kDownloadFailed, State().status);
-    EXPECT_EQ("the download was killed", State().problem);
-    script_ = [this](const std::string& head, std::size_t) { return Good(head); };
-    EXPECT_EQ("", Outcome());
-    EXPECT_LT(0U, RangeStart(fileRequests_.back()));
-    ExpectReady();
 }
 
 TEST_F(KilledDownload, ByACancelLeavesNothing) {
     camvora::CancelDownload(store_, settings_);  // none yet
-    Stall();
-    const auto process = StartDownload();
-    WaitForBytes(1);
-    EXPECT_EQ(camvora::kDownloadRuns, State().status);
+    const auto process = StartLongDownload();
     EXPECT_EQ("another process downloads it", Outcome());
     camvora::CleanDownload(store_, settings_);
     EXPECT_EQ(camvora::kDownloadRuns, State().status);
     const auto start = std::chrono::steady_clock::now();
-    camvora::CancelDownload(store_, settings_);
+    EXPECT_TRUE(WorksInChild(store_, [this] {  // several at once
+        return CountSuccesses(5, [this](int) {
+                   camvora::CancelDownload(store_, settings_);
+                   return true;
+               }) == 5;
+    }));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
     EXPECT_FALSE(process->Worked());
     ExpectNothing();
@@ -480,6 +396,7 @@ TEST_F(KilledDownload, ByACancelLeavesNothing) {
 
 TEST_F(KilledDownload, ByACancelAtItsEndIsReadyOrGone) {
     Offer(kVersion, Content(100000));
+    ServeSlowly(milliseconds(1), 16 << 10);
     for (int trial = 0; trial < 20; ++trial) {
         const auto process = StartDownload();
         std::this_thread::sleep_for(milliseconds(2 * trial));
@@ -491,19 +408,6 @@ TEST_F(KilledDownload, ByACancelAtItsEndIsReadyOrGone) {
         process->Kill();
         ExpectNothing();
     }
-}
-
-TEST_F(KilledDownload, BySeveralCancelsAtOnceLeavesNothing) {
-    Stall();
-    const auto process = StartDownload();
-    WaitForBytes(1);
-    EXPECT_TRUE(InChild([this] {
-        return CountSuccesses(5, [this](int) {
-                   camvora::CancelDownload(store_, settings_);
-                   return true;
-               }) == 5;
-    }));
-    ExpectNothing();
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -30,39 +31,26 @@ std::optional<std::string> VersionIn(const std::string& path, int bufferSize = 2
     return result == -1 ? kMissing : std::optional(value);
 }
 
-struct LineCase {
-    const char* name;
-    std::string content;
-    std::optional<std::string> value;
-};
-
-const LineCase kLineCases[] = {
-    {"quoted", "version=\"1.2\"\n", "1.2"},
-    {"blanks_around_both", " \tversion\t =  1.2 \t\n", "1.2"},
-    {"blanks_inside_quotes_stay", "version=\" 1.2 \"\n", " 1.2 "},
-    {"behind_the_quotes_is_dropped", "version=\"1.2\" # new\n", "1.2"},
-    {"one_quote_is_part_of_the_value", "version=\"1.2\n", "\"1.2"},
-    {"equals_sign_in_value", "version=a=b\n", "a=b"},
-    {"carriage_return_line_ends", "package=x\r\nversion=1.2\r\n", "1.2"},
-    {"empty_value", "version=\n", ""},
-    {"first_of_two_holds", "version=1\nversion=2\n", "1"},
-    {"comment_line", "#version=1\nversion=2\n", "2"},
-    {"longer_key_is_another", "version_min=1\nmin_version=2\n", kMissing},
-    {"neither_equals_sign_nor_line_end", "version", kMissing},
-    {"value_ends_at_nul", std::string("version=1\0002\n", 12), "1"},
-    {"longer_value_is_cut", "version=" + std::string(256, 'v'), std::string(255, 'v')},
-};
-
-class KeyValueLine : public testing::TestWithParam<LineCase> {};
-
-TEST_P(KeyValueLine, IsRead) {
+TEST(KeyValue, IsReadFromItsLine) {
     const TemporaryFolder folder;
-    folder.Write("conf", GetParam().content);
-    EXPECT_EQ(GetParam().value, VersionIn(folder.PathOf("conf")));
+    const std::vector<std::pair<std::string, std::optional<std::string>>> kContents = {
+        {"version=\"1.2\"\n", "1.2"},
+        {" \tversion\t =  1.2 \t\n", "1.2"},
+        {"version=\" 1.2 \"\n", " 1.2 "},
+        {"version=\"1.2\" # new\n", "1.2"},
+        {"version=\"1.2\n", "\"1.2"},
+        {"package=x\r\nversion=a=b\r\n", "a=b"},
+        {"version=\n", ""},
+        {"version\nversion=1\nversion=2\n", "1"},
+        {"version_min=1\nmin_version=2\n#version=3\n", kMissing},
+        {std::string("version=1\0002\n", 12), "1"},
+        {"version=" + std::string(256, 'v'), std::string(255, 'v')},
+    };
+    for (const auto& [content, value] : kContents) {
+        folder.Write("conf", content);
+        EXPECT_EQ(value, VersionIn(folder.PathOf("conf"))) << content;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, KeyValueLine, testing::ValuesIn(kLineCases),
-                         [](const auto& line) { return std::string(line.param.name); });
 
 TEST(KeyValue, StaysInsideSmallBuffers) {
     const TemporaryFolder folder;

@@ -4,14 +4,32 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
 namespace {
 
-bool IsClosed(int client) {
-    char byte = 0;
-    return recv(client, &byte, 1, MSG_DONTWAIT) == 0;
+constexpr char kHeadEnd[] = "\r\n\r\n";
+
+bool IsWhole(const std::string& request) {
+    const std::size_t head = request.find(kHeadEnd);
+    return head != std::string::npos &&
+           request.size() >= head + sizeof(kHeadEnd) - 1 + NumberBehind("Content-Length: ", request);
+}
+
+// Empty where the client goes away.
+std::string Receive(int client) {
+    std::string request;
+    while (!IsWhole(request)) {
+        char piece[1000];
+        const ssize_t size = recv(client, piece, sizeof(piece), 0);
+        if (size <= 0) {
+            return "";
+        }
+        request.append(piece, static_cast<std::size_t>(size));
+    }
+    return request;
 }
 
 }  // namespace
@@ -38,11 +56,6 @@ ScriptedServer::~ScriptedServer() {
     close(listener_);
 }
 
-std::vector<std::string> ScriptedServer::Requests() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return requests_;
-}
-
 void ScriptedServer::Serve() {
     for (;;) {
         const int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
@@ -56,45 +69,26 @@ void ScriptedServer::Serve() {
 }
 
 void ScriptedServer::ServeOne(int client) {
-    std::string head;
-    while (head.find("\r\n\r\n") == std::string::npos) {
-        char piece[1000];
-        const ssize_t size = recv(client, piece, sizeof(piece), 0);
-        if (size <= 0) {
-            return;
-        }
-        head.append(piece, static_cast<std::size_t>(size));
+    const std::string request = Receive(client);
+    if (request.empty()) {
+        return;
     }
-    const std::size_t number = Requests().size();
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        requests_.push_back(head);
-    }
-    const Answer answer = script_(head, number);
-    bool isHeard = SendInPieces(client, answer);
-    while (isHeard && (answer.isHeld || !answer.trickle.empty())) {
-        isHeard = Send(client, answer.trickle) && !IsClosed(client);
+    requests_.push_back(request);
+    const Answer answer = script_(request, requests_.size() - 1);
+    bool isHeard = Send(client, answer);
+    while (isHeard && !answer.trickle.empty()) {
         std::this_thread::sleep_for(answer.pause);
+        isHeard = Send(client, {answer.trickle});
     }
 }
 
-bool ScriptedServer::SendInPieces(int client, const Answer& answer) const {
-    if (answer.pieceBytes == std::string::npos) {
-        return Send(client, answer.bytes);
-    }
-    for (std::size_t at = 0; at < answer.bytes.size(); at += answer.pieceBytes) {
-        if (!Send(client, answer.bytes.substr(at, answer.pieceBytes))) {
-            return false;
+bool ScriptedServer::Send(int client, const Answer& answer) const {
+    for (std::size_t done = 0; done < answer.bytes.size() && !isEnded_;) {
+        if (done > 0 && answer.pieceBytes != std::string::npos) {
+            std::this_thread::sleep_for(answer.pause);
         }
-        std::this_thread::sleep_for(answer.pause);
-    }
-    return true;
-}
-
-bool ScriptedServer::Send(int client, const std::string& bytes) const {
-    std::size_t done = 0;
-    while (done < bytes.size() && !isEnded_) {
-        const ssize_t size = send(client, bytes.data() + done, bytes.size() - done, MSG_NOSIGNAL);
+        const std::size_t wanted = std::min(answer.pieceBytes, answer.bytes.size() - done);
+        const ssize_t size = send(client, answer.bytes.data() + done, wanted, MSG_NOSIGNAL);
         if (size < 0) {
             return false;
         }
@@ -106,4 +100,9 @@ bool ScriptedServer::Send(int client, const std::string& bytes) const {
 std::string HttpAnswer(const std::string& statusAndHeaders, const std::string& body) {
     return "HTTP/1.1 " + statusAndHeaders + "\r\nContent-Length: " + std::to_string(body.size()) +
            "\r\n\r\n" + body;
+}
+
+std::size_t NumberBehind(const std::string& mark, const std::string& text) {
+    const std::size_t at = text.find(mark);
+    return at == std::string::npos ? 0 : std::stoul(text.substr(at + mark.size()));
 }

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -12,14 +11,13 @@
 class ScriptedServer {
 public:
     struct Answer {
-        std::string bytes;    // the whole answer, with its head
-        std::string trickle;  // is sent again and again afterwards
+        std::string bytes;         // the whole answer, with its head
+        std::string trickle = {};  // is sent again and again afterwards
         std::chrono::milliseconds pause{20};
         std::size_t pieceBytes = std::string::npos;  // of `bytes`, between two pauses
-        bool isHeld = false;                         // the connection stays
     };
-    // Given the head of the request and its number, counted from 0.
-    using Script = std::function<Answer(const std::string& head, std::size_t number)>;
+    // Given the request and its number, counted from 0.
+    using Script = std::function<Answer(const std::string& request, std::size_t number)>;
 
     // Answers requests on a loopback port, one after the other, and closes each connection.
     explicit ScriptedServer(Script script);
@@ -29,19 +27,17 @@ public:
 
     std::string Address() const { return "http://127.0.0.1:" + std::to_string(port_); }
 
-    // The heads of the requests so far.
-    std::vector<std::string> Requests() const;
+    // The requests so far, heads and bodies; to be read while none is under way.
+    const std::vector<std::string>& Requests() const { return requests_; }
 
 private:
     void Serve();
     void ServeOne(int client);
-    bool SendInPieces(int client, const Answer& answer) const;
-    bool Send(int client, const std::string& bytes) const;
+    bool Send(int client, const Answer& answer) const;
 
     int port_ = 0;
     int listener_ = -1;
     const Script script_;
-    mutable std::mutex mutex_;
     std::vector<std::string> requests_;
     std::atomic<bool> isEnded_{false};
     std::thread thread_;
@@ -49,3 +45,6 @@ private:
 
 // The head of an answer, and its body.
 std::string HttpAnswer(const std::string& statusAndHeaders, const std::string& body);
+
+// The number behind `mark`; 0 where it is not in the text.
+std::size_t NumberBehind(const std::string& mark, const std::string& text);

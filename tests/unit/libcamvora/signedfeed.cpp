@@ -43,10 +43,13 @@ Json::Value ReleaseEntry(const std::string& version) {
     return entry;
 }
 
-Json::Value FeedPayload(int serial, const Json::Value& releases) {
+Json::Value FeedPayload(int serial, const std::vector<Json::Value>& releases) {
     Json::Value payload;
     payload["service"] = "device_pack";
     payload["serial"] = serial;
-    payload["releases"] = releases;
+    payload["releases"] = Json::Value(Json::arrayValue);
+    for (const Json::Value& release : releases) {
+        payload["releases"].append(release);
+    }
     return payload;
 }

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 class FeedSigner {
 public:
@@ -24,4 +25,4 @@ private:
 Json::Value ReleaseEntry(const std::string& version);
 
 // The payload with these releases.
-Json::Value FeedPayload(int serial, const Json::Value& releases);
+Json::Value FeedPayload(int serial, const std::vector<Json::Value>& releases);

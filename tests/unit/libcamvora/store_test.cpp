@@ -35,17 +35,6 @@ protected:
         return setting == state->settings.end() ? "default" : setting->second;
     }
 
-    // Runs `work` in a forked process, with the store's part in the fork.
-    bool InChild(Store& store, const std::function<bool()>& work) {
-        store.BeforeFork();
-        const bool success = SucceedsInChild([&] {
-            store.AfterForkInChild();
-            return work();
-        });
-        store.AfterForkInParent();
-        return success;
-    }
-
     // Makes the last write look as if it had been at that time.
     void DateLastWrite(std::time_t time) {
         const timespec times[2] = {{time, 0}, {time, 0}};
@@ -90,7 +79,7 @@ TEST_F(StoreTest, WritesAllOrNothing) {
 TEST_F(StoreTest, CarriesNoConnectionAcrossAFork) {
     ASSERT_TRUE(Set(store_, "one"));
     ASSERT_GT(OpenFilesOfDatabase(), 0);
-    EXPECT_TRUE(InChild(
+    EXPECT_TRUE(WorksInChild(
         store_, [this] { return OpenFilesOfDatabase() == 0 && Get(store_) == "one" && Set(store_, "two"); }));
     EXPECT_EQ("two", Get(store_));
 }
@@ -131,16 +120,16 @@ protected:
 };
 
 TEST_F(RememberingStore, ReadsWithoutOpeningTheDatabase) {
-    EXPECT_TRUE(InChild(server_, [this] {
+    EXPECT_TRUE(WorksInChild(server_, [this] {
         const int before = OpenFilesOfDatabase();
         return Get(server_) == "one" && OpenFilesOfDatabase() == before;
     }));
 }
 
 TEST_F(RememberingStore, SeesWhatOthersAndItselfWriteAfterTheFork) {
-    EXPECT_TRUE(InChild(server_, [this] { return Set(store_, "two") && Get(server_) == "two"; }));
+    EXPECT_TRUE(WorksInChild(server_, [this] { return Set(store_, "two") && Get(server_) == "two"; }));
     RememberAsOfOld();
-    EXPECT_TRUE(InChild(server_, [this] { return Set(server_, "three") && Get(server_) == "three"; }));
+    EXPECT_TRUE(WorksInChild(server_, [this] { return Set(server_, "three") && Get(server_) == "three"; }));
 }
 
 TEST_F(RememberingStore, SeesAWriteInTheSameInstantAsTheOneBefore) {
@@ -185,7 +174,7 @@ TEST_F(StoreTest, GivesDefaultsAndOneLineWhereTheDatabaseIsDamaged) {
     }
     EXPECT_EQ(1U, TakeLoggedTexts().size());
     EXPECT_TRUE(
-        InChild(store_, [this] { return Get(store_) == "default" && TakeLoggedTexts().size() == 1; }));
+        WorksInChild(store_, [this] { return Get(store_) == "default" && TakeLoggedTexts().size() == 1; }));
     EXPECT_FALSE(Set(store_, "one"));
     EXPECT_EQ(1U, TakeLoggedTexts().size());
     EXPECT_THROW(store_.Query([](SQLite::Database&) {}), std::runtime_error);

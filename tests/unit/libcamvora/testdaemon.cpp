@@ -1,4 +1,4 @@
-// A daemon for the tests: test_daemon FOLDER BEHAVIOUR TYPE.
+// A daemon for the tests, called TYPE STARTER: its name says how it behaves, and its lock lies beside it.
 #include "libcamvora/daemonlock.h"
 #include "libcamvora/daemontable.h"
 
@@ -6,11 +6,13 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 int main(int, char** argv) {
-    const std::string behaviour = argv[2];
-    camvora::DaemonLock lock(camvora::DaemonLockFile(argv[1], std::atoi(argv[3])));
+    const std::filesystem::path self = argv[0];
+    const std::string behaviour = self.filename();
+    camvora::DaemonLock lock(camvora::DaemonLockFile(self.parent_path(), std::atoi(argv[1])));
     if (behaviour == "ends at once" || !lock.Hold()) {
         return EXIT_FAILURE;
     }

@@ -41,8 +41,4 @@ TEST(WebUrl, IsLeftByARedirection) {
     }
 }
 
-TEST(WebUrl, HoldsFileNamesEscaped) {
-    EXPECT_EQ("a-1.2_x~%20%25%3f%23%2f%c3%a4", camvora::PercentEncoded("a-1.2_x~ %?#/\xc3\xa4"));
-}
-
 }  // namespace
