@@ -24,7 +24,7 @@ int InspectMany(int argc, char** argv) {
 
     std::printf("seed %u\n", seed);
     const e2e::Appliance appliance;
-    const e2e::MutantFigures figures = InspectMutants(appliance, e2e::MakeAnyMutant, seed, count);
+    const e2e::MutantFigures figures = InspectMutants(appliance, seed, count);
     for (const std::string& fault : figures.faults) {
         std::printf("%s\n", fault.c_str());
     }

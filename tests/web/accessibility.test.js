@@ -52,18 +52,10 @@ for (const [colorScheme, width, locale] of [
   });
 }
 
-test("text of twice the size fits a telephone's screen, and nothing moves where that is not wanted", async () => {
+test("text of twice the size fits a telephone's screen", async () => {
   const user = await Console.open(its.browser, await its.appliance.link(), { viewport: { width: 360, height: 900 } });
   await user.isLive();
   await user.page.evaluate(() => (document.documentElement.style.fontSize = "200%"));
   await isInOrder(user, "large text");
-  const bar = user.card("Service 4").locator("progress.work");
-  const animations = () => bar.evaluate((element) => {
-    element.hidden = false;
-    return document.getAnimations().length;
-  });
-  assert.equal(await animations(), 0);
-  await user.page.emulateMedia({ reducedMotion: "no-preference" });
-  assert.ok(await animations() > 0);
   await user.close();
 });

@@ -18,8 +18,6 @@ beforeEach(async () => {
   await its.user.isLive();
 });
 
-const refuse = (code) => (route) => route.fulfill({ status: 503, json: { success: false, error: { code } } });
-
 async function isHeldBack() {
   await its.user.sees("Reconnecting");
   await its.user.sees("The appliance does not answer");
@@ -47,26 +45,4 @@ test("so does one that keeps its connections but says nothing for fifteen second
   await isHeldBack().finally(thaw);
   await its.user.button("Try now").click();
   await its.user.isLive();
-});
-
-test("where the appliance says why it does not answer, so does the banner, on an empty page too", async () => {
-  await its.user.page.route("**/appliance", refuse(1015));
-  await its.user.page.reload();
-  await its.user.sees(/The appliance is starting again/);
-  await its.user.page.route("**/events", refuse(1014));
-  await its.user.page.unroute("**/appliance");
-  await its.user.button("Try now").click();
-  await its.user.sees(/Too many consoles are open/);
-  assert.equal(await its.user.page.getByText("Nothing has happened yet").isVisible(), false);
-  await its.user.page.unroute("**/events");
-  await its.user.button("Try now").click();
-  await its.user.isLive();
-});
-
-test("what was done today has its date tomorrow", async () => {
-  await its.appliance.call("Disable", { service: 3 });
-  const when = its.user.page.locator(".happenings time").first();
-  assert.doesNotMatch(await when.textContent(), /\//);
-  await its.user.page.clock.fastForward("24:00:00");
-  await eventually(async () => /\//.test(await when.textContent()), "it has a date");
 });

@@ -84,18 +84,3 @@ test("so are the names of the appliance and of a recorder, in the switch, the ba
   await isOnlyText(`camvoractl --server ${quoted} start service3`, card);
   await page.unrouteAll();
 });
-
-test("so is what the feed says of a release", async () => {
-  const { page } = its.user;
-  const release = { service: 1, version: `9.0.0-${kHostile}`, date: kHostile, size: 1, notes: kHostile };
-  const state = { services: (await its.appliance.call("List")).list.map(({ info }) => info), downloads: [],
-    releases: [release], operations: [], lastOperation: 0 };
-  await page.route("**/events", (route) => route.fulfill({ contentType: "text/event-stream",
-    body: `event: snapshot\ndata: ${JSON.stringify(state)}\n\n` }));
-  await page.reload();
-  const card = its.user.card("Device Pack");
-  await isOnlyText(release.version, card);
-  await isOnlyText(release.date, card);
-  await isOnlyText(kHostile, card.locator(".notes"));
-  await page.unrouteAll();
-});

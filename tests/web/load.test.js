@@ -9,7 +9,7 @@ import { BusyHost } from "./support/busyhost.js";
 
 const kEventsPerS = 10;
 const kMeasuredS = 8;
-const kBurst = 36_000; // of an hour at that pace
+const kBurst = 12_000; // of twenty minutes at that pace
 
 // The keys of a language's texts, each with the values that stand in its sentence.
 async function keysOf(language) {
@@ -38,27 +38,18 @@ async function measure(session) {
   return Object.fromEntries(metrics.map(({ name, value }) => [name, value]));
 }
 
-test("opening the console loads less than 100 KB, and shows something soon", async (t) => {
-  const [host, browser] = await Promise.all([BusyHost.start(), launchBrowser()]);
-  const user = await Console.open(browser, host.url, { locale: "de-DE" });
-  await user.isLive();
-  const { bytes, paint } = await user.page.evaluate(() => ({
-    bytes: performance.getEntries().filter(({ name }) => /:\d+\/(console\/.*)?$/.test(name))
-      .reduce((sum, { decodedBodySize }) => sum + decodedBodySize, 0),
-    paint: performance.getEntriesByName("first-contentful-paint")[0].startTime,
-  }));
-  t.diagnostic(`${bytes} bytes, first paint after ${Math.round(paint)} ms`);
-  await user.close();
-  await browser.close();
-  host.end();
-  assert.ok(bytes > 50_000 && bytes < 100_000, "what is loaded");
-  assert.ok(paint < 1000, "the first paint"); // 300 ms where nothing else runs
-});
+// What opening the console has loaded, and when it first showed something.
+const measureOpening = (user) => user.page.evaluate(() => ({
+  bytes: performance.getEntries().filter(({ name }) => /:\d+\/(console\/.*)?$/.test(name))
+    .reduce((sum, { decodedBodySize }) => sum + decodedBodySize, 0),
+  paintMs: Math.round(performance.getEntriesByName("first-contentful-paint")[0].startTime),
+}));
 
-test("ten events a second take little of the processor, and thousands leave nothing behind", async (t) => {
+test("opening loads little, ten events a second take little, and thousands leave nothing behind", async (t) => {
   const [host, browser] = await Promise.all([BusyHost.start(), launchBrowser()]);
   const user = await Console.open(browser, host.url);
   await user.isLive();
+  const { bytes, paintMs } = await measureOpening(user);
   const session = await user.page.context().newCDPSession(user.page);
   await session.send("Performance.enable", { timeDomain: "threadTicks" });
   for (let i = 0; i < 400; ++i) { // the lists are full then
@@ -83,11 +74,14 @@ test("ten events a second take little of the processor, and thousands leave noth
   await sleep(1000);
   const last = await measure(session);
   const grownKiB = (last.JSHeapUsedSize - after.JSHeapUsedSize) / 1024;
+  t.diagnostic(`${bytes} bytes, first paint after ${paintMs} ms`);
   t.diagnostic(`${kEventsPerS} events/s: ${share.toFixed(1)} % of a core`);
   t.diagnostic(`${kBurst} more events: heap ${Math.round(grownKiB)} KiB, nodes ${last.Nodes - after.Nodes}`);
   await user.close();
   await browser.close();
   host.end();
+  assert.ok(bytes > 50_000 && bytes < 100_000, "what is loaded");
+  assert.ok(paintMs < 1000, "the first paint"); // 300 ms where nothing else runs
   // What else runs on the machine makes this dearer: the bound is above what is aimed at, 5 % of a core.
   assert.ok(share < 15, "the processor");
   assert.ok(grownKiB < 1024, "the heap");

@@ -46,18 +46,6 @@ test("a download shows its progress and can be cancelled, in whatever window", a
   assert.equal(await card.getByText("The download failed").count(), 0);
 });
 
-test("a download that fails is told until that is put away, in this session for good", async () => {
-  const failure = its.user.card("Device Pack").locator(".failure");
-  feed.isBroken = true;
-  await its.user.button("Download: Device Pack").click();
-  await its.user.sees("The download failed", failure);
-  await its.user.button("Put away", failure).click();
-  await its.user.page.reload();
-  await its.user.becomesUsable(its.user.button("Download: Device Pack"));
-  assert.equal(await failure.isVisible(), false);
-  feed.isBroken = false;
-});
-
 test("a download that another one has followed is not installed unseen", async () => {
   feed.isSlow = false;
   await its.user.button("Download: Device Pack").click();

@@ -69,14 +69,6 @@ test("a late answer of a recorder leaves the view of the appliance alone", async
   await page.getByLabel("Shown").selectOption(kRecorder);
 });
 
-test("one that is away is named, and comes back by itself", async () => {
-  await recorder.stop();
-  await its.user.sees(new RegExp(`The recorder .*${kRecorder}.* does not answer`));
-  assert.equal(await its.user.isOff(its.user.button("Start: Service 4")), true);
-  await recorder.launch();
-  await its.user.becomesUsable(its.user.button("Start: Service 4"));
-});
-
 test("one that refuses the host holds back its own view only", async () => {
   await recorder.client("pair", "remove", "host");
   await its.user.sees("The recorder does not admit this appliance");

@@ -1,6 +1,5 @@
 // The services' cards: what is asked for in the console, and what happens elsewhere.
 import assert from "node:assert/strict";
-import { rmSync, writeFileSync } from "node:fs";
 import { beforeEach, test } from "node:test";
 
 import { Console } from "./support/browser.js";
@@ -65,33 +64,6 @@ test("a start that fails is told, with what was logged, until it is put away or 
   await eventually(async () => !(await card.getByText("The start failed").isVisible()), "it is over");
 });
 
-test("an answer that is lost says nothing of the end, and gives way to what was recorded", async () => {
-  const card = its.user.card("Service 4");
-  await its.user.page.route("**/Enable", (route) => route.abort("connectionreset"), { times: 1 });
-  await its.user.button("Start: Service 4").click();
-  await its.user.sees(/Nobody knows yet how this ended: .*Start/, card);
-  await its.user.button("Put away", card).click();
-  await its.user.page.route("**/Enable", async (route) => {
-    await route.fetch();
-    await route.abort("connectionreset");
-  }, { times: 1 });
-  await its.user.button("Start: Service 4").click();
-  await its.user.showsState("Service 4", "Running");
-  await eventually(async () => !(await card.locator(".failure").isVisible()), "the record says that it is done");
-  await its.appliance.call("Disable", { service: 4 });
-});
-
-test("a process that dies is told", async () => {
-  await its.appliance.call("Enable", { service: 6 });
-  await its.user.showsState("Local Display", "Running");
-  await its.appliance.killDaemon(6);
-  await its.user.sees(/its process has ended/, its.user.card("Local Display"));
-  await its.user.showsState("Local Display", "Failed");
-  await its.user.becomesUsable(its.user.button("Start: Local Display"));
-  await its.user.button("Start: Local Display").click();
-  await its.user.showsState("Local Display", "Running");
-});
-
 test("what is done in another window, or by the client, is shown in all", async () => {
   const other = await Console.beside(its.user, its.appliance.url);
   await other.isLive();
@@ -126,42 +98,4 @@ test("an operation of somebody else, seen after a reload too, is in progress unt
   await update;
   await its.user.sees("2.2.2-0142", its.user.card("Device Pack"));
   await its.user.becomesUsable(its.user.button("Install from file …: Device Pack"));
-});
-
-test("a package that is stopped is told, until it is started", async () => {
-  const mark = its.appliance.pathOf("@CVData/run/started");
-  rmSync(mark);
-  await its.appliance.call("Enable", { service: 4 });
-  await its.user.sees("Camvora is stopped");
-  writeFileSync(mark, "");
-  await its.appliance.call("Disable", { service: 4 });
-  await eventually(async () => !(await its.user.page.getByText("Camvora is stopped").isVisible()), "it is started");
-});
-
-test("the automatic update is switched, and every action is there as a line of the client", async () => {
-  const card = its.user.card("Device Pack");
-  const auto = card.getByRole("switch", { name: "Auto-update Device Pack" });
-  await auto.click();
-  await eventually(async () => (await auto.getAttribute("aria-checked")) === "true", "it is on");
-  assert.equal((await its.appliance.info(1)).blAutoUpdate, true);
-  await card.getByText("Commands").click();
-  const lines = await card.locator("code").allTextContents();
-  assert.deepEqual(lines.sort(), ["camvoractl auto-update device_pack off", "camvoractl install FILE.spk",
-    "camvoractl restore device_pack", "camvoractl start device_pack", "camvoractl updates"]);
-  const commands = await its.appliance.client("--help");
-  for (const line of lines) {
-    assert.match(commands, new RegExp(`^ *${line.split(" ")[1]}\\b`, "m"));
-  }
-  await card.getByRole("button", { name: /Copy: .*start device_pack/ }).click();
-  await its.user.sees("Copied", card);
-});
-
-test("German is chosen by the browser, or by hand and for good", async () => {
-  const german = await Console.open(its.browser, await its.appliance.link(), { locale: "de-DE" });
-  await german.sees("Verlauf");
-  await german.page.getByLabel("Sprache").selectOption({ label: "English" });
-  await german.sees("Activity");
-  await german.page.reload();
-  await german.sees("Activity");
-  await german.close();
 });

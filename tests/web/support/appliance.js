@@ -93,15 +93,9 @@ export class Appliance {
     return { mend: () => rmSync(inTheWay, { recursive: true }) };
   }
 
-  // Kills the daemon of the service, as the kernel would that has no memory left.
-  async killDaemon(service) {
-    const { pid } = await this.info(service);
-    this.#kill((status) => new RegExp(`^NSpid:.*\\t${pid}$`, "m").test(status));
-  }
-
   // Ends the script that hangs in the sample package made for that.
   endHangingScript() {
-    this.#kill((status) => /^Name:\tpostinst$/m.test(status));
+    process.kill(this.#processes((status) => /^Name:\tpostinst$/m.test(status))[0], "SIGKILL");
   }
 
   // The host answers nobody, and closes no connection, until what this returns is called.
@@ -109,10 +103,6 @@ export class Appliance {
     const pids = this.#processes((status) => /^Name:\tcamvora-host$/m.test(status));
     pids.forEach((pid) => process.kill(pid, "SIGSTOP"));
     return () => pids.forEach((pid) => process.kill(pid, "SIGCONT"));
-  }
-
-  #kill(isWanted) {
-    process.kill(this.#processes(isWanted)[0], "SIGKILL");
   }
 
   #processes(isWanted) {

@@ -14,7 +14,6 @@ export class Feed {
   #folder = mkdtempSync(path.join(tmpdir(), "camvora-feed-"));
   #server = createServer((request, response) => void this.#answer(request, response));
   isSlow = false;
-  isBroken = false; // its package files are cut off
 
   // Publishes the sample packages for the appliance, and makes it ask here.
   static async start(appliance, samples) {
@@ -41,10 +40,6 @@ export class Feed {
   }
 
   async #answer(request, response) {
-    if (this.isBroken && request.url.endsWith(".spk")) {
-      response.destroy();
-      return;
-    }
     const file = path.join(this.#folder, path.basename(request.url));
     response.setHeader("Content-Length", statSync(file).size);
     if (!this.isSlow || !file.endsWith(".spk")) {
