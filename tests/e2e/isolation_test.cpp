@@ -63,14 +63,6 @@ TEST_F(IsolationTest, RepliesAreSentWhole) {
     EXPECT_EQ(1018, ToAnswer(owner_.Client().Get("/health", {{"Range", "nonsense"}})).Code());
 }
 
-TEST_F(IsolationTest, TheModulesErrorsAreAnswersLikeOthers) {
-    const Answer failure = owner_.Test("Fail", Param("code", 400));
-    EXPECT_EQ(200, failure.status);
-    EXPECT_EQ(400, failure.Code());
-    EXPECT_TRUE(failure.body["error"].isMember("data"));
-    EXPECT_EQ("second", owner_.Test("AnswerTwice").Data().asString());
-}
-
 TEST_F(IsolationTest, LargeBodiesAndRepliesArriveWhole) {
     const std::string text(1'500'000, 'y');
     const Answer echo = owner_.Test("Echo", Param("value", text));

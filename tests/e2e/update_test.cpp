@@ -15,30 +15,20 @@ using namespace std::chrono_literals;
 
 constexpr int kFailed = 400;
 
-struct Trees {
-    explicit Trees(const AddOn& whose) : addOn(whose), old(whose, "1.0.0-0001"), fresh(whose, "2.0.0-0002") {}
-
-    void ArrangeIn(const Appliance& appliance) const { Arrange(appliance, addOn, old, fresh); }
-
-    const AddOn addOn;
-    AddOnTree old;
-    AddOnTree fresh;
-};
-
 class UpdateTest : public ApplianceTest {
 protected:
     static void SetUpTestSuite() { Start(); }
 
     static Listing Installed(const AddOn& addOn) { return ListingOf(PlaceOf(*appliance_, addOn)); }
-
-    Trees devicePack_{kDevicePack};
-    Trees localDisplay_{kLocalDisplay};
 };
 
 TEST_F(UpdateTest, KeepsASecondOneOfTheAddOnOutAndNoOther) {
-    devicePack_.old.SetScript("preinst", "until [ -e /tmp/go_on ]; do sleep 0.1; done");
-    devicePack_.ArrangeIn(*appliance_);
-    localDisplay_.ArrangeIn(*appliance_);
+    AddOnTree old(kDevicePack, "1.0.0-0001");
+    old.SetScript("preinst", "until [ -e /tmp/go_on ]; do sleep 0.1; done");
+    const AddOnTree fresh(kDevicePack, "2.0.0-0002");
+    Arrange(*appliance_, kDevicePack, old, fresh);
+    const AddOnTree display(kLocalDisplay, "2.0.0-0002");
+    Arrange(*appliance_, kLocalDisplay, AddOnTree(kLocalDisplay, "1.0.0-0001"), display);
     auto first = std::async(std::launch::async, [] {
         return Update(*appliance_, kDevicePack, FilePath(kDevicePack)).Succeeded();
     });
@@ -51,28 +41,28 @@ TEST_F(UpdateTest, KeepsASecondOneOfTheAddOnOutAndNoOther) {
     auto begin = Clock::now();
     EXPECT_TRUE(Update(*appliance_, kLocalDisplay, FilePath(kLocalDisplay)).Succeeded());
     EXPECT_LT(Clock::now() - begin, 2500ms);
-    EXPECT_EQ(localDisplay_.fresh.Content(), Installed(kLocalDisplay));
+    EXPECT_EQ(display.Content(), Installed(kLocalDisplay));
 
     begin = Clock::now();
     EXPECT_EQ(kFailed, Update(*appliance_, kDevicePack, FilePath(kDevicePack)).Code());
     EXPECT_GE(Clock::now() - begin, 3000ms);
     EXPECT_LT(Clock::now() - begin, 4500ms);
-    EXPECT_EQ(devicePack_.old.Content(), Installed(kDevicePack));
+    EXPECT_EQ(old.Content(), Installed(kDevicePack));
 
     const std::ofstream goOn(appliance_->TemporaryPath() / "go_on");
     EXPECT_TRUE(first.get());
-    EXPECT_EQ(devicePack_.fresh.Content(), Installed(kDevicePack));
+    EXPECT_EQ(fresh.Content(), Installed(kDevicePack));
 }
 
 // A power cut may have thinned it.
 TEST_F(UpdateTest, TakesNothingThatWasUnpackedBeforeTheLastStart) {
-    devicePack_.ArrangeIn(*appliance_);
-    localDisplay_.ArrangeIn(*appliance_);
-    appliance_->Stop();
-    appliance_->Launch();
-    for (const Trees* trees : {&devicePack_, &localDisplay_}) {
-        EXPECT_EQ(kFailed, Update(*appliance_, trees->addOn, FilePath(trees->addOn)).Code());
-        EXPECT_EQ(trees->old.Content(), Installed(trees->addOn));
+    for (const AddOn& addOn : {kDevicePack, kLocalDisplay}) {
+        const AddOnTree old(addOn, "1.0.0-0001");
+        Arrange(*appliance_, addOn, old, AddOnTree(addOn, "2.0.0-0002"));
+        appliance_->Stop();
+        appliance_->Launch();
+        EXPECT_EQ(kFailed, Update(*appliance_, addOn, FilePath(addOn)).Code());
+        EXPECT_EQ(old.Content(), Installed(addOn));
     }
 }
 

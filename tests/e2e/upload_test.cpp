@@ -24,13 +24,11 @@ namespace fs = std::filesystem;
 
 constexpr char kPath[] = "/api/TEST.Module/v1/Upload";
 
-class UploadTest : public testing::Test {
+class UploadTest : public ApplianceTest {
 protected:
     static void SetUpTestSuite() {
-        appliance_ = std::make_unique<Appliance>(
-            Appliance::WithTestModule({"--request-time", "1", "--upload-limit", "1000000000000000"}));
+        Start(Appliance::WithTestModule({"--request-time", "1", "--upload-limit", "1000000000000000"}));
     }
-    static void TearDownTestSuite() { appliance_.reset(); }
 
     void SetUp() override {
         for (const fs::path& file : Files()) {
@@ -60,8 +58,6 @@ protected:
                "\r\nContent-Type: multipart/form-data; boundary=b\r\n" + framing +
                "--b\r\nContent-Disposition: form-data; name=\"f\"; filename=\"x\"\r\n\r\n";
     }
-
-    inline static std::unique_ptr<Appliance> appliance_;
 };
 
 TEST_F(UploadTest, AHandlerSeesTextsAndStoredFiles) {
