@@ -1,6 +1,6 @@
 // "Update" on a real appliance: what runs at the same time, and what a start finds.
 #include "e2e/processes.h"
-#include "e2e/updates.h"
+#include "e2e/restores.h"
 
 #include <chrono>
 #include <fstream>
@@ -22,8 +22,9 @@ protected:
     static Listing Installed(const AddOn& addOn) { return ListingOf(PlaceOf(*appliance_, addOn)); }
 };
 
-TEST_F(UpdateTest, KeepsASecondOneOfTheAddOnOutAndNoOther) {
+TEST_F(UpdateTest, KeepsASecondOneAndARestoreOutAndNoOtherAddOn) {
     AddOnTree old(kDevicePack, "1.0.0-0001");
+    AddRestoreScript(kDevicePack, old);
     old.SetScript("preinst", "until [ -e /tmp/go_on ]; do sleep 0.1; done");
     const AddOnTree fresh(kDevicePack, "2.0.0-0002");
     Arrange(*appliance_, kDevicePack, old, fresh);
@@ -47,6 +48,7 @@ TEST_F(UpdateTest, KeepsASecondOneOfTheAddOnOutAndNoOther) {
     EXPECT_EQ(kFailed, Update(*appliance_, kDevicePack, FilePath(kDevicePack)).Code());
     EXPECT_GE(Clock::now() - begin, 3000ms);
     EXPECT_LT(Clock::now() - begin, 4500ms);
+    EXPECT_TRUE(Restore(*appliance_, kDevicePack).Succeeded());
     EXPECT_EQ(old.Content(), Installed(kDevicePack));
 
     const std::ofstream goOn(appliance_->TemporaryPath() / "go_on");
