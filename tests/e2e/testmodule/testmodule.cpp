@@ -141,10 +141,9 @@ void Upload(APIRequest* request, APIResponse* response) {
     upload.GetUploadParam(form);
     upload.GetUploadFile(form);
     SleepMs(form.isMember("ms") ? std::stoi(form["ms"].asString()) : 0);
+    response->SetSuccess(form);
     if (form.isMember("fail")) {
-        response->SetError(400, form);
-    } else {
-        response->SetSuccess(form);
+        response->SetError(400, form);  // of several answers the last one holds
     }
 }
 
