@@ -8,7 +8,6 @@
 
 #include <fstream>
 #include <string>
-#include <vector>
 
 namespace e2e {
 namespace {

@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <future>
-#include <memory>
 #include <string>
 #include <vector>
 

@@ -13,7 +13,6 @@
 #include <filesystem>
 #include <future>
 #include <iterator>
-#include <memory>
 #include <string>
 #include <vector>
 
