@@ -149,4 +149,15 @@ pid_t Appliance::HttpProcess() const {
         Descendants(Supervisor(), [](pid_t pid) { return IsOfHost(pid) && ThreadCount(pid) > 1; }));
 }
 
+std::vector<pid_t> Appliance::Workers() const {
+    return Descendants(Supervisor(), [this](pid_t pid) {
+        return IsOfHost(pid) && pid != RequestServer() && pid != HttpProcess() && IsAlive(pid);
+    });
+}
+
+std::vector<pid_t> Appliance::Daemons() const {
+    return Descendants(Supervisor(),
+                       [](pid_t pid) { return NameOf(pid) == "camvora-daemon" && IsAlive(pid); });
+}
+
 }  // namespace e2e

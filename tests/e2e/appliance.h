@@ -70,6 +70,12 @@ public:
     pid_t RequestServer() const;
     pid_t HttpProcess() const;
 
+    // The host's processes that work on a request, or on what it has ordered.
+    std::vector<pid_t> Workers() const;
+
+    // The package's daemons that run.
+    std::vector<pid_t> Daemons() const;
+
 private:
     void LayOut() const;
     void WaitUntilServing();

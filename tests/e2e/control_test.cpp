@@ -242,41 +242,8 @@ TEST_F(ControlTest, ADaemonHasNothingButItsLock) {
     EXPECT_NE("", ReadFile(appliance_->PackagePath("target/@CVData/run/service3d.status")));
 }
 
-struct KillCase {
-    const char* name;
-    bool child;
-    bool action;
-};
-
-const KillCase kKillCases[] = {
-    {"action_process", false, true}, {"detached_child", true, false}, {"both", true, true}};
-
-class KillTest : public ControlTest {
-protected:
-    void BeginSlowActionAndKill(const KillCase& c) {
-        const Pids workers = BeginSlowAction();
-        ASSERT_EQ(2U, workers.size());
-        if (c.child) {
-            kill(workers[0], SIGKILL);
-        }
-        if (c.action) {
-            kill(workers[1], SIGKILL);
-        }
-    }
-};
-
-TEST_F(KillTest, TheNextEnableWorks) {
-    for (const KillCase& c : kKillCases) {
-        SCOPED_TRACE(c.name);
-        BeginSlowActionAndKill(c);
-        ActAndWait("Enable", 3);
-        EXPECT_EQ(kRuns, State(3));
-        EXPECT_TRUE(IsAlive(Daemon(1)));
-    }
-}
-
 // Wherever an action was: before its lock, in it, or past it.
-TEST_F(KillTest, TheNextEnableWorksAtWhateverStepTheLastWasKilled) {
+TEST_F(ControlTest, TheNextEnableWorksAtWhateverStepTheLastWasKilled) {
     for (const int delayMs : {0, 1, 2, 4, 6, 8, 12, 16, 24, 32}) {
         SCOPED_TRACE(delayMs);
         for (const char* method : {"Enable", "Restart"}) {
@@ -297,16 +264,20 @@ TEST_F(KillTest, TheNextEnableWorksAtWhateverStepTheLastWasKilled) {
 }
 
 // Nobody else comes: what the dead have left must not stand for an action under way.
-TEST_F(KillTest, NothingSeemsUnderWayAfterwards) {
-    for (const KillCase& c : kKillCases) {
-        SCOPED_TRACE(c.name);
-        BeginSlowActionAndKill(c);
+TEST_F(ControlTest, NothingSeemsUnderWayAfterwards) {
+    using Killed = std::vector<std::size_t>;  // the detached child, the action process or both
+    for (const Killed& killed : {Killed{0}, Killed{1}, Killed{0, 1}}) {
+        const Pids workers = BeginSlowAction();
+        for (const std::size_t which : killed) {
+            EXPECT_EQ(0, kill(workers.at(which), SIGKILL)) << which;
+        }
         EXPECT_TRUE(IsQuiet());
         const auto begin = Clock::now();
         EXPECT_TRUE(IsDone(3));
         EXPECT_LT(Clock::now() - begin, kAtOnce);
-        ActAndWait("Disable", 3);
-        EXPECT_TRUE(Daemons(1).empty());
+        ActAndWait("Enable", 3);
+        EXPECT_EQ(kRuns, State(3));
+        EXPECT_TRUE(IsAlive(Daemon(1)));
     }
 }
 
@@ -330,15 +301,6 @@ TEST_F(ControlTest, NumbersThatAreNoServiceDoNothingAndAreTold) {
         ActAndWait("Enable", number);
         Act("Restart", number);
     }
-}
-
-TEST_F(ControlTest, AServiceThatIsNoNumberChangesNothing) {
-    const std::size_t before = Notifications().size();
-    for (const char* method : {"Enable", "Disable", "Restart", "CheckEnableDone"}) {
-        EXPECT_EQ(1011, owner_.AddOns(method, Param("service", "3")).Code()) << method;
-    }
-    EXPECT_TRUE(IsQuiet());
-    EXPECT_EQ(before, Notifications().size());
 }
 
 // Else an action that was killed would bring a daemon up after a stop that could not see it.

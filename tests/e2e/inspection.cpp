@@ -1,5 +1,6 @@
 #include "e2e/inspection.h"
 
+#include "e2e/packages.h"
 #include "support/unpacked.h"
 
 #include <algorithm>
@@ -15,7 +16,6 @@ namespace fs = std::filesystem;
 
 constexpr int kFailed = 400;
 constexpr char kPackageFolder[] = "var/packages/Camvora/";
-constexpr char kUploads[] = "target/@CVData/upload/";
 constexpr char kWorkDirectory[] = "target/cv_addOns_";
 
 bool IsErrorInfo(const Json::Value& info) {
@@ -33,7 +33,7 @@ std::string FaultOfTree(const Listing& meant, const Listing& tree) {
 }  // namespace
 
 Answer Inspect(const Appliance& appliance, HttpCalls& calls, const AddOn& addOn, const std::string& package) {
-    const std::string file = std::string(kUploads) + addOn.name;
+    const std::string file = std::string(kUploads) + "/" + addOn.name;
     std::ofstream(appliance.PackagePath(file), std::ios::binary) << package;
     Json::Value params = Param("service", addOn.service);
     params["pkgInfo"]["fileName"] = "x.spk";

@@ -8,7 +8,6 @@
 
 #include <fstream>
 #include <string>
-#include <vector>
 
 namespace e2e {
 namespace {
@@ -21,8 +20,7 @@ protected:
     }
 
     static Outcome Install(const std::string& sample, const char* option = "--yes") {
-        const std::string file = CAMVORA_BUILD_FOLDER "/packages/" + sample + ".spk";
-        return StartCtl(*appliance_, {"install", file, option}).Wait();
+        return StartCtl(*appliance_, {"install", SamplePath(sample), option}).Wait();
     }
 
     Json::Value Info(int service) { return owner_.AddOns("GetInfo", Param("service", service)).Data(); }
@@ -64,6 +62,8 @@ TEST_F(InstallTest, SaysWhatTheScriptsDid) {
         EXPECT_TRUE(Says(outcome.out, row.out)) << outcome.out;
         EXPECT_TRUE(Says(outcome.err, row.err)) << outcome.err;
     }
+    const std::string trace = ReadFile(appliance_->PackagePath("target/@CVData/log/device_pack_scripts.log"));
+    EXPECT_TRUE(Says(trace, " preinst 2.1.0-0130\n")) << trace;
 }
 
 }  // namespace

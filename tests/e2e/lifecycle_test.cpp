@@ -115,10 +115,8 @@ TEST(HostEndTest, WhatAKilledApplianceLeftIsGoneAtTheNextStart) {
     Appliance appliance;
     ASSERT_TRUE(appliance.Owner().AddOns("Enable", Param("service", 3)).Succeeded());
     ASSERT_TRUE(hasStatus(appliance, 1));
-    for (const pid_t pid : Descendants(appliance.Supervisor())) {
-        if (NameOf(pid) == "camvora-daemon") {
-            kill(pid, SIGSTOP);
-        }
+    for (const pid_t pid : appliance.Daemons()) {
+        kill(pid, SIGSTOP);
     }
     ASSERT_TRUE(appliance.Owner().AddOns("Enable", Param("service", 3)).Succeeded());
     ASSERT_TRUE(hasStatus(appliance, 4));

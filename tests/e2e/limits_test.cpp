@@ -22,7 +22,7 @@ protected:
     static void SetUpTestSuite() {
         Start(Appliance::WithTestModule({"--request-limit", std::to_string(kRequestLimit), "--body-limit",
                                          "1000000", "--upload-limit", "1000000", "--read-time", "1",
-                                         "--idle-time", "5"}));
+                                         "--idle-time", "2"}));
     }
 
     // Sends up to 1 GiB after `head`, and returns what is answered.

@@ -1,11 +1,11 @@
 // What requests do, from begin to end, as others see it.
 #include "e2e/appliance.h"
-#include "e2e/downloads.h"
 #include "e2e/feed.h"
 #include "e2e/online.h"
 #include "e2e/packages.h"
 #include "e2e/processes.h"
 #include "e2e/rawconnection.h"
+#include "e2e/restores.h"
 
 #include <csignal>
 #include <string>
@@ -38,47 +38,27 @@ protected:
         EXPECT_TRUE(came) << Newest();
         return came;
     }
-    pid_t Daemon() { return owner_.AddOns("GetInfo", Param("service", 3)).Data()["pid"].asInt(); }
 
     // Makes the next start of service 3 take two seconds: its daemon does not end.
     void HoldDaemon() {
         ASSERT_TRUE(owner_.AddOns("Enable", Param("service", 3)).Succeeded());
         ASSERT_TRUE(WaitForNewest("client Enable 3:  >  done 0"));
-        for (const pid_t pid :
-             Descendants(appliance_->Supervisor(), [](pid_t p) { return NameOf(p) == "camvora-daemon"; })) {
+        for (const pid_t pid : appliance_->Daemons()) {
             kill(pid, SIGSTOP);
         }
         ASSERT_TRUE(owner_.AddOns("Enable", Param("service", 3)).Succeeded());
         ASSERT_TRUE(WaitForNewest("client Enable 3:  >  running 0"));
     }
-
-    void KillWorkers() {
-        for (const pid_t pid : Descendants(appliance_->Supervisor())) {
-            if (NameOf(pid) == "camvora-host" && pid != appliance_->RequestServer() &&
-                pid != appliance_->HttpProcess()) {
-                kill(pid, SIGKILL);
-            }
-        }
-    }
 };
 
-std::string Sample(const std::string& name) {
-    return ReadFile(CAMVORA_BUILD_FOLDER "/packages/" + name + ".spk");
-}
-
 TEST_F(OperationsTest, TellWhatBecameOfDownloads) {
-    FeedFolder folder(*appliance_);
-    FaultyFeed feed(folder);
-    folder.Subscribe(*appliance_, feed.Url());
-    folder.Publish("newer.spk", Sample("device_pack-2.2.0-0140"));
+    Feed feed(*appliance_);
+    feed.Publish("device_pack-2.2.0-0140");
     Download(*appliance_, kDevicePackService);
     WaitForNewest("client DownloadStart 1: 2.1.0-0130 > 2.2.0-0140 done 0");
 
-    folder.Publish("newest.spk", Sample("device_pack-2.3.0-0152"));
-    FeedFault slow;
-    slow.chunkBytes = 1;
-    slow.pause = std::chrono::milliseconds(100);
-    feed.SetFault(slow);
+    feed.Publish("device_pack-2.3.0-0152");
+    feed.Send(Sending::kByteByByte);
     const Json::Value service = Param("service", kDevicePackService);
     ASSERT_TRUE(owner_.AddOns("DownloadStart", service).Succeeded());
     ASSERT_TRUE(WaitUntil([] { return DownloadStateOf(*appliance_, kDevicePackService) == 1; }));
@@ -88,9 +68,7 @@ TEST_F(OperationsTest, TellWhatBecameOfDownloads) {
         return BeforeNewest() == "client DownloadStart 1: 2.1.0-0130 >  cancelled 0";
     })) << BeforeNewest();
 
-    FeedFault missing;
-    missing.status = 404;
-    feed.SetFault(missing);
+    feed.Send(Sending::kNotAtAll);
     Download(*appliance_, kDevicePackService);
     WaitForNewest("client DownloadStart 1: 2.1.0-0130 > 2.3.0-0152 failed 0");
     const Json::Value operations = owner_.Get("/operations").Data()["operations"];
@@ -98,10 +76,14 @@ TEST_F(OperationsTest, TellWhatBecameOfDownloads) {
 }
 
 TEST_F(OperationsTest, EndAsTheirAnswersSay) {
-    PutDownload(*appliance_, kDevicePackService, CAMVORA_BUILD_FOLDER "/packages/device_pack-2.3.0-0152.spk");
-    const Answer update = owner_.AddOns("Update", Param("service", kDevicePackService));
+    AddOnTree old(kDevicePack, "1.0.0-0001");
+    AddRestoreScript(kDevicePack, old);
+    Arrange(*appliance_, kDevicePack, old, AddOnTree(kDevicePack, "2.0.0-0002"));
+    EXPECT_TRUE(Restore(*appliance_, kDevicePack).Succeeded());
+    EXPECT_EQ("client Restore 1: 1.0.0-0001 > 2.0.3-0112 done 0", Newest());
+    const Answer update = Update(*appliance_, kDevicePack, FilePath(kDevicePack));
     EXPECT_TRUE(update.Succeeded());
-    EXPECT_EQ("client Update 1: 2.1.0-0130 > 2.3.0-0152 done 0", Newest());
+    EXPECT_EQ("client Update 1: 2.0.3-0112 > 2.0.0-0002 done 0", Newest());
     const Json::Value all = owner_.Get("/operations").Data()["operations"];
     const Json::Value& newest = all[all.size() - 1];
     EXPECT_EQ(update.requestId, newest["request"].asString());
@@ -109,11 +91,8 @@ TEST_F(OperationsTest, EndAsTheirAnswersSay) {
     const Json::Value one = owner_.Get("/operations?id=" + newest["id"].asString()).Data()["operations"];
     ASSERT_EQ(1U, one.size());
     EXPECT_EQ(newest, one[0]);
-
-    EXPECT_TRUE(owner_.AddOns("Restore", Param("service", kDevicePackService)).Succeeded());
-    EXPECT_EQ("client Restore 1: 2.3.0-0152 > 2.0.3-0112 done 0", Newest());
-    EXPECT_EQ(400, owner_.AddOns("DownloadStart", Param("service", kDevicePackService)).Code());
-    EXPECT_EQ("client DownloadStart 1: 2.0.3-0112 >  failed 400", Newest());
+    EXPECT_EQ(400, Update(*appliance_, kDevicePack, FilePath(kDevicePack)).Code());
+    EXPECT_EQ("client Update 1: 2.0.0-0002 >  failed 400", Newest());
 }
 
 TEST_F(OperationsTest, AreThoseOfCallersWhoAreAdmitted) {
@@ -133,7 +112,9 @@ TEST_F(OperationsTest, AreSeenToTheEndOfTheirDetachedWork) {
     EXPECT_NE(std::string::npos, stream.ReceiveUntil(R"("operations":[],)").find("event: state"));
 
     HoldDaemon();
-    KillWorkers();
+    for (const pid_t worker : appliance_->Workers()) {
+        kill(worker, SIGKILL);
+    }
     EXPECT_TRUE(WaitForNewest("client Enable 3:  >  failed 0"));
 }
 

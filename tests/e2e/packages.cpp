@@ -38,6 +38,10 @@ std::string MakePackage(int service, const std::string& blob) {
     return folder.Read("x.spk");
 }
 
+std::string SamplePath(const std::string& name) {
+    return CAMVORA_BUILD_FOLDER "/packages/" + name + ".spk";
+}
+
 Json::Value Upload(const Appliance& appliance, const std::string& package, int service) {
     const httplib::MultipartFormDataItems form = {{"addonsSpkFile", package, "x.spk", ""}};
     Json::Value params =

@@ -23,6 +23,9 @@ std::string Content(std::size_t sizeBytes, unsigned seed);
 // A package of the service, not compressed, whose tree holds `blob`. It is taken by every appliance.
 std::string MakePackage(int service, const std::string& blob);
 
+// The file of a sample package that the build has made.
+std::string SamplePath(const std::string& name);
+
 // Uploads the package to the appliance. Returns the parameters of "GetPkgInfo" for it.
 Json::Value Upload(const Appliance& appliance, const std::string& package,
                    int service = kLocalDisplayService);

@@ -2,15 +2,13 @@
 #include "e2e/appliance.h"
 #include "e2e/feed.h"
 #include "e2e/processes.h"
-#include "e2e/updates.h"
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
-#include <json/writer.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 namespace e2e {
 namespace {
@@ -32,10 +30,6 @@ protected:
 
     void WriteRule(const std::string& line) const {
         std::ofstream(appliance_.PackagePath("target/etc/cron.d/test")) << line << '\n';
-    }
-
-    std::string Rule(const std::string& service) const {
-        return ReadFile(appliance_.PackagePath("target/etc/cron.d/auto-update-" + service));
     }
 
     // As if the line had been followed two days ago.
@@ -70,62 +64,27 @@ TEST_F(ScheduleTest, IsMadeUpForOnceAndEndsWithTheAppliance) {
     EXPECT_EQ("one two\n", Runs());
 }
 
-// Its token is good for the methods of the module, and tells it from clients.
-TEST_F(ScheduleTest, IsNamedInTheOperationLog) {
+// Its token is good for the methods of the module, until the appliance ends.
+TEST_F(ScheduleTest, HasATokenOfItsOwn) {
     const fs::path file = appliance_.PackagePath("target/@CVData/run/schedule-token");
     EXPECT_EQ(fs::perms::owner_read | fs::perms::owner_write, fs::status(file).permissions());
     const std::string line = ReadFile(file);
     const std::string token = line.substr(0, line.find('\n'));
-    EXPECT_EQ(64U, token.size());
     HttpCalls schedule(appliance_.Url(), token);
+    EXPECT_TRUE(schedule.AddOns("List").Succeeded());
     EXPECT_EQ(401, schedule.Get("/operationlog").status);
-    for (const auto& [who, caller] : {std::pair("schedule", &schedule), std::pair("client", &owner_)}) {
-        Arrange(appliance_, kLocalDisplay, AddOnTree(kLocalDisplay, "1.0.0-0001"),
-                AddOnTree(kLocalDisplay, "2.0.0-0002"));
-        Json::Value params = Param("service", kLocalDisplay.service);
-        params["filePath"] = FilePath(kLocalDisplay);
-        const Answer answer = caller->AddOns("Update", params);
-        ASSERT_TRUE(answer.Succeeded()) << answer.body;
-        const Answer log = owner_.Get("/operationlog?request=" + answer.requestId);
-        ASSERT_EQ(1U, log.Data()["entries"].size()) << log.body;
-        const Json::Value& entry = log.Data()["entries"][0];
-        EXPECT_EQ(who, entry["who"].asString());
-        EXPECT_EQ("Local Display", entry["texts"][0].asString());
-        EXPECT_EQ("Updated to 2.0.0-0002", entry["texts"][1].asString());
-    }
     appliance_.Stop();
     EXPECT_FALSE(fs::exists(file));
     appliance_.Launch();
     EXPECT_EQ(105, HttpCalls(appliance_.Url(), token).AddOns("List").Code());
 }
 
-TEST_F(ScheduleTest, HasALineForEachAddOnThatIsUpdatedByItself) {
-    std::string timeOfDay;
-    for (const auto& [service, name] : {std::pair(1, "device_pack"), std::pair(6, "local_display")}) {
-        Json::Value params = Param("service", service);
-        params["blEnable"] = true;
-        EXPECT_TRUE(owner_.AddOns("SetAutoUpdate", params).Succeeded());
-        const std::string command =
-            std::string(" * * * /var/packages/Camvora/target/bin/auto-update ") + name + "\n";
-        const std::size_t begin = Rule(name).find(command);
-        ASSERT_NE(std::string::npos, begin) << Rule(name);
-        timeOfDay = timeOfDay.empty() ? Rule(name).substr(0, begin) : timeOfDay;
-        EXPECT_EQ(timeOfDay + command, Rule(name));
-        params["blEnable"] = false;
-        EXPECT_TRUE(owner_.AddOns("SetAutoUpdate", params).Succeeded());
-        EXPECT_EQ("", Rule(name));
-    }
-}
-
 // What is installed, and who asked for that.
 class AutoUpdateTest : public ScheduleTest {
 protected:
     void SetUp() override {
-        for (const char* sample : {"device_pack-2.3.0-0152", "local_display-1.6.0-0071"}) {
-            folder_.Publish(std::string(sample) + ".spk",
-                            ReadFile(std::string(CAMVORA_BUILD_FOLDER "/packages/") + sample + ".spk"));
-        }
-        folder_.Subscribe(appliance_, feed_.Url());
+        feed_.Publish("device_pack-2.3.0-0152");
+        feed_.Publish("local_display-1.6.0-0071");
     }
 
     static std::string ByHand(const Appliance& appliance, const char* name) {
@@ -148,15 +107,19 @@ protected:
         return entries;
     }
 
-    FeedFolder folder_{appliance_};
-    FaultyFeed feed_{folder_};
+    Feed feed_{appliance_};
 };
 
 TEST_F(AutoUpdateTest, InstallsTheNewestRelease) {
-    Json::Value params = Param("service", 1);
-    params["blEnable"] = true;
-    ASSERT_TRUE(owner_.AddOns("SetAutoUpdate", params).Succeeded());
-    const std::string rule = Rule("device_pack");
+    std::set<std::string> rules;
+    for (const bool isEnabled : {true, false, true}) {
+        Json::Value params = Param("service", 1);
+        params["blEnable"] = isEnabled;
+        ASSERT_TRUE(owner_.AddOns("SetAutoUpdate", params).Succeeded());
+        rules.insert(ReadFile(appliance_.PackagePath("target/etc/cron.d/auto-update-device_pack")));
+    }
+    EXPECT_EQ(2U, rules.size()) << "none, and one at the minute that was drawn once";
+    const std::string rule = *rules.rbegin();
     appliance_.Stop();
     MissTwoDays("auto-update-device_pack: " + rule.substr(0, rule.find('\n')));
     appliance_.Launch();
@@ -174,10 +137,10 @@ TEST_F(AutoUpdateTest, InstallsTheNewestRelease) {
 TEST_F(AutoUpdateTest, SaysWhyNothingIsInstalled) {
     const auto first = [this](const char* name) { return ByHand(appliance_, name).substr(0, 1); };
     EXPECT_EQ("2", first("cms"));
-    feed_.SetFault({404});
+    feed_.Send(Sending::kNotAtAll);
     const std::string failed = "1 auto-update: version 2.3.0-0152 could not be downloaded\n";
     EXPECT_EQ(failed, ByHand(appliance_, "device_pack"));
-    folder_.Subscribe(appliance_, "");
+    fs::remove(appliance_.PackagePath("target/etc/releases.conf"));
     EXPECT_EQ("1 auto-update: the release service could not be asked\n", ByHand(appliance_, "device_pack"));
     EXPECT_EQ("2.1.0-0130", Version(1));
     EXPECT_EQ("", Operations());

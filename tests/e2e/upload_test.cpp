@@ -13,7 +13,6 @@
 #include <filesystem>
 #include <future>
 #include <iterator>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,13 +23,11 @@ namespace fs = std::filesystem;
 
 constexpr char kPath[] = "/api/TEST.Module/v1/Upload";
 
-class UploadTest : public testing::Test {
+class UploadTest : public ApplianceTest {
 protected:
     static void SetUpTestSuite() {
-        appliance_ = std::make_unique<Appliance>(
-            Appliance::WithTestModule({"--request-time", "1", "--upload-limit", "1000000000000000"}));
+        Start(Appliance::WithTestModule({"--request-time", "1", "--upload-limit", "1000000000000000"}));
     }
-    static void TearDownTestSuite() { appliance_.reset(); }
 
     void SetUp() override {
         for (const fs::path& file : Files()) {
@@ -45,7 +42,7 @@ protected:
         }
         return files;
     }
-    static fs::path Area() { return appliance_->PackagePath("target/@CVData/upload"); }
+    static fs::path Area() { return appliance_->PackagePath(kUploads); }
 
     // A path inside the appliance as one outside.
     static fs::path Outside(const Json::Value& path) { return Area() / fs::path(path.asString()).filename(); }
@@ -60,16 +57,13 @@ protected:
                "\r\nContent-Type: multipart/form-data; boundary=b\r\n" + framing +
                "--b\r\nContent-Disposition: form-data; name=\"f\"; filename=\"x\"\r\n\r\n";
     }
-
-    static std::unique_ptr<Appliance> appliance_;
 };
-
-std::unique_ptr<Appliance> UploadTest::appliance_;
 
 TEST_F(UploadTest, AHandlerSeesTextsAndStoredFiles) {
     const std::string one = Content(300'000, 1);
     const std::string two = std::string("\r\n--\0\r\n", 7) + Content(70'000, 2);
     const Json::Value form = Upload({{"text", "12 \xc3\xa4", "", ""},
+                                     {"one", "is followed by another", "first", ""},
                                      {"one", one, "../../Ger\xc3\xa4t.spk", "text/plain"},
                                      {"two", two, "/etc/passwd", ""},
                                      {"empty", "", "none", ""},
@@ -88,13 +82,6 @@ TEST_F(UploadTest, AHandlerSeesTextsAndStoredFiles) {
     EXPECT_EQ(0U, form["one_tmp"].asString().find("/var/packages/Camvora/target/@CVData/upload/"));
     EXPECT_EQ(fs::perms(0600), fs::status(Outside(form["one_tmp"])).permissions());
     EXPECT_EQ(fs::perms(0700), fs::status(Area()).permissions());
-}
-
-TEST_F(UploadTest, OfSeveralFilesOfAFieldTheLastOneStays) {
-    const Json::Value form = Upload({{"f", "first", "a", ""}, {"f", "second", "b", ""}}).Data();
-    EXPECT_EQ("b", form["f"].asString());
-    EXPECT_EQ("second", ReadFile(Outside(form["f_tmp"])));
-    EXPECT_EQ(1U, Files().size());
 }
 
 TEST_F(UploadTest, AnErrorOrAnEndedRequestLeavesNoFile) {
@@ -181,62 +168,17 @@ TEST_F(UploadTest, WhatNobodyTookIsRemovedAfterADay) {
     EXPECT_TRUE(fs::exists(beingWritten));
 }
 
-// The appliance's client, and the module.
-class ClientTest : public ApplianceTest {
-protected:
-    static void SetUpTestSuite() { Start(); }
-
-    Program StartUpload() const {
-        return StartCtl(*appliance_, {"upload", file_.PathOf("x.spk"), "local_display"});
-    }
-
-    const TemporaryFolder file_;
-};
-
-struct ClientCase {
-    const char* name;
-    int service;
-    std::uintmax_t sizeBytes;  // of the file, 0 for that of the package
-    int status;
-    const char* words;
-};
-
-const ClientCase kClientCases[] = {
-    {"good", kLocalDisplayService, 0, 0, "Version         9.0.0-0001\n"},
-    {"refused", kDevicePackService, 0, 4, "does not take x.spk: it is no valid package for this service\n"},
-    // More than can be sent before the host gives the connection up.
-    {"too_large", kLocalDisplayService, 100'000 * kMiB, 4,
-     "Upload failed (error 1006): The request is too large.\n"},
-};
-
-TEST_F(ClientTest, SaysWhatBecomesOfAPackage) {
-    for (const ClientCase& c : kClientCases) {
-        SCOPED_TRACE(c.name);
-        file_.Write("x.spk", MakePackage(c.service, "x"));
-        if (c.sizeBytes != 0) {
-            fs::resize_file(file_.PathOf("x.spk"), c.sizeBytes);
-        }
-        const Outcome outcome = StartUpload().Wait();
-        EXPECT_EQ(c.status, outcome.status);
-        EXPECT_NE(std::string::npos, (outcome.out + outcome.err).find(c.words)) << outcome.err;
-        EXPECT_EQ(0U, UploadCount(*appliance_));
-    }
-}
-
-TEST_F(ClientTest, AnUploadThatEndsEarlyLeavesNoFile) {
-    file_.Write("x.spk", "");
-    fs::resize_file(file_.PathOf("x.spk"), 1000 * kMiB);
-    for (const bool isInterrupted : {true, false}) {
-        SCOPED_TRACE(isInterrupted);
-        const Program upload = StartUpload();
-        EXPECT_TRUE(WaitUntil([] { return UploadCount(*appliance_) == 1; }));
-        kill(isInterrupted ? upload.Pid() : appliance_->HttpProcess(), isInterrupted ? SIGINT : SIGKILL);
-        const Outcome outcome = upload.Wait();
-        EXPECT_EQ(isInterrupted ? 130 : 1, outcome.status);
-        const char* words = isInterrupted ? "camvoractl: Interrupted\n" : "took only a part of what was sent";
-        EXPECT_NE(std::string::npos, outcome.err.find(words)) << outcome.err;
-        EXPECT_TRUE(WaitUntil([] { return UploadCount(*appliance_) == 0; }));
-    }
+// More than can be sent before the host gives the connection up.
+TEST(ClientTest, HearsOfARefusalWhileItSends) {
+    const Appliance appliance;
+    const TemporaryFolder folder;
+    folder.Write("x.spk", "");
+    fs::resize_file(folder.PathOf("x.spk"), 100'000 * kMiB);
+    const Outcome outcome = StartCtl(appliance, {"upload", folder.PathOf("x.spk"), "local_display"}).Wait();
+    EXPECT_EQ(4, outcome.status);
+    EXPECT_NE(std::string::npos, outcome.err.find("Upload failed (error 1006): The request is too large.\n"))
+        << outcome.err;
+    EXPECT_EQ(0U, UploadCount(appliance));
 }
 
 }  // namespace
