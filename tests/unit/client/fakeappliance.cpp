@@ -1,5 +1,6 @@
 #include "fakeappliance.h"
 
+#include <algorithm>
 #include <chrono>
 #include <iterator>
 #include <sstream>
@@ -9,9 +10,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kPause{20};
 const std::string kMethodPath = "POST /api/ORVA.Camvora.AddOns/v1/";
-
-const FakeReply kNoSuchMethod = {
-    404, R"({"success":false,"error":{"code":1003,"data":{"text":"no such method"}}})"};
 
 std::vector<std::string> WordsOf(const std::string& line) {
     std::istringstream stream(line);
@@ -105,14 +103,39 @@ Program FakeAppliance::Start(const std::string& line, int outDescriptor) const {
     return StartClient(line, {"TZ=UTC", "CAMVORA_DIR=" + dir_.Path()}, outDescriptor);
 }
 
+Outcome FakeAppliance::RunAtTerminal(const std::string& line, const std::string& typed,
+                                     const std::vector<std::string>& more) const {
+    std::vector<std::string> environment = {"PATH=/usr/bin:/bin", "CAMVORA_DIR=" + dir_.Path()};
+    environment.insert(environment.end(), more.begin(), more.end());
+    return Program({"/bin/sh", "-c", "printf \"$2\" | script -qec \"stty cols 70; exec $1\" /dev/null", "sh",
+                    CAMVORACTL " " + line, typed},
+                   environment)
+        .Wait();
+}
+
 std::vector<std::string> FakeAppliance::Requests() {
     const std::lock_guard<std::mutex> lock(mutex_);
     return requests_;
 }
 
+bool FakeAppliance::IsAsked(const std::string& beginning) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return HasRequest(beginning);
+}
+
 void FakeAppliance::AwaitRequests(std::size_t count) {
     std::unique_lock<std::mutex> lock(mutex_);
     arrived_.wait(lock, [&] { return requests_.size() >= count; });
+}
+
+void FakeAppliance::AwaitRequest(const std::string& beginning) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    arrived_.wait(lock, [&] { return HasRequest(beginning); });
+}
+
+bool FakeAppliance::HasRequest(const std::string& beginning) const {
+    return std::any_of(requests_.begin(), requests_.end(),
+                       [&beginning](const std::string& request) { return request.rfind(beginning, 0) == 0; });
 }
 
 FakeReply FakeAppliance::TakeReply(const httplib::Request& request) {
@@ -123,7 +146,7 @@ FakeReply FakeAppliance::TakeReply(const httplib::Request& request) {
     arrived_.notify_all();
     const auto found = replies_.find(name);
     if (found == replies_.end()) {
-        return kNoSuchMethod;
+        return Success("null");
     }
     FakeReply reply = found->second;
     if (!reply.next.empty()) {

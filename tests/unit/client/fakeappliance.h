@@ -35,7 +35,7 @@ FakeReply Error(int httpStatus, const std::string& error);
 // These replies one after the other; there is at least one.
 FakeReply InTurn(const std::vector<FakeReply>& replies);
 
-// By the method of the module, or by "METHOD /path?query". Everything else is a 404.
+// By the method of the module, or by "METHOD /path?query". Everything else is done, with nothing to report.
 using FakeReplies = std::map<std::string, FakeReply>;
 
 // Starts camvoractl; `line` is split at blanks.
@@ -70,14 +70,25 @@ public:
     // The same until its end.
     Outcome Run(const std::string& line) const { return Start(line).Wait(); }
 
+    // The same at a terminal of 70 columns, on which that was typed. All that it shows is the standard
+    // output.
+    //   more  of the environment
+    Outcome RunAtTerminal(const std::string& line, const std::string& typed = "",
+                          const std::vector<std::string>& more = {}) const;
+
     // What arrived so far, one text each: the request named as above, "Authorization", and the body, the
     // files of a form as "field=name:content", or the "Last-Event-ID", with blanks between.
     std::vector<std::string> Requests();
 
-    // Returns when so many requests have arrived.
+    // Whether one that begins so is among them.
+    bool IsAsked(const std::string& beginning);
+
+    // These return when so many have arrived, or one that begins so.
     void AwaitRequests(std::size_t count);
+    void AwaitRequest(const std::string& beginning);
 
 private:
+    bool HasRequest(const std::string& beginning) const;
     void Answer(const httplib::Request& request, httplib::Response& response);
     FakeReply TakeReply(const httplib::Request& request);
 

@@ -3,15 +3,10 @@
 
 #include "fakeappliance.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <csignal>
-#include <cstdlib>
 
 namespace {
 
@@ -35,7 +30,6 @@ FakeReply Programs(const std::string& programs) {
 
 const FakeReply kOldThenNew = InTurn({Installed("2.1-9"), Installed("2.2-1")});
 const FakeReply kAllRun = List(true, true);
-const FakeReply kUpdateFailed = Error(200, R"({"code":400,"data":null})");
 
 constexpr char kOldRuns[] =
     R"({"request":"u","path":"/bin/sleep","arguments":[],"durationMs":60000},)"
@@ -63,19 +57,6 @@ const std::string kWarnings =
     "Warning: /d/script/postinst could not be run or did not end by itself\n";
 const std::string kWhy = "The request was r1\nThe appliance logged:\nT  s:9  F  why\n";
 
-// What the terminal shows, up to that text at least. It may come after the program has ended.
-std::string ReadUntil(int terminal, const std::string& text) {
-    constexpr int kLimitMs = 5000;
-    std::string shown;
-    std::array<char, 4096> piece;
-    pollfd ready{terminal, POLLIN, 0};
-    while (shown.find(text) == std::string::npos && poll(&ready, 1, kLimitMs) > 0) {
-        const ssize_t size = read(terminal, piece.data(), piece.size());
-        shown.append(piece.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-    }
-    return shown;
-}
-
 class InstallTest : public testing::Test {
 protected:
     InstallTest() { dir_.Write("x.spk", MakeDevicePack()); }
@@ -86,17 +67,10 @@ protected:
             {"GetInfo", kOldThenNew},
             {"Upload", Success(R"({"pkgInfo":{}})")},
             {"GetPkgInfo", Success(R"({"version":"2.2-1","maintainer":"Me","filePath":"/w/"})")},
-            {"Update", Success("null")},
             {"GET /programs", Programs(kOldRuns)},
             {"GET /programs?request=r1", Programs(kRuns)},
             {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
         };
-    }
-
-    static bool IsAsked(FakeAppliance& appliance, const std::string& method) {
-        const std::vector<std::string> requests = appliance.Requests();
-        return std::any_of(requests.begin(), requests.end(),
-                           [&](const std::string& request) { return request.rfind(method, 0) == 0; });
     }
 
     std::string Line(const std::string& options) const { return "install " + file_ + " " + options; }
@@ -116,21 +90,7 @@ TEST_F(InstallTest, SendsShowsThePlanInstallsAndLooks) {
         "The device_pack 2.2-1 is installed, in place of 2.1-9\n"
         "Running as before: The device_pack, The local_display\n",
         outcome.out);
-    EXPECT_TRUE(IsAsked(appliance, R"(Update Bearer secret {"filePath":"/w/","service":1})"));
-}
-
-TEST_F(InstallTest, IsJsonForPrograms) {
-    FakeReplies replies = Replies();
-    replies["List"] = List(false, false);
-    replies["GET /programs"] = Error(500, "null");
-    const FakeAppliance appliance(replies);
-    const Outcome outcome = appliance.Run(Line("--yes --json"));
-    EXPECT_EQ("", outcome.err);
-    EXPECT_EQ(0U, outcome.out.find(R"({"change":"update","failedPrograms":[{"arguments":["-f","\u001b"],)"));
-    EXPECT_NE(std::string::npos,
-              outcome.out.find(R"("installedVersion":"2.1-9","maintainer":"Me","request":"r1","service":1,)"
-                               R"("stopping":[],"stopsAll":true,"takesMs":null,"version":"2.2-1"})"))
-        << outcome.out;
+    EXPECT_TRUE(appliance.IsAsked(R"(Update Bearer secret {"filePath":"/w/","service":1})"));
 }
 
 struct DryCase {
@@ -142,13 +102,9 @@ struct DryCase {
 };
 
 const DryCase kDryCases[] = {
-    {"update", "2.1-9", "\nTo install       2.2-1 (newer)\n"},
     {"downgrade", "2.10-1", "\nTo install       2.2-1 (older: a downgrade)\n"},
     {"the_same", "2.2-1", "\nTo install       2.2-1 (the same version again)\n"},
     {"first", "", "\nInstalled        -\nTo install       2.2-1 (nothing is installed now)\n"},
-    {"stops_what_does_not_run", "1", "\nStops meanwhile  all of Camvora; no service runs now\n",
-     kDevicePackInfo, List(false, false)},
-    {"stops_only_the_display", "1", "\nStops meanwhile  The local_display\n", kLocalDisplayInfo},
     {"stops_nothing", "1", "\nStops meanwhile  nothing\n", kLocalDisplayInfo, List(true, false)},
 };
 
@@ -164,7 +120,7 @@ TEST_P(InstallDryTest, ShowsThePlanAndSendsNothing) {
     const Outcome outcome = appliance.Run(Line("-n"));
     EXPECT_EQ(0, outcome.status) << outcome.err;
     EXPECT_NE(std::string::npos, outcome.out.find(GetParam().words)) << outcome.out;
-    EXPECT_FALSE(IsAsked(appliance, "Upload"));
+    EXPECT_FALSE(appliance.IsAsked("Upload"));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, InstallDryTest, testing::ValuesIn(kDryCases),
@@ -183,7 +139,7 @@ const FailedCase kFailedCases[] = {
      "The appliance does not take x.spk: device_pack/\nerrinfo.sec  device_pack\n" + kWhy},
     {"nowhere_unpacked", "GetPkgInfo", Success(R"({"version":"2.2-1","filePath":""})"), 1,
      kSent + "camvoractl: GetPkgInfo failed: the answer names no unpacked package\n"},
-    {"update_failed", "Update", kUpdateFailed, 1,
+    {"update_failed", "Update", Error(200, R"({"code":400,"data":null})"), 1,
      kInstalls + kWarnings + "Installed now: 2.2-1\n" +
          "camvoractl: Update failed (error 400): the appliance could not do it\n" + kWhy},
     {"another_version_is_there", "GetInfo", Installed("2.1-9"), 9,
@@ -215,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(All, InstallFailedTest, testing::ValuesIn(kFailedCases)
 TEST_F(InstallTest, AsksNothingOfTheApplianceInVain) {
     FakeAppliance appliance(Replies());
     EXPECT_EQ(2, appliance.Run(Line("")).status) << "there is nobody to ask";
-    dir_.Write("x.spk", MakeDevicePack({{"device_pack/a", "/etc", 'l'}}));
+    dir_.Write("x.spk", MakeDevicePack({{"device_pack/a", "", '2', "/etc"}}));
     EXPECT_EQ(4, appliance.Run(Line("--yes")).status);
     EXPECT_EQ(0U, appliance.Requests().size());
 }
@@ -223,21 +179,10 @@ TEST_F(InstallTest, AsksNothingOfTheApplianceInVain) {
 TEST_F(InstallTest, AsksAtATerminal) {
     for (const bool isAgreed : {true, false}) {
         FakeAppliance appliance(Replies());
-        const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-        ASSERT_EQ(0, grantpt(terminal) + unlockpt(terminal));
-        const std::string name = ptsname(terminal);
-        const int answer = open(name.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        ASSERT_EQ(2, write(terminal, isAgreed ? "y\n" : "\n\n", 2));
-        const Outcome outcome =
-            Program({"/bin/sh", "-c", "exec " CAMVORACTL " install " + file_ + " <" + name + " 2>" + name},
-                    {"CAMVORA_DIR=" + appliance.Dir()})
-                .Wait();
+        const Outcome outcome = appliance.RunAtTerminal(Line(""), isAgreed ? "y\n" : "\n\n");
         EXPECT_EQ(isAgreed ? 0 : 1, outcome.status);
-        EXPECT_EQ(isAgreed, IsAsked(appliance, "Update"));
-        const std::string question = "Install it? [y/N] ";
-        EXPECT_NE(std::string::npos, ReadUntil(terminal, question).find(question));
-        close(answer);
-        close(terminal);
+        EXPECT_EQ(isAgreed, appliance.IsAsked("Update"));
+        EXPECT_NE(std::string::npos, outcome.out.find("Install it? [y/N] ")) << outcome.out;
     }
 }
 
@@ -246,9 +191,7 @@ TEST_F(InstallTest, SaysThatTheApplianceGoesOnWhenItIsInterrupted) {
     replies["Update"] = {200, " ", "", true};
     FakeAppliance appliance(replies);
     const Program run = appliance.Start(Line("--yes"));
-    while (!IsAsked(appliance, "Update")) {
-        usleep(10'000);
-    }
+    appliance.AwaitRequest("Update");
     kill(run.Pid(), SIGINT);
     const Outcome outcome = run.Wait();
     EXPECT_EQ(130, outcome.status);

@@ -44,16 +44,9 @@ FakeReplies RepliesForAll() {
         {"List", Success(R"({"list":[{"service":1,"info":)" + kDescription + "}]}")},
         {"GetInfo", Success(kDescription)},
         {"GetAppsStatus", Success(R"({"appsStatus":{"a":{"title":"A","path":"a","blEnabled":true}}})")},
-        {"Enable", Success("null")},
-        {"Disable", Success("null")},
-        {"Restart", Success("null")},
-        {"Update", Success("null")},
-        {"Restore", Success("null")},
-        {"SetAutoUpdate", Success("null")},
         {"CheckEnableDone", Success(R"({"blDone":true})")},
         {"CheckUpdateInfo", Success(R"({"status":3})")},
         {"DownloadProgress", Success(R"({"version":"device_pack 2.2-1","percent":100,"status":2})")},
-        {"DownloadCancel", Success("null")},
         {"Upload", Success(R"({"pkgInfo":{}})")},
         {"GetPkgInfo", Success(R"({"version":"2.2-1","maintainer":"Me","filePath":"/w/","errinfo":null})")},
         {"GET /api",
@@ -72,11 +65,8 @@ FakeReplies RepliesForAll() {
         {"GET /events", InTurn({{200, kEventStream, "", false, "text/event-stream"},
                                 {200, ": here\n\n", "", true, "text/event-stream"}})},
         {"GET /pairs", Success(R"({"pairs":[{"name":"r","role":"server","address":"http://r:1"}]})")},
-        {"POST /pairs", Success("null")},
-        {"DELETE /pairs?name=r", Success("null")},
         {"POST /pairing/codes", Success(R"({"code":"A-B","validS":600})")},
         {"POST /pairing", Success(R"({"name":"r","secretIn":"a","secretOut":"b"})")},
-        {"POST /pairing/confirmation", Success("null")},
         {"POST /session/codes", Success(R"({"code":"A-B","validS":600})")},
     };
 }
@@ -131,6 +121,8 @@ const JsonCase kJsonCases[] = {
     {"man", "man"},
     {"error", "status none"},
     {"error", "list --timeout 0"},
+    {"error", "check @/source/tree/a"},
+    {"error", "call Restart", {{"Restart", Error(200, R"({"code":400,"data":{"errinfo":{"key":"a"}}})")}}},
 };
 
 std::string Replaced(std::string line, char sign, const std::string& text) {

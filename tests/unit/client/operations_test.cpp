@@ -19,11 +19,9 @@ FakeReply OperationList(const std::string& operations) {
 FakeReplies RepliesWith(const FakeReply& one) {
     return {
         {"List", Success(R"({"list":[{"service":1,"info":{"shortName":"device_pack"}}]})")},
-        {"GET /operations", OperationList(OperationThat("failed", "no \\u001b"))},
         {"GET /operations?id=12", one},
         {"GET /operations?id=13", OperationList("")},
         {"GET /operations?request=336f563be6a9a2bd", OperationList(OperationThat("failed", "no \\u001b"))},
-        {"GET /operations?request=0123456789012345", OperationList("")},
         {"GET /log?request=336f563be6a9a2bd",
          Success(
              R"({"lines":[{"time":"2026-03-01T12:03:09.000Z","source":"a","line":1,"function":"F","text":"t"}]})")},
@@ -49,10 +47,6 @@ const std::string kRequestLog =
     "The request was 336f563be6a9a2bd\nThe appliance logged:\n2026-03-01T12:03:09.000Z  a:1  F  t\n";
 
 const OperationCase kOperationCases[] = {
-    {"all", "operations", OperationList(""), 0,
-     "ID  Begin           By      What                Outcome          Version         Duration\n"
-     "12  03-01 12:03:07  client  Update device_pack  failed: no \\x1B  2.1-9 -> 2.2-1  1 min 15 s\n",
-     ""},
     {"one", "operations 12", OperationList(OperationThat("done")), 0,
      "Operation  12\n"
      "Request    336f563be6a9a2bd\n"
@@ -72,10 +66,6 @@ const OperationCase kOperationCases[] = {
      ""},
     {"unknown_number", "operations 13", OperationList(""), 3, "",
      "camvoractl: There is no operation 13, or it is too old. \"camvoractl operations\" shows the newest\n"},
-    {"unknown_request", "wait 0123456789012345", OperationList(""), 3, "",
-     "camvoractl: There is no operation 0123456789012345, or it is too old. \"camvoractl operations\" shows "
-     "the "
-     "newest\n"},
     {"wait", "wait 12",
      InTurn({OperationList(OperationThat("running")), OperationList(OperationThat("done"))}), 0,
      "Update device_pack is done, after 1 min 15 s\n", kWaitsForEnd},

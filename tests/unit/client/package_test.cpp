@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <map>
 
 namespace {
 
@@ -116,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(All, PkgRefusalTest, testing::ValuesIn(kRefusalCases),
 
 TEST(CheckTest, ShowsEveryRuleAndEscapesNames) {
     const TemporaryFolder dir;
-    dir.Write("x.spk", MakeDevicePack({{"device_pack/a\x1b[2J", "/etc", 'l'}}));
+    dir.Write("x.spk", MakeDevicePack({{"device_pack/a\x1b[2J", "", '2', "/etc"}}));
     const Outcome outcome = StartClient("check " + dir.PathOf("x.spk")).Wait();
     EXPECT_EQ(4, outcome.status);
     EXPECT_EQ("camvoractl: " + dir.PathOf("x.spk") + " does not keep the rules: links and special files\n",
@@ -127,54 +128,27 @@ TEST(CheckTest, ShowsEveryRuleAndEscapesNames) {
     }
 }
 
-TEST(CheckTest, IsJsonForPrograms) {
-    const TemporaryFolder dir;
-    dir.Write("x.spk", MakeDevicePack());
-    dir.Write("x", "");
-    const std::string held = R"({"kept":true,"rule":"archive","seen":"whole",)";
-    EXPECT_NE(std::string::npos, StartClient("check --json " + dir.PathOf("x.spk")).Wait().out.find(held));
-    const Outcome refused = StartClient("check --json " + dir.PathOf("x")).Wait();
-    EXPECT_EQ(4, refused.status);
-    EXPECT_EQ(0U,
-              refused.out.find(R"({"error":{"code":0,"data":{"rules":[{"kept":false,"rule":"extension")"));
-    EXPECT_EQ(refused.out.size(), refused.out.find('\n') + 1) << "one document";
-}
-
-struct FileCase {
-    const char* file;
-    int status;
-    const char* words;
-};
-
 TEST(CheckTest, NeedsAPlainFile) {
     const TemporaryFolder dir;
-    mkfifo(dir.PathOf("pipe").c_str(), 0600);
-    for (const FileCase& row : {FileCase{"none", 3, "No such file or directory"},
-                                {"pipe", 1, "it is no plain file"},
-                                {"", 1, "it is no plain file"}}) {
-        const Outcome outcome = StartClient("check " + dir.PathOf(row.file)).Wait();
-        EXPECT_EQ(row.status, outcome.status);
-        EXPECT_EQ("camvoractl: Cannot read " + dir.PathOf(row.file) + ": " + row.words + "\n", outcome.err);
-    }
+    const std::string pipe = dir.PathOf("pipe");
+    mkfifo(pipe.c_str(), 0600);
+    EXPECT_EQ("camvoractl: Cannot read " + pipe + ": it is no plain file\n",
+              StartClient("check " + pipe).Wait().err);
 }
 
-struct SampleCase {
-    const char* name;
-    const char* brokenRule;  // the only one, on the appliance as it leaves the factory
-};
-
+// The rule that each breaks, on the appliance as it leaves the factory.
 TEST(SamplesTest, AreTakenOrRefusedAsTheirNamesSay) {
-    for (const SampleCase& row : {SampleCase{"2.0.4-0118", ""},
-                                  {"2.2.0-0140", ""},
-                                  {"2.2.1-0141-failing", ""},
-                                  {"2.2.2-0142-hanging", ""},
-                                  {"2.3.0-0152", ""},
-                                  {"too-old", "version of the add-on"},
-                                  {"other-platform", "platform"},
-                                  {"needs-newer-camvora", "version of Camvora"}}) {
-        const std::string path = std::string(SAMPLES "/device_pack-") + row.name + ".spk";
+    const std::map<std::string, std::string> samples = {{"2.0.4-0118", ""},
+                                                        {"2.2.0-0140", ""},
+                                                        {"2.2.1-0141-failing", ""},
+                                                        {"2.2.2-0142-hanging", ""},
+                                                        {"2.3.0-0152", ""},
+                                                        {"too-old", "version of the add-on"},
+                                                        {"other-platform", "platform"},
+                                                        {"needs-newer-camvora", "version of Camvora"}};
+    for (const auto& [name, rule] : samples) {
+        const std::string path = SAMPLES "/device_pack-" + name + ".spk";
         const Outcome outcome = StartClient("check --dir " FACTORY " " + path).Wait();
-        const std::string rule = row.brokenRule;
         EXPECT_EQ(rule.empty() ? "" : "camvoractl: " + path + " does not keep the rules: " + rule + "\n",
                   outcome.err);
     }

@@ -5,9 +5,7 @@
 #include "fakeappliance.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -31,9 +29,8 @@ FakeReply Downloads(int status, const std::string& problem = "") {
                    std::to_string(status) + R"(,"problem":")" + problem + "\"}]}");
 }
 
-FakeReply Info(const std::string& version, bool isAutoUpdate = false) {
-    return Success(R"({"version":")" + version + R"(","blFactoryCopy":true,"blAutoUpdate":)" +
-                   (isAutoUpdate ? "true}" : "false}"));
+FakeReply Info(const std::string& version) {
+    return Success(R"({"version":")" + version + R"(","blFactoryCopy":true,"blAutoUpdate":false})");
 }
 
 // Where a newer release of the Device Pack can be downloaded.
@@ -45,13 +42,8 @@ FakeReplies Replies() {
         {"CheckUpdateInfo", State(2)},
         {"GET /releases", Success("{\"releases\":[" + kRelease + "]}")},
         {"GET /downloads", Success(R"({"downloads":[]})")},
-        {"DownloadStart", Success("null")},
         {"DownloadProgress", InTurn({Progress(1), Progress(2)})},
-        {"DownloadCancel", Success("null")},
         {"GetInfo", InTurn({Info("2.1-9"), Info("2.2-1")})},
-        {"Update", Success("null")},
-        {"Restore", Success("null")},
-        {"SetAutoUpdate", Success("null")},
         {"GET /programs", Success(R"({"programs":[]})")},
         {"GET /programs?request=r1",
          Success(R"({"programs":[{"path":"/s/restore","arguments":[],"exitStatus":3}]})")},
@@ -59,11 +51,22 @@ FakeReplies Replies() {
     };
 }
 
-bool IsAsked(FakeAppliance& appliance, const std::string& beginning) {
-    const std::vector<std::string> requests = appliance.Requests();
-    return std::any_of(requests.begin(), requests.end(),
-                       [&](const std::string& request) { return request.rfind(beginning, 0) == 0; });
+FakeReplies With(int state) {
+    return {{"CheckUpdateInfo", State(state)}};
 }
+
+FakeReplies With(const FakeReply& progress, const FakeReply& downloads = Success(R"({"downloads":[]})")) {
+    return {{"DownloadProgress", progress}, {"GET /downloads", downloads}};
+}
+
+const FakeReplies kAsAbove;
+const FakeReplies kUpToDate = With(1);
+const FakeReplies kIsDownloaded = {{"CheckUpdateInfo", State(3)}, {"DownloadProgress", Progress(2)}};
+const FakeReplies kIsUpdating = With(6);
+const FakeReplies kCheckFailed = With(7);
+const FakeReplies kFailedBefore = {{"CheckUpdateInfo", State(5)},
+                                   {"GET /downloads", Downloads(4, "no space")},
+                                   {"DownloadProgress", InTurn({Progress(4), Progress(1), Progress(2)})}};
 
 struct UpdateCase {
     const char* name;
@@ -75,141 +78,51 @@ struct UpdateCase {
     std::string notAsked = {};  // likewise
 };
 
-const FakeReplies kFailedBefore = {{"CheckUpdateInfo", State(5)},
-                                   {"GET /downloads", Downloads(4, "no space")}};
-
 const UpdateCase kUpdateCases[] = {
-    {"updates",
-     "updates",
-     {},
-     0,
-     "Add-on  Installed  Newer  Date        Size     State              Automatic update  Notes\n"
-     "DP      2.1-9      2.2-1  2026-11-25  3.0 MiB  can be downloaded  on                Better\n"},
-    {"updates_for_programs",
-     "updates --json",
-     {},
-     0,
-     R"({"updates":[{"blAutoUpdate":true,"download":null,"installedVersion":"2.1-9","release":{"date":)"},
     {"updates_failed_download", "updates", kFailedBefore, 0, "download failed: no space"},
-    {"updates_there", "updates --exit-code", {{"CheckUpdateInfo", State(3)}}, 10, "is downloaded"},
-    {"updates_none", "updates --exit-code", {{"CheckUpdateInfo", State(1)}}, 0, "up to date"},
-    {"updates_under_way", "updates --exit-code", {{"CheckUpdateInfo", State(6)}}, 0, "is under way"},
-    {"updates_not_known", "updates --exit-code", {{"CheckUpdateInfo", State(7)}}, 1, "the check failed"},
+    {"updates_there", "updates --exit-code", kIsDownloaded, 10, "is downloaded"},
+    {"updates_none", "updates --exit-code", kUpToDate, 0, "up to date"},
+    {"updates_under_way", "updates --exit-code", kIsUpdating, 0, "is under way"},
+    {"updates_not_known", "updates --exit-code", kCheckFailed, 1, "the check failed"},
 
-    {"download",
-     "download device_pack",
-     {},
-     0,
-     "DP 2.2-1 is downloaded\n",
+    {"download", "download device_pack", kAsAbove, 0, "DP 2.2-1 is downloaded\n",
      R"(DownloadStart Bearer secret {"service":1})"},
-    {"download_joins",
-     "download 1",
-     {{"CheckUpdateInfo", State(4)}},
-     0,
-     "is downloaded",
-     "",
-     "DownloadStart"},
-    {"download_is_there",
-     "download 1 --json",
-     {{"CheckUpdateInfo", State(3)}, {"DownloadProgress", Progress(2)}},
-     0,
-     R"({"service":1,"status":3,"version":"2.2-1"})",
-     "",
-     "DownloadStart"},
-    {"download_nothing_newer",
-     "download 1",
-     {{"CheckUpdateInfo", State(1)}},
-     0,
-     "no newer release of DP",
-     "",
-     "DownloadStart"},
-    {"download_during_update", "download 1", {{"CheckUpdateInfo", State(6)}}, 5, "an update is under way"},
-    {"download_unknown", "download 1", {{"CheckUpdateInfo", State(7)}}, 1, "the check failed"},
-    {"download_fails",
-     "download 1",
-     {{"DownloadProgress", Progress(4)}, {"GET /downloads", Downloads(4, "wrong \x1B hash")}},
-     1,
+    {"download_joins", "download 1", With(4), 0, "is downloaded", "", "DownloadStart"},
+    {"download_is_there", "download 1", kIsDownloaded, 0, "is downloaded", "", "DownloadStart"},
+    {"download_nothing_newer", "download 1", kUpToDate, 0, "no newer release of DP", "", "DownloadStart"},
+    {"download_during_update", "download 1", kIsUpdating, 5, "an update is under way"},
+    {"download_unknown", "download 1", kCheckFailed, 1, "the check failed"},
+    {"download_fails", "download 1", With(Progress(4), Downloads(4, "wrong \x1B hash")), 1,
      "The download of DP failed: wrong \\x1B hash\nThe request was r1\n"},
-    {"download_after_a_failure",
-     "download 1",
-     {{"CheckUpdateInfo", State(5)},
-      {"GET /downloads", Downloads(4, "no space")},
-      {"DownloadProgress", InTurn({Progress(4), Progress(1), Progress(2)})}},
-     0,
-     "DP 2.2-1 is downloaded\n",
-     "DownloadStart"},
-    {"download_ended_by_others",
-     "download 1",
-     {{"DownloadProgress", Progress(4)}},
-     1,
-     "was cancelled, or never began"},
-    {"download_too_slow",
-     "download 1 --timeout 1",
-     {{"DownloadProgress", Progress(1)}},
-     8,
+    {"download_after_a_failure", "download 1", kFailedBefore, 0, "DP 2.2-1 is downloaded\n", "DownloadStart"},
+    {"download_ended_by_others", "download 1", With(Progress(4)), 1, "was cancelled, or never began"},
+    {"download_too_slow", "download 1 --timeout 1", With(Progress(1)), 8,
      "the appliance goes on downloading"},
-    {"cancel", "cancel 1", {}, 0, "No download of DP is under way now\n", "DownloadCancel"},
-    {"cancel_too_late", "cancel 1", {{"GET /downloads", Downloads(2)}}, 0, "2.2-1 was downloaded before"},
+    {"cancel", "cancel 1", kAsAbove, 0, "No download of DP is under way now\n", "DownloadCancel"},
+    {"cancel_too_late", "cancel 1", With(Progress(2), Downloads(2)), 0, "2.2-1 was downloaded before"},
 
-    {"update",
-     "update 1 --yes",
-     {},
-     0,
+    {"update", "update 1 --yes", kAsAbove, 0,
      "DP 2.2-1 is installed, in place of 2.1-9\nRunning as before: DP\n",
      R"(Update Bearer secret {"service":1})"},
-    {"update_plan",
-     "update 1 --dry-run",
-     {},
-     0,
-     "Add-on           DP\nInstalled        2.1-9\nTo install       2.2-1 (newer)\n"
-     "Stops meanwhile  all of Camvora; running now: DP\nReleased         2026-11-25\nNotes            "
-     "Better\n"},
-    {"update_dry", "update 1 -n --json", {}, 0, R"("version":"2.2-1")", "", "DownloadStart"},
-    {"update_nobody_to_ask", "update 1", {}, 2, "There is nobody to ask", "", "CheckUpdateInfo"},
-    {"update_nothing_newer",
-     "update 1 --yes",
-     {{"CheckUpdateInfo", State(1)}},
-     0,
-     "no newer release",
-     "",
-     "Update"},
-    {"update_of_another_release",
-     "update 1 --yes",
-     {{"DownloadProgress", Progress(2, "2.3-1")}},
-     9,
-     "DP 2.2-1 was to be downloaded, but 2.3-1 was; nothing was installed",
-     "",
-     "Update"},
+    {"update_dry", "update 1 -n", kAsAbove, 0, "To install       2.2-1 (newer)\n", "", "DownloadStart"},
+    {"update_nobody_to_ask", "update 1", kAsAbove, 2, "There is nobody to ask", "", "CheckUpdateInfo"},
+    {"update_nothing_newer", "update 1 --yes", kUpToDate, 0, "no newer release", "", "Update"},
+    {"update_of_another_release", "update 1 --yes", With(Progress(2, "2.3-1")), 9,
+     "DP 2.2-1 was to be downloaded, but 2.3-1 was; nothing was installed", "", "Update"},
 
-    {"auto_update",
-     "auto-update 1 on",
-     {{"GetInfo", Info("1", true)}},
-     0,
-     "Automatic update of DP is on\n",
+    {"auto_update_has_no_effect", "auto-update 1 on", kAsAbove, 9, "is off",
      R"(SetAutoUpdate Bearer secret {"blEnable":true,"service":1})"},
-    {"auto_update_has_no_effect", "auto-update 1 on", {{"GetInfo", Info("1", false)}}, 9, "is off"},
-    {"auto_update_wrong_word", "auto-update 1 yes", {}, 2, "neither \"on\" nor \"off\"", "", "SetAutoUpdate"},
+    {"auto_update_wrong_word", "auto-update 1 yes", kAsAbove, 2, "neither \"on\" nor \"off\"", "",
+     "SetAutoUpdate"},
 
-    {"restore",
-     "restore 1 --yes",
-     {{"GetInfo", InTurn({Info("2.2-1"), Info("2.2-1"), Info("2.1-0")})}},
-     0,
-     "DP 2.1-0 is installed, in place of 2.2-1\n",
+    {"restore_tells_of_failed_scripts", "restore 1 --yes", kAsAbove, 0,
+     "Warning: /s/restore ended with exit status 3",
      R"(Restore Bearer secret {"description":"restored by camvoractl","service":1,"serviceName":"DP"})"},
-    {"restore_tells_of_failed_scripts",
-     "restore 1 --yes",
-     {},
-     0,
-     "Warning: /s/restore ended with exit status 3"},
-    {"restore_dry", "restore 1 -n", {}, 0, "Factory copy     its version is not known here\n", "", "Restore"},
-    {"restore_nobody_to_ask", "restore 1", {}, 2, "There is nobody to ask", "", "List"},
-    {"restore_without_copy",
-     "restore 1 --yes",
-     {{"GetInfo", Success("{}")}},
-     3,
-     "DP has no factory copy",
-     "",
+    {"restore_dry", "restore 1 -n", kAsAbove, 0, "Factory copy     its version is not known here\n", "",
      "Restore"},
+    {"restore_nobody_to_ask", "restore 1", kAsAbove, 2, "There is nobody to ask", "", "List"},
+    {"restore_without_copy", "restore 1 --yes", FakeReplies{{"GetInfo", Success("{}")}}, 3,
+     "DP has no factory copy", "", "Restore"},
 };
 
 class UpdateTest : public testing::TestWithParam<UpdateCase> {};
@@ -224,8 +137,8 @@ TEST_P(UpdateTest, DoesAndSays) {
     EXPECT_EQ(GetParam().status, outcome.status);
     EXPECT_NE(std::string::npos, (outcome.err + outcome.out).find(GetParam().shown))
         << outcome.err << outcome.out;
-    EXPECT_TRUE(GetParam().asked.empty() || IsAsked(appliance, GetParam().asked));
-    EXPECT_FALSE(!GetParam().notAsked.empty() && IsAsked(appliance, GetParam().notAsked));
+    EXPECT_TRUE(GetParam().asked.empty() || appliance.IsAsked(GetParam().asked));
+    EXPECT_FALSE(!GetParam().notAsked.empty() && appliance.IsAsked(GetParam().notAsked));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, UpdateTest, testing::ValuesIn(kUpdateCases),
@@ -248,13 +161,9 @@ TEST(DownloadTest, IsCancelledByAnInterruptAndLeftByASecondOne) {
         replies["DownloadCancel"] = isAnswered ? Success("null") : FakeReply{200, " ", "", true};
         FakeAppliance appliance(replies);
         const Program run = appliance.Start("download 1");
-        while (!IsAsked(appliance, "DownloadProgress")) {
-            usleep(10'000);
-        }
+        appliance.AwaitRequest("DownloadProgress");
         kill(run.Pid(), SIGINT);
-        while (!IsAsked(appliance, "DownloadCancel")) {
-            usleep(10'000);
-        }
+        appliance.AwaitRequest("DownloadCancel");
         if (!isAnswered) {
             kill(run.Pid(), SIGINT);
         }
