@@ -1,7 +1,5 @@
 // Starting and stopping: what is asked, how long is waited, and what is made of what was seen.
-#include "fakeappliance.h"
-
-#include <gtest/gtest.h>
+#include "commandcase.h"
 
 namespace {
 
@@ -39,16 +37,7 @@ FakeReplies Replies(const FakeReply& info, const FakeReply& checkDone, const Fak
     };
 }
 
-struct ControlCase {
-    const char* name;
-    const char* line;
-    FakeReplies replies;
-    int status;
-    std::string out;
-    std::string err;
-};
-
-const ControlCase kControlCases[] = {
+const CommandCase kControlCases[] = {
     {"start", "start display", Replies(InTurn({kStopped, kInProgress, kWithProcess}), kDone, kSuccess), 0,
      "Display is running since 12:03:07, pid 812\n", kAsked + kWaiting + kSecondLook},
     {"start_of_one_that_runs_already_and_is_replaced", "enable 6",
@@ -74,17 +63,6 @@ const ControlCase kControlCases[] = {
             kSecondLook)},
 };
 
-class ControlTest : public testing::TestWithParam<ControlCase> {};
-
-TEST_P(ControlTest, SaysWhatWasSeen) {
-    const FakeAppliance appliance(GetParam().replies);
-    const Outcome outcome = appliance.Run(GetParam().line);
-    EXPECT_EQ(GetParam().status, outcome.status);
-    EXPECT_EQ(GetParam().out, outcome.out);
-    EXPECT_EQ(GetParam().err, outcome.err);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ControlTest, testing::ValuesIn(kControlCases),
-                         [](const auto& c) { return std::string(c.param.name); });
+INSTANTIATE_TEST_SUITE_P(Control, CommandTest, testing::ValuesIn(kControlCases), NameOf);
 
 }  // namespace

@@ -45,20 +45,18 @@ const FailureCase kFailureCases[] = {
      R"({"success":false,"error":{"code":1001,"data":{"text":5}}})", "X failed (error 1001): 5"},
 };
 
-class EnvelopeFailureTest : public testing::TestWithParam<FailureCase> {};
-
-TEST_P(EnvelopeFailureTest, SaysWhatFailed) {
-    try {
-        DataOf({GetParam().httpStatus, GetParam().body, ""}, "X");
-        FAIL() << "was taken for a success";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(GetParam().status, failure.status);
-        EXPECT_STREQ(GetParam().text, failure.what());
+TEST(EnvelopeFailureTest, SaysWhatFailed) {
+    for (const FailureCase& row : kFailureCases) {
+        SCOPED_TRACE(row.name);
+        try {
+            DataOf({row.httpStatus, row.body, ""}, "X");
+            FAIL() << "was taken for a success";
+        } catch (const Failure& failure) {
+            EXPECT_EQ(row.status, failure.status);
+            EXPECT_STREQ(row.text, failure.what());
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, EnvelopeFailureTest, testing::ValuesIn(kFailureCases),
-                         [](const auto& c) { return std::string(c.param.name); });
 
 }  // namespace
 }  // namespace client

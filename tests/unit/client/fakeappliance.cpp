@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <iterator>
 #include <sstream>
 #include <utility>
@@ -52,8 +53,8 @@ FakeReply InTurn(const std::vector<FakeReply>& replies) {
     return first;
 }
 
-Program StartClient(const std::string& line, const std::vector<std::string>& environment, int outDescriptor) {
-    return Program(WordsOf(CAMVORACTL " " + line), environment, outDescriptor);
+Program StartClient(const std::string& line, const std::vector<std::string>& environment) {
+    return Program(WordsOf(CAMVORACTL " " + line), environment);
 }
 
 std::vector<std::string> Offered(const std::string& line, const std::string& last,
@@ -99,28 +100,25 @@ FakeAppliance::~FakeAppliance() {
     thread_.join();
 }
 
-Program FakeAppliance::Start(const std::string& line, int outDescriptor) const {
-    return StartClient(line, {"TZ=UTC", "CAMVORA_DIR=" + dir_.Path()}, outDescriptor);
+Program FakeAppliance::Start(const std::string& line) const {
+    return StartClient(line, {"TZ=UTC", "CAMVORA_DIR=" + dir_.Path()});
+}
+
+Outcome FakeAppliance::RunInShell(const std::string& script) const {
+    const std::string folder = std::filesystem::path(CAMVORACTL).parent_path();
+    return Program({"/bin/sh", "-c", script}, {"PATH=/usr/bin:/bin:" + folder, "CAMVORA_DIR=" + dir_.Path()})
+        .Wait();
 }
 
 Outcome FakeAppliance::RunAtTerminal(const std::string& line, const std::string& typed,
-                                     const std::vector<std::string>& more) const {
-    std::vector<std::string> environment = {"PATH=/usr/bin:/bin", "CAMVORA_DIR=" + dir_.Path()};
-    environment.insert(environment.end(), more.begin(), more.end());
-    return Program({"/bin/sh", "-c", "printf \"$2\" | script -qec \"stty cols 70; exec $1\" /dev/null", "sh",
-                    CAMVORACTL " " + line, typed},
-                   environment)
-        .Wait();
+                                     const std::string& settings) const {
+    return RunInShell("printf '" + typed + "' | script -qec 'stty cols 70; " + settings + " camvoractl " +
+                      line + "' /dev/null");
 }
 
 std::vector<std::string> FakeAppliance::Requests() {
     const std::lock_guard<std::mutex> lock(mutex_);
     return requests_;
-}
-
-bool FakeAppliance::IsAsked(const std::string& beginning) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return HasRequest(beginning);
 }
 
 void FakeAppliance::AwaitRequests(std::size_t count) {
@@ -130,12 +128,10 @@ void FakeAppliance::AwaitRequests(std::size_t count) {
 
 void FakeAppliance::AwaitRequest(const std::string& beginning) {
     std::unique_lock<std::mutex> lock(mutex_);
-    arrived_.wait(lock, [&] { return HasRequest(beginning); });
-}
-
-bool FakeAppliance::HasRequest(const std::string& beginning) const {
-    return std::any_of(requests_.begin(), requests_.end(),
-                       [&beginning](const std::string& request) { return request.rfind(beginning, 0) == 0; });
+    arrived_.wait(lock, [&] {
+        return std::any_of(requests_.begin(), requests_.end(),
+                           [&](const std::string& request) { return request.rfind(beginning, 0) == 0; });
+    });
 }
 
 FakeReply FakeAppliance::TakeReply(const httplib::Request& request) {

@@ -39,9 +39,7 @@ FakeReply InTurn(const std::vector<FakeReply>& replies);
 using FakeReplies = std::map<std::string, FakeReply>;
 
 // Starts camvoractl; `line` is split at blanks.
-//   environment, outDescriptor  as in Program
-Program StartClient(const std::string& line, const std::vector<std::string>& environment = {},
-                    int outDescriptor = -1);
+Program StartClient(const std::string& line, const std::vector<std::string>& environment = {});
 
 // What a shell is offered in place of the last word of the line, "" for an empty one.
 std::vector<std::string> Offered(const std::string& line, const std::string& last,
@@ -65,30 +63,29 @@ public:
     const std::string& Url() const { return url_; }
 
     // The same in UTC, with CAMVORA_DIR naming this appliance.
-    Program Start(const std::string& line, int outDescriptor = -1) const;
+    Program Start(const std::string& line) const;
 
     // The same until its end.
     Outcome Run(const std::string& line) const { return Start(line).Wait(); }
 
-    // The same at a terminal of 70 columns, on which that was typed. All that it shows is the standard
+    // What a shell makes of the script, in which the client is "camvoractl".
+    Outcome RunInShell(const std::string& script) const;
+
+    // The client at a terminal of 70 columns, on which that was typed. All that it shows is the standard
     // output.
-    //   more  of the environment
+    //   settings  of its environment, as in "A=1 B=2"
     Outcome RunAtTerminal(const std::string& line, const std::string& typed = "",
-                          const std::vector<std::string>& more = {}) const;
+                          const std::string& settings = "") const;
 
     // What arrived so far, one text each: the request named as above, "Authorization", and the body, the
     // files of a form as "field=name:content", or the "Last-Event-ID", with blanks between.
     std::vector<std::string> Requests();
-
-    // Whether one that begins so is among them.
-    bool IsAsked(const std::string& beginning);
 
     // These return when so many have arrived, or one that begins so.
     void AwaitRequests(std::size_t count);
     void AwaitRequest(const std::string& beginning);
 
 private:
-    bool HasRequest(const std::string& beginning) const;
     void Answer(const httplib::Request& request, httplib::Response& response);
     FakeReply TakeReply(const httplib::Request& request);
 

@@ -1,14 +1,15 @@
 // "install": the plan, the question, and what is said of what was seen.
 #include "support/packages.h"
 
-#include "fakeappliance.h"
+#include "commandcase.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <csignal>
+#include <map>
 
 namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
 
 std::string Entry(int number, const std::string& name, bool isRunning) {
     return R"({"service":)" + std::to_string(number) + R"(,"info":{"shortName":")" + name +
@@ -57,21 +58,21 @@ const std::string kWarnings =
     "Warning: /d/script/postinst could not be run or did not end by itself\n";
 const std::string kWhy = "The request was r1\nThe appliance logged:\nT  s:9  F  why\n";
 
+FakeReplies Replies() {
+    return {
+        {"List", kAllRun},
+        {"GetInfo", kOldThenNew},
+        {"Upload", Success(R"({"pkgInfo":{}})")},
+        {"GetPkgInfo", Success(R"({"version":"2.2-1","maintainer":"Me","filePath":"/w/"})")},
+        {"GET /programs", Programs(kOldRuns)},
+        {"GET /programs?request=r1", Programs(kRuns)},
+        {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
+    };
+}
+
 class InstallTest : public testing::Test {
 protected:
     InstallTest() { dir_.Write("x.spk", MakeDevicePack()); }
-
-    static FakeReplies Replies() {
-        return {
-            {"List", kAllRun},
-            {"GetInfo", kOldThenNew},
-            {"Upload", Success(R"({"pkgInfo":{}})")},
-            {"GetPkgInfo", Success(R"({"version":"2.2-1","maintainer":"Me","filePath":"/w/"})")},
-            {"GET /programs", Programs(kOldRuns)},
-            {"GET /programs?request=r1", Programs(kRuns)},
-            {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
-        };
-    }
 
     std::string Line(const std::string& options) const { return "install " + file_ + " " + options; }
 
@@ -90,83 +91,53 @@ TEST_F(InstallTest, SendsShowsThePlanInstallsAndLooks) {
         "The device_pack 2.2-1 is installed, in place of 2.1-9\n"
         "Running as before: The device_pack, The local_display\n",
         outcome.out);
-    EXPECT_TRUE(appliance.IsAsked(R"(Update Bearer secret {"filePath":"/w/","service":1})"));
+    EXPECT_THAT(appliance.Requests(), Asks(R"(Update Bearer secret {"filePath":"/w/","service":1})"));
 }
 
-struct DryCase {
-    const char* name;
-    const char* installed;
-    const char* words;
-    const char* info = kDevicePackInfo;
-    FakeReply list = kAllRun;
-};
+TEST_F(InstallTest, ShowsThePlanAndSendsNothing) {
+    const std::map<std::string, std::string> plans = {
+        {"2.10-1", "\nTo install       2.2-1 (older: a downgrade)\n"},
+        {"2.2-1", "\nTo install       2.2-1 (the same version again)\n"},
+        {"", "\nInstalled        -\nTo install       2.2-1 (nothing is installed now)\n"},
+    };
+    for (const auto& [installed, plan] : plans) {
+        FakeReplies replies = Replies();
+        replies["GetInfo"] = Installed(installed);
+        FakeAppliance appliance(replies);
+        EXPECT_THAT(appliance.Run(Line("-n")).out, HasSubstr(plan));
+        EXPECT_THAT(appliance.Requests(), AsksNo("Upload"));
+    }
+}
 
-const DryCase kDryCases[] = {
-    {"downgrade", "2.10-1", "\nTo install       2.2-1 (older: a downgrade)\n"},
-    {"the_same", "2.2-1", "\nTo install       2.2-1 (the same version again)\n"},
-    {"first", "", "\nInstalled        -\nTo install       2.2-1 (nothing is installed now)\n"},
-    {"stops_nothing", "1", "\nStops meanwhile  nothing\n", kLocalDisplayInfo, List(true, false)},
-};
-
-class InstallDryTest : public InstallTest, public testing::WithParamInterface<DryCase> {};
-
-TEST_P(InstallDryTest, ShowsThePlanAndSendsNothing) {
-    const std::string folder = GetParam().info == kDevicePackInfo ? "device_pack/" : "";
-    dir_.Write("x.spk", MakePackage(GetParam().info, {{folder + "conf", kGoodConf}}));
+FakeReplies With(const std::string& request, const FakeReply& reply) {
     FakeReplies replies = Replies();
-    replies["List"] = GetParam().list;
-    replies["GetInfo"] = Installed(GetParam().installed);
-    FakeAppliance appliance(replies);
-    const Outcome outcome = appliance.Run(Line("-n"));
-    EXPECT_EQ(0, outcome.status) << outcome.err;
-    EXPECT_NE(std::string::npos, outcome.out.find(GetParam().words)) << outcome.out;
-    EXPECT_FALSE(appliance.IsAsked("Upload"));
+    replies[request] = reply;
+    return replies;
 }
 
-INSTANTIATE_TEST_SUITE_P(All, InstallDryTest, testing::ValuesIn(kDryCases),
-                         [](const auto& c) { return std::string(c.param.name); });
+constexpr char kLine[] = "install " SAMPLES "/device_pack-2.2.0-0140.spk --yes --timeout 5";
 
-struct FailedCase {
-    const char* name;
-    const char* request;
-    FakeReply reply;
-    int status;
-    std::string errTail;
+const CommandCase kFailedCases[] = {
+    {"refused", kLine,
+     With("GetPkgInfo", Error(200, R"({"code":400,"data":{"errinfo":{"sec":"device_pack"}}})")), 4, "",
+     EndsWith("device_pack/\nerrinfo.sec  device_pack\n" + kWhy)},
+    {"nowhere_unpacked", kLine, With("GetPkgInfo", Success(R"({"version":"2.2-1","filePath":""})")), 1, "",
+     EndsWith("checks it\ncamvoractl: GetPkgInfo failed: the answer names no unpacked package\n")},
+    {"update_failed", kLine, With("Update", Error(200, R"({"code":400,"data":null})")), 1, "",
+     EndsWith(kInstalls + kWarnings + "Installed now: 2.2-1\n" +
+              "camvoractl: Update failed (error 400): the appliance could not do it\n" + kWhy)},
+    {"another_version_is_there", kLine, With("GetInfo", Installed("2.1-9")), 9, "",
+     EndsWith(kLooks + kWarnings +
+              "camvoractl: The device_pack 2.2-1 was to be installed, but 2.1-9 is there\n" + kWhy)},
+    {"a_service_stays_away", kLine, With("List", InTurn({kAllRun, kAllRun, kAllRun, List(true, false)})), 9,
+     "",
+     EndsWith(kLooks + kWarnings +
+              "camvoractl: The device_pack 2.2-1 is installed, but this does not run as before: "
+              "The local_display\n" +
+              kWhy)},
 };
 
-const FailedCase kFailedCases[] = {
-    {"refused", "GetPkgInfo", Error(200, R"({"code":400,"data":{"errinfo":{"sec":"device_pack"}}})"), 4,
-     "The appliance does not take x.spk: device_pack/\nerrinfo.sec  device_pack\n" + kWhy},
-    {"nowhere_unpacked", "GetPkgInfo", Success(R"({"version":"2.2-1","filePath":""})"), 1,
-     kSent + "camvoractl: GetPkgInfo failed: the answer names no unpacked package\n"},
-    {"update_failed", "Update", Error(200, R"({"code":400,"data":null})"), 1,
-     kInstalls + kWarnings + "Installed now: 2.2-1\n" +
-         "camvoractl: Update failed (error 400): the appliance could not do it\n" + kWhy},
-    {"another_version_is_there", "GetInfo", Installed("2.1-9"), 9,
-     kLooks + kWarnings + "camvoractl: The device_pack 2.2-1 was to be installed, but 2.1-9 is there\n" +
-         kWhy},
-    {"a_service_stays_away", "List", InTurn({kAllRun, kAllRun, kAllRun, List(true, false)}), 9,
-     kLooks + kWarnings +
-         "camvoractl: The device_pack 2.2-1 is installed, but this does not run as before: "
-         "The local_display\n" +
-         kWhy},
-};
-
-class InstallFailedTest : public InstallTest, public testing::WithParamInterface<FailedCase> {};
-
-TEST_P(InstallFailedTest, SaysWhatWasSeen) {
-    FakeReplies replies = Replies();
-    replies[GetParam().request] = GetParam().reply;
-    const FakeAppliance appliance(replies);
-    const Outcome outcome = appliance.Run(Line("--yes --timeout 5"));
-    EXPECT_EQ(GetParam().status, outcome.status);
-    EXPECT_EQ("", outcome.out);
-    const std::size_t tailSize = std::min(outcome.err.size(), GetParam().errTail.size());
-    EXPECT_EQ(GetParam().errTail, outcome.err.substr(outcome.err.size() - tailSize));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, InstallFailedTest, testing::ValuesIn(kFailedCases),
-                         [](const auto& c) { return std::string(c.param.name); });
+INSTANTIATE_TEST_SUITE_P(Install, CommandTest, testing::ValuesIn(kFailedCases), NameOf);
 
 TEST_F(InstallTest, AsksNothingOfTheApplianceInVain) {
     FakeAppliance appliance(Replies());
@@ -181,8 +152,8 @@ TEST_F(InstallTest, AsksAtATerminal) {
         FakeAppliance appliance(Replies());
         const Outcome outcome = appliance.RunAtTerminal(Line(""), isAgreed ? "y\n" : "\n\n");
         EXPECT_EQ(isAgreed ? 0 : 1, outcome.status);
-        EXPECT_EQ(isAgreed, appliance.IsAsked("Update"));
-        EXPECT_NE(std::string::npos, outcome.out.find("Install it? [y/N] ")) << outcome.out;
+        EXPECT_THAT(appliance.Requests(), isAgreed ? Asks("Update") : AsksNo("Update"));
+        EXPECT_THAT(outcome.out, HasSubstr("Install it? [y/N] "));
     }
 }
 

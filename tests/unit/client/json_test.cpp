@@ -17,9 +17,6 @@ namespace {
 const std::string kDescription =
     R"({"service":1,"name":"DP","shortName":"device_pack","status":1,"statusName":"started","blRunning":true,)"
     R"("version":"2.2-1","blHasPackages":true,"blFactoryCopy":true,"blAutoUpdate":true,"pid":8,"since":"T"})";
-const std::string kStoppedInfo =
-    R"({"service":1,"name":"DP","shortName":"device_pack","status":0,"statusName":"stopped","blRunning":false,)"
-    R"("version":""})";
 const std::string kLogEntry =
     R"({"id":4,"time":"T","request":"r1","who":"client","event":7,"number":0,"texts":["a","",""]})";
 const std::string kDoneOperation =
@@ -82,7 +79,7 @@ const JsonCase kJsonCases[] = {
     {"list", "list"},
     {"status", "status 1"},
     {"start", "start device_pack"},
-    {"stop", "stop 1", {{"GetInfo", Success(kStoppedInfo)}}},
+    {"stop", "stop 1 --no-wait"},
     {"restart", "restart 1 --no-wait"},
     {"apps", "apps"},
     {"updates", "updates"},

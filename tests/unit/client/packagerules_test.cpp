@@ -124,14 +124,12 @@ const PackageCase kPackageCases[] = {
      "sizes, free space"},
 };
 
-class PackageRulesTest : public testing::TestWithParam<PackageCase> {};
-
-TEST_P(PackageRulesTest, FindsWhatIsBroken) {
-    EXPECT_EQ(GetParam().broken, Broken(GetParam().package));
+TEST(PackageRulesTest, FindsWhatIsBroken) {
+    for (const PackageCase& row : kPackageCases) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(row.broken, Broken(row.package));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, PackageRulesTest, testing::ValuesIn(kPackageCases),
-                         [](const auto& c) { return std::string(c.param.name); });
 
 TEST(PackageExtensionTest, IsWhatFollowsTheLastDot) {
     for (const char* taken : {"x.tar.spk", "spk"}) {
@@ -162,16 +160,14 @@ const FactsCase kFactsCases[] = {
     {"no_room", [](ApplianceFacts& f) { f.freeBytes = 1024; }, "free space"},
 };
 
-class ApplianceRulesTest : public testing::TestWithParam<FactsCase> {};
-
-TEST_P(ApplianceRulesTest, CompareWithTheAppliance) {
-    ApplianceFacts facts = Facts();
-    GetParam().change(facts);
-    EXPECT_EQ(GetParam().broken, Broken(MakeDevicePack(), "x.spk", facts));
+TEST(ApplianceRulesTest, CompareWithTheAppliance) {
+    for (const FactsCase& row : kFactsCases) {
+        SCOPED_TRACE(row.name);
+        ApplianceFacts facts = Facts();
+        row.change(facts);
+        EXPECT_EQ(row.broken, Broken(MakeDevicePack(), "x.spk", facts));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, ApplianceRulesTest, testing::ValuesIn(kFactsCases),
-                         [](const auto& c) { return std::string(c.param.name); });
 
 TEST(PackageDamageTest, IsFoundWhereverThePackageIsCut) {
     const std::string package = MakeDevicePack();

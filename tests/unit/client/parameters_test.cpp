@@ -34,14 +34,12 @@ const std::vector<ParametersCase> kParametersCases = {
     {"nested_too_deeply_is_text", {"a=" + kDeep}, R"({"a":")" + kDeep + R"("})"},
 };
 
-class ParametersTest : public testing::TestWithParam<ParametersCase> {};
-
-TEST_P(ParametersTest, BecomeAnObject) {
-    EXPECT_EQ(GetParam().json, ToJson(ParseParameters(GetParam().words)));
+TEST(ParametersTest, BecomeAnObject) {
+    for (const ParametersCase& row : kParametersCases) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(row.json, ToJson(ParseParameters(row.words)));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, ParametersTest, testing::ValuesIn(kParametersCases),
-                         [](const auto& c) { return std::string(c.param.name); });
 
 TEST(ParametersTest, RefusesWhatHasNoClearMeaning) {
     const std::vector<std::vector<std::string>> refused = {

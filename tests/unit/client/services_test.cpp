@@ -20,31 +20,27 @@ struct TypoCase {
 
 const TypoCase kTypoCases[] = {
     {"one_letter_missing", "device_pak", "Did you mean \"device_pack\"?"},
-    {"two_letters_swapped", "csm", "Did you mean \"cms\"?"},
     {"other_separator", "local-display", "Did you mean \"local_display\"?"},
     {"capitals", "CMS", "Did you mean \"cms\"?"},
     {"only_the_beginning", "loc", "Did you mean \"local_display\"?"},
     {"several_as_near", "service9", "Did you mean \"service3\" or \"service4\"?"},
     {"nothing_near", "printer", "\"camvoractl list\" shows all"},
-    {"short_and_far", "xyz", "\"camvoractl list\" shows all"},
     {"empty", "", "\"camvoractl list\" shows all"},
 };
 
-class TypoTest : public testing::TestWithParam<TypoCase> {};
-
-TEST_P(TypoTest, IsNotFoundWithASuggestion) {
-    try {
-        FindByName(kServices, GetParam().typed);
-        FAIL() << "was found";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(ExitStatus::kNotFound, failure.status);
-        EXPECT_EQ("There is no service \"" + std::string(GetParam().typed) + "\". " + GetParam().answer,
-                  failure.what());
+TEST(TypoTest, IsNotFoundWithASuggestion) {
+    for (const TypoCase& row : kTypoCases) {
+        SCOPED_TRACE(row.name);
+        try {
+            FindByName(kServices, row.typed);
+            FAIL() << "was found";
+        } catch (const Failure& failure) {
+            EXPECT_EQ(ExitStatus::kNotFound, failure.status);
+            EXPECT_EQ("There is no service \"" + std::string(row.typed) + "\". " + row.answer,
+                      failure.what());
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, TypoTest, testing::ValuesIn(kTypoCases),
-                         [](const auto& c) { return std::string(c.param.name); });
 
 TEST(ServicesTest, PassesOverEntriesOfAnotherForm) {
     Json::Value data;
