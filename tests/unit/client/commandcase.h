@@ -1,7 +1,7 @@
 // A command line, and what has to come of it at an appliance.
 #pragma once
 
-#include "fakeappliance.h"
+#include "usualreplies.h"
 
 #include <gmock/gmock.h>
 

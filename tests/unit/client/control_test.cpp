@@ -17,49 +17,42 @@ const FakeReply kNotDone = Success(R"({"blDone":false})");
 const FakeReply kNothing = Success(R"({"entries":[]})");
 const FakeReply kSuccess = Success(R"({"entries":[{"id":9}]})");
 
-const std::string kAsked = "Asking the appliance to start Display\n";
-const std::string kWaiting = "Waiting for Display\n";
-const std::string kSecondLook = "Display is running; looking again in two seconds\n";
+const std::string kAsked = "Asking the appliance to start LD\n";
+const std::string kWaiting = "Waiting for LD\n";
+const std::string kSecondLook = "LD is running; looking again in two seconds\n";
 
 std::string Missed(const std::string& words, const std::string& look = "") {
-    return kAsked + kWaiting + look + "camvoractl: " + words +
-           "\nThe request was r1\nThe appliance logged:\nT  s:9  F  why\n";
+    return kAsked + kWaiting + look + "camvoractl: " + words + "\n" + kWhy;
 }
 
-// One with the service 6, which does what it is asked.
 FakeReplies Replies(const FakeReply& info, const FakeReply& checkDone, const FakeReply& entries) {
-    return {
-        {"List", Success(R"({"list":[{"service":6,"info":{"shortName":"display","name":"Display"}}]})")},
-        {"GetInfo", info},
-        {"CheckEnableDone", checkDone},
-        {"GET /operationlog?request=r1", entries},
-        {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
-    };
+    return Usual(
+        {{"GetInfo", info}, {"CheckEnableDone", checkDone}, {"GET /operationlog?request=r1", entries}});
 }
 
 const CommandCase kControlCases[] = {
-    {"start", "start display", Replies(InTurn({kStopped, kInProgress, kWithProcess}), kDone, kSuccess), 0,
-     "Display is running since 12:03:07, pid 812\n", kAsked + kWaiting + kSecondLook},
+    {"start", "start local_display", Replies(InTurn({kStopped, kInProgress, kWithProcess}), kDone, kSuccess),
+     0, "LD is running since 12:03:07, pid 812\n", kAsked + kWaiting + kSecondLook},
     {"start_of_one_that_runs_already_and_is_replaced", "enable 6",
      Replies(InTurn({kStarted, kWithProcess}), kDone, InTurn({kNothing, kSuccess})), 0,
-     "Display is running since 12:03:07, pid 812\n", kAsked + kWaiting + kSecondLook},
-    {"start_that_another_follows", "start display",
-     Replies(InTurn({kWithProcess, kInProgress, kStarted}), kDone, kSuccess), 0, "Display is running\n",
+     "LD is running since 12:03:07, pid 812\n", kAsked + kWaiting + kSecondLook},
+    {"start_that_another_follows", "start local_display",
+     Replies(InTurn({kWithProcess, kInProgress, kStarted}), kDone, kSuccess), 0, "LD is running\n",
      kAsked + kWaiting + kSecondLook + kWaiting + kSecondLook},
-    {"stop_that_nobody_waits_for", "disable display --no-wait", Replies(kStarted, kNotDone, kNothing), 0,
-     "Display is being stopped (request r1)\n", "Asking the appliance to stop Display\n"},
+    {"stop_that_nobody_waits_for", "disable local_display --no-wait", Replies(kStarted, kNotDone, kNothing),
+     0, "LD is being stopped (request r1)\n", "Asking the appliance to stop LD\n"},
 
     {"stays_in_progress", "start 6 --timeout 5", Replies(InTurn({kStopped, kInProgress}), kDone, kNothing), 9,
-     "", Missed("The action did not succeed: Display has the status \"in progress\" and is not running")},
+     "", Missed("The action did not succeed: LD has the status \"in progress\" and is not running")},
     {"leaves_all_as_it_was", "start 6 --timeout 5", Replies(kStarted, kDone, kNothing), 9, "",
-     Missed("The action did not succeed: Display has the status \"started\" and is running")},
+     Missed("The action did not succeed: LD has the status \"started\" and is running")},
     {"is_undone_by_another", "start 6 --timeout 5", Replies(kStopped, kDone, kSuccess), 9, "",
-     Missed("The action is over, but Display has the status \"stopped\" and is not running")},
+     Missed("The action is over, but LD has the status \"stopped\" and is not running")},
     {"lasts_longer_than_the_limit", "start 6 --timeout 5", Replies(kInProgress, kNotDone, kNothing), 8, "",
-     Missed("After 5 s, Display has the status \"in progress\" and is not running; --timeout waits longer")},
+     Missed("After 5 s, LD has the status \"in progress\" and is not running; --timeout waits longer")},
     {"daemon_dies_at_once", "start 6 --timeout 5", Replies(InTurn({kWithProcess, kDead}), kDone, kSuccess), 9,
      "",
-     Missed("Display was running; two seconds later it has the status \"started\" and is not running",
+     Missed("LD was running; two seconds later it has the status \"started\" and is not running",
             kSecondLook)},
 };
 

@@ -11,64 +11,21 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 
-std::string Entry(int number, const std::string& name, bool isRunning) {
-    return R"({"service":)" + std::to_string(number) + R"(,"info":{"shortName":")" + name +
-           R"(","name":"The )" + name + R"(","blRunning":)" + (isRunning ? "true}}" : "false}}");
-}
-
-FakeReply List(bool isDevicePackRunning, bool isDisplayRunning) {
-    return Success(R"({"list":[)" + Entry(1, "device_pack", isDevicePackRunning) + "," +
-                   Entry(6, "local_display", isDisplayRunning) + "]}");
-}
-
-FakeReply Installed(const std::string& version) {
-    return Success(R"({"version":")" + version + "\"}");
-}
-
-FakeReply Programs(const std::string& programs) {
-    return Success(R"({"programs":[)" + programs + "]}");
-}
-
-const FakeReply kOldThenNew = InTurn({Installed("2.1-9"), Installed("2.2-1")});
-const FakeReply kAllRun = List(true, true);
-
-constexpr char kOldRuns[] =
-    R"({"request":"u","path":"/bin/sleep","arguments":[],"durationMs":60000},)"
-    R"({"request":"v","path":"/bin/tar","arguments":[],"durationMs":9000},)"
-    R"({"request":"v","path":"/s/S82camvora.sh","arguments":["stop"],"durationMs":2400},)"
-    R"({"request":"v","path":"/bin/mv","arguments":["-f","/w/device_pack",)"
-    R"("/var/packages/Camvora/target/device_pack"],"durationMs":1100})";
-constexpr char kRuns[] = R"({"path":"/d/script/preinst","arguments":[],"exitStatus":-2},)"
-                         R"({"path":"/bin/mv","arguments":["-f","\u001b"],"exitStatus":1},)"
-                         R"({"path":"/bin/rm","arguments":[],"exitStatus":0},)"
-                         R"({"path":"/d/script/postinst","arguments":[],"exitStatus":-1})";
+const FakeReply kAllRun = ServiceList(true, true);
 
 const std::string kSent = "Sending x.spk\nThe appliance unpacks and checks it\n";
 const std::string kPlan =
-    "Add-on           The device_pack\n"
+    "Add-on           DP\n"
     "Maintainer       Me\n"
     "Installed        2.1-9\n"
     "To install       2.2-1 (newer)\n"
-    "Stops meanwhile  all of Camvora; running now: The device_pack, The local_display\n"
+    "Stops meanwhile  all of Camvora; running now: DP, LD\n"
     "Takes about      4 seconds, as the last time\n";
-const std::string kInstalls = "The appliance installs The device_pack 2.2-1\n";
+const std::string kInstalls = "The appliance installs DP 2.2-1\n";
 const std::string kLooks = "Looking at what is installed and runs\n";
 const std::string kWarnings =
     "Warning: /bin/mv -f \\x1B ended with exit status 1\n"
     "Warning: /d/script/postinst could not be run or did not end by itself\n";
-const std::string kWhy = "The request was r1\nThe appliance logged:\nT  s:9  F  why\n";
-
-FakeReplies Replies() {
-    return {
-        {"List", kAllRun},
-        {"GetInfo", kOldThenNew},
-        {"Upload", Success(R"({"pkgInfo":{}})")},
-        {"GetPkgInfo", Success(R"({"version":"2.2-1","maintainer":"Me","filePath":"/w/"})")},
-        {"GET /programs", Programs(kOldRuns)},
-        {"GET /programs?request=r1", Programs(kRuns)},
-        {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
-    };
-}
 
 class InstallTest : public testing::Test {
 protected:
@@ -81,15 +38,14 @@ protected:
 };
 
 TEST_F(InstallTest, SendsShowsThePlanInstallsAndLooks) {
-    FakeReplies replies = Replies();
-    replies["List"] = InTurn({kAllRun, kAllRun, List(true, false), kAllRun, List(false, true), kAllRun});
-    FakeAppliance appliance(replies);
+    FakeAppliance appliance(Usual({{"List", InTurn({kAllRun, kAllRun, ServiceList(true, false), kAllRun,
+                                                    ServiceList(false, true), kAllRun})}}));
     const Outcome outcome = appliance.Run(Line("--yes"));
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ(kSent + kPlan + kInstalls + kLooks + kWarnings, outcome.err);
     EXPECT_EQ(
-        "The device_pack 2.2-1 is installed, in place of 2.1-9\n"
-        "Running as before: The device_pack, The local_display\n",
+        "DP 2.2-1 is installed, in place of 2.1-9\n"
+        "Running as before: DP, LD\n",
         outcome.out);
     EXPECT_THAT(appliance.Requests(), Asks(R"(Update Bearer secret {"filePath":"/w/","service":1})"));
 }
@@ -101,46 +57,37 @@ TEST_F(InstallTest, ShowsThePlanAndSendsNothing) {
         {"", "\nInstalled        -\nTo install       2.2-1 (nothing is installed now)\n"},
     };
     for (const auto& [installed, plan] : plans) {
-        FakeReplies replies = Replies();
-        replies["GetInfo"] = Installed(installed);
-        FakeAppliance appliance(replies);
+        FakeAppliance appliance(Usual({{"GetInfo", Installed(installed)}}));
         EXPECT_THAT(appliance.Run(Line("-n")).out, HasSubstr(plan));
         EXPECT_THAT(appliance.Requests(), AsksNo("Upload"));
     }
-}
-
-FakeReplies With(const std::string& request, const FakeReply& reply) {
-    FakeReplies replies = Replies();
-    replies[request] = reply;
-    return replies;
 }
 
 constexpr char kLine[] = "install " SAMPLES "/device_pack-2.2.0-0140.spk --yes --timeout 5";
 
 const CommandCase kFailedCases[] = {
     {"refused", kLine,
-     With("GetPkgInfo", Error(200, R"({"code":400,"data":{"errinfo":{"sec":"device_pack"}}})")), 4, "",
+     Usual({{"GetPkgInfo", Error(200, R"({"code":400,"data":{"errinfo":{"sec":"device_pack"}}})")}}), 4, "",
      EndsWith("device_pack/\nerrinfo.sec  device_pack\n" + kWhy)},
-    {"nowhere_unpacked", kLine, With("GetPkgInfo", Success(R"({"version":"2.2-1","filePath":""})")), 1, "",
-     EndsWith("checks it\ncamvoractl: GetPkgInfo failed: the answer names no unpacked package\n")},
-    {"update_failed", kLine, With("Update", Error(200, R"({"code":400,"data":null})")), 1, "",
+    {"nowhere_unpacked", kLine, Usual({{"GetPkgInfo", Success(R"({"version":"2.2-1","filePath":""})")}}), 1,
+     "", EndsWith("checks it\ncamvoractl: GetPkgInfo failed: the answer names no unpacked package\n")},
+    {"update_failed", kLine, Usual({{"Update", Error(200, R"({"code":400,"data":null})")}}), 1, "",
      EndsWith(kInstalls + kWarnings + "Installed now: 2.2-1\n" +
               "camvoractl: Update failed (error 400): the appliance could not do it\n" + kWhy)},
-    {"another_version_is_there", kLine, With("GetInfo", Installed("2.1-9")), 9, "",
+    {"another_version_is_there", kLine, Usual({{"GetInfo", Installed("2.1-9")}}), 9, "",
+     EndsWith(kLooks + kWarnings + "camvoractl: DP 2.2-1 was to be installed, but 2.1-9 is there\n" + kWhy)},
+    {"a_service_stays_away", kLine,
+     Usual({{"List", InTurn({kAllRun, kAllRun, kAllRun, ServiceList(true, false)})}}), 9, "",
      EndsWith(kLooks + kWarnings +
-              "camvoractl: The device_pack 2.2-1 was to be installed, but 2.1-9 is there\n" + kWhy)},
-    {"a_service_stays_away", kLine, With("List", InTurn({kAllRun, kAllRun, kAllRun, List(true, false)})), 9,
-     "",
-     EndsWith(kLooks + kWarnings +
-              "camvoractl: The device_pack 2.2-1 is installed, but this does not run as before: "
-              "The local_display\n" +
+              "camvoractl: DP 2.2-1 is installed, but this does not run as before: "
+              "LD\n" +
               kWhy)},
 };
 
 INSTANTIATE_TEST_SUITE_P(Install, CommandTest, testing::ValuesIn(kFailedCases), NameOf);
 
 TEST_F(InstallTest, AsksNothingOfTheApplianceInVain) {
-    FakeAppliance appliance(Replies());
+    FakeAppliance appliance(Usual());
     EXPECT_EQ(2, appliance.Run(Line("")).status) << "there is nobody to ask";
     dir_.Write("x.spk", MakeDevicePack({{"device_pack/a", "", '2', "/etc"}}));
     EXPECT_EQ(4, appliance.Run(Line("--yes")).status);
@@ -149,7 +96,7 @@ TEST_F(InstallTest, AsksNothingOfTheApplianceInVain) {
 
 TEST_F(InstallTest, AsksAtATerminal) {
     for (const bool isAgreed : {true, false}) {
-        FakeAppliance appliance(Replies());
+        FakeAppliance appliance(Usual());
         const Outcome outcome = appliance.RunAtTerminal(Line(""), isAgreed ? "y\n" : "\n\n");
         EXPECT_EQ(isAgreed ? 0 : 1, outcome.status);
         EXPECT_THAT(appliance.Requests(), isAgreed ? Asks("Update") : AsksNo("Update"));
@@ -158,9 +105,7 @@ TEST_F(InstallTest, AsksAtATerminal) {
 }
 
 TEST_F(InstallTest, SaysThatTheApplianceGoesOnWhenItIsInterrupted) {
-    FakeReplies replies = Replies();
-    replies["Update"] = {200, " ", "", true};
-    FakeAppliance appliance(replies);
+    FakeAppliance appliance(Usual({{"Update", {200, " ", "", true}}}));
     const Program run = appliance.Start(Line("--yes"));
     appliance.AwaitRequest("Update");
     kill(run.Pid(), SIGINT);

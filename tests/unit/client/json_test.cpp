@@ -2,7 +2,7 @@
 #include "support/jsonschema.h"
 #include "support/packages.h"
 
-#include "fakeappliance.h"
+#include "usualreplies.h"
 
 #include <gtest/gtest.h>
 #include <json/reader.h>
@@ -23,11 +23,6 @@ const std::string kDoneOperation =
     R"({"id":12,"request":"r1","who":"client","method":"Update","service":1,"fromVersion":"2.1-9",)"
     R"("toVersion":"2.2-1","outcome":"done","begin":"2026-03-01T12:03:07.123Z","durationMs":5,"code":0,)"
     R"("problem":""})";
-const std::string kProgramRecord =
-    R"({"programs":[{"id":1,"time":"T","request":"r1","path":"/bin/mv","arguments":["a"],"exitStatus":1,)"
-    R"("durationMs":3,"peakMemoryKiB":1}]})";
-const std::string kReleaseRecord =
-    R"({"releases":[{"service":1,"version":"2.3-1","date":"2026-11-25","notes":"","size":3,"checked":"T"}]})";
 const std::string kDownloadRecord =
     R"({"downloads":[{"service":1,"version":"2.2-1","status":2,"bytes":1,"size":4,"problem":""}]})";
 const std::string kEventStream = "id: 4\nevent: snapshot\ndata: {\"lastNotification\":4,\"services\":[" +
@@ -37,22 +32,13 @@ const std::string kEventStream = "id: 4\nevent: snapshot\ndata: {\"lastNotificat
                                  "{\"id\":5,\"time\":\"T\",\"type\":24,\"texts\":[\"1\",\"1\",\"0\"]}\n\n";
 
 FakeReplies RepliesForAll() {
-    return {
+    return Usual({
         {"List", Success(R"({"list":[{"service":1,"info":)" + kDescription + "}]}")},
         {"GetInfo", Success(kDescription)},
         {"GetAppsStatus", Success(R"({"appsStatus":{"a":{"title":"A","path":"a","blEnabled":true}}})")},
-        {"CheckEnableDone", Success(R"({"blDone":true})")},
-        {"CheckUpdateInfo", Success(R"({"status":3})")},
-        {"DownloadProgress", Success(R"({"version":"device_pack 2.2-1","percent":100,"status":2})")},
-        {"Upload", Success(R"({"pkgInfo":{}})")},
-        {"GetPkgInfo", Success(R"({"version":"2.2-1","maintainer":"Me","filePath":"/w/","errinfo":null})")},
         {"GET /api",
          Success(R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["List","X"]}]})")},
-        {"GET /releases", Success(kReleaseRecord)},
         {"GET /downloads", Success(kDownloadRecord)},
-        {"GET /programs", Success(kProgramRecord)},
-        {"GET /programs?request=r1", Success(kProgramRecord)},
-        {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
         {"GET /operationlog", Success(R"({"entries":[)" + kLogEntry + "]}")},
         {"GET /operationlog?after=4", Success(R"({"entries":[]})")},
         {"GET /operationlog?request=r1", Success(R"({"entries":[)" + kLogEntry + "]}")},
@@ -65,7 +51,7 @@ FakeReplies RepliesForAll() {
         {"POST /pairing/codes", Success(R"({"code":"A-B","validS":600})")},
         {"POST /pairing", Success(R"({"name":"r","secretIn":"a","secretOut":"b"})")},
         {"POST /session/codes", Success(R"({"code":"A-B","validS":600})")},
-    };
+    });
 }
 
 struct JsonCase {

@@ -3,29 +3,19 @@
 
 namespace {
 
-constexpr char kServices[] =
-    R"({"list":[{"service":6,"info":{"shortName":"local_display","name":"Local Display"}}]})";
-constexpr char kStored[] = R"({"pkgInfo":{"fileName":"a","filePath":"/u/1"}})";
-
-const FakeReplies kNothing;
-
-FakeReplies Replies(const FakeReply& upload, const FakeReply& info) {
-    return {{"List", Success(kServices)}, {"Upload", upload}, {"GetPkgInfo", info}};
-}
-
 TEST(UploadTest, SendsTheFileThenAsksWhatItIs) {
     const TemporaryFolder folder;
     const std::string content(200'000, '\0');
     folder.Write("a\"\r.spk", content);
     FakeAppliance appliance(
-        Replies(Success(kStored),
-                Success(R"({"version":"1.6","maintainer":"M\u001b","filePath":"/w/","errinfo":null})")));
+        Usual({{"GetPkgInfo",
+                Success(R"({"version":"1.6","maintainer":"M\u001b","filePath":"/w/","errinfo":null})")}}));
     const Outcome sent = Program({CAMVORACTL, "upload", folder.PathOf("a\"\r.spk"), "local_display"},
                                  {"CAMVORA_DIR=" + appliance.Dir()})
                              .Wait();
     EXPECT_EQ(0, sent.status) << sent.err;
     EXPECT_EQ(
-        "Add-on          Local Display\n"
+        "Add-on          LD\n"
         "Version         1.6\n"
         "Maintainer      M\\x1B\n"
         "Work directory  /w/\n",
@@ -40,11 +30,11 @@ TEST(UploadTest, SendsTheFileThenAsksWhatItIs) {
 constexpr char kLine[] = "upload " SAMPLES "/device_pack-2.2.0-0140.spk 6";
 
 FakeReplies Refused(const std::string& errInfo) {
-    return Replies(Success(kStored), Error(200, R"({"code":400,"data":{"errinfo":)" + errInfo + "}}"));
+    return Usual({{"GetPkgInfo", Error(200, R"({"code":400,"data":{"errinfo":)" + errInfo + "}}")}});
 }
 
 Text SaysInTheEnd(const std::string& words) {
-    return testing::EndsWith(words + "\nThe request was r1\n");
+    return testing::EndsWith(words + "\n" + kWhy);
 }
 
 const CommandCase kRefusalCases[] = {
@@ -62,9 +52,9 @@ const CommandCase kRefusalCases[] = {
      SaysInTheEnd("addons/sel_file\nerrinfo.key     sel_file\nerrinfo.param1  7\nerrinfo.sec     addons")},
     {"without_a_reason", kLine, Refused("null"), 1, "",
      SaysInTheEnd("GetPkgInfo failed (error 400): the appliance could not do it\nerrinfo  -")},
-    {"nowhere_stored", kLine, Replies(Success("null"), Success("null")), 1, "",
+    {"nowhere_stored", kLine, Usual({{"Upload", Success("null")}}), 1, "",
      testing::EndsWith("the answer names no stored file\n")},
-    {"no_file_here", "upload /no/such 6", kNothing, 3, "", testing::_, testing::IsEmpty()},
+    {"no_file_here", "upload /no/such 6", Usual(), 3, "", testing::_, testing::IsEmpty()},
 };
 
 INSTANTIATE_TEST_SUITE_P(Upload, CommandTest, testing::ValuesIn(kRefusalCases), NameOf);
