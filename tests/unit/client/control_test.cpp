@@ -42,6 +42,9 @@ const CommandCase kControlCases[] = {
     {"stop_that_nobody_waits_for", "disable local_display --no-wait", Replies(kStarted, kNotDone, kNothing),
      0, "LD is being stopped (request r1)\n", "Asking the appliance to stop LD\n"},
 
+    {"quiet_outcome", "restart 6 --no-wait --quiet", Usual(), 0, "LD was restarted (request r1)\n", ""},
+    {"quiet_failure", "stop none --quiet", Usual(), 3, "", testing::HasSubstr("no service \"none\"")},
+
     {"stays_in_progress", "start 6 --timeout 5", Replies(InTurn({kStopped, kInProgress}), kDone, kNothing), 9,
      "", Missed("The action did not succeed: LD has the status \"in progress\" and is not running")},
     {"leaves_all_as_it_was", "start 6 --timeout 5", Replies(kStarted, kDone, kNothing), 9, "",

@@ -37,21 +37,11 @@ const std::string kRequestLog =
 
 const CommandCase kOperationCases[] = {
     {"one", "operations 12", RepliesWith(OperationList(OperationThat("done"))), 0,
-     "Operation  12\n"
-     "Request    336f563be6a9a2bd\n"
-     "What       Update device_pack\n"
-     "By         client\n"
-     "Version    2.1-9 -> 2.2-1\n"
-     "Begin      2026-03-01 12:03:07\n"
-     "Duration   1 min 15 s\n"
-     "Outcome    done\n"
-     "\n"
-     "Time          What     Text\n"
-     "12:03:07.900  begin    Update by client\n"
-     "12:03:08.000  program  /bin/mv -f ended with exit status 0\n"
-     "12:03:09.000  log      F: t\n"
-     "12:03:10.000  entry    DP: by hand\n"
-     "12:04:23.300  end      done after 1 min 15 s\n",
+     testing::HasSubstr("12:03:07.900  begin    Update by client\n"
+                        "12:03:08.000  program  /bin/mv -f ended with exit status 0\n"
+                        "12:03:09.000  log      F: t\n"
+                        "12:03:10.000  entry    DP: by hand\n"
+                        "12:04:23.300  end      done after 1 min 15 s\n"),
      ""},
     {"unknown_number", "operations 13", RepliesWith(OperationList("")), 3, "",
      "camvoractl: There is no operation 13, or it is too old. \"camvoractl operations\" shows the newest\n"},

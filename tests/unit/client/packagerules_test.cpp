@@ -38,6 +38,15 @@ const std::string kPlainTree = TarOf({{"device_pack/conf", kGoodConf}});
 const std::string kTree = Gzip(kPlainTree);
 const TarMember kInfoEntry{"INFO", kDevicePackInfo};
 const TarMember kTreeEntry{"package.tgz", kTree};
+
+std::string WithTree(const std::string& archive) {
+    return TarOf({kInfoEntry, {"package.tgz", archive}});
+}
+
+std::string Display(const std::string& conf) {
+    return MakePackage(kLocalDisplayInfo, {{"conf", conf}});
+}
+
 constexpr char kLinks[] = "links and special files";
 
 struct PackageCase {
@@ -48,13 +57,13 @@ struct PackageCase {
 
 const PackageCase kPackageCases[] = {
     {"whole", MakeDevicePack(), ""},
-    {"local_display", MakePackage(kLocalDisplayInfo, {{"conf", kGoodConf}}), ""},
+    {"local_display", Display(kGoodConf), ""},
     {"dots_in_front",
      TarOf({{"./", "", '5'},
             {"./INFO", kDevicePackInfo},
             {"./package.tgz", Gzip(TarOf({{"./device_pack/conf", kGoodConf}}))}}),
      ""},
-    {"tree_not_compressed", TarOf({kInfoEntry, {"package.tgz", kPlainTree}}), ""},
+    {"tree_not_compressed", WithTree(kPlainTree), ""},
     {"more_members", TarOf({kTreeEntry, {"LICENSE", "x"}, kInfoEntry}), ""},
     {"links_within_the_tree",
      MakeDevicePack(
@@ -64,10 +73,9 @@ const PackageCase kPackageCases[] = {
      MakeDevicePack({{"next", "23 path=device_pack/\u00e4\n", 'x'}, {"device_pack/a", "x"}}), ""},
 
     {"no_archive", std::string(2000, 'x'), "archive, members, INFO"},
-    {"tree_no_archive", TarOf({kInfoEntry, {"package.tgz", "x"}}), "archive, tree"},
-    {"tree_cut", TarOf({kInfoEntry, {"package.tgz", kTree.substr(0, kTree.size() - 9)}}), "archive, tree"},
-    {"tree_not_compressed_and_cut", TarOf({kInfoEntry, {"package.tgz", kPlainTree.substr(0, 1024)}}),
-     "archive"},
+    {"tree_no_archive", WithTree("x"), "archive, tree"},
+    {"tree_cut", WithTree(kTree.substr(0, kTree.size() - 9)), "archive, tree"},
+    {"tree_not_compressed_and_cut", WithTree(kPlainTree.substr(0, 1024)), "archive"},
     {"no_end", TarOf({kInfoEntry, kTreeEntry}).substr(0, 2048), "archive"},
 
     {"info_missing", TarOf({kTreeEntry}), "members, INFO"},
@@ -92,6 +100,7 @@ const PackageCase kPackageCases[] = {
     {"pipe", MakeDevicePack({{"device_pack/a", "", '6'}}), kLinks},
     {"conf_is_a_link", MakeDevicePack({{"device_pack/conf", "", '2', "a"}}), kLinks},
     {"top_is_a_link", MakeDevicePack({{"device_pack", "", '2', "device_pack/a"}}), kLinks},
+    {"scripts_are_a_link", MakeDevicePack({{"device_pack/script", "", '2', "a"}}), kLinks},
     {"script_is_a_link", MakeDevicePack({{"device_pack/script/preinst", "", '2', "postinst"}}), kLinks},
     {"script_is_a_folder", MakeDevicePack({{"device_pack/script/postupgrade/", "", '5'}}), kLinks},
     {"local_display_conf_is_a_link",
@@ -103,23 +112,17 @@ const PackageCase kPackageCases[] = {
     {"info_without_arch", MakePackage("package=\"CamvoraLocalDisplay\"", {{"conf", kGoodConf}}), "INFO"},
     {"tree_of_the_other", MakePackage(kDevicePackInfo, {{"conf", kGoodConf}}), "tree"},
     {"tree_besides_device_pack", MakeDevicePack({{"INFO", kLocalDisplayInfo}}), "tree"},
-    {"conf_without_maintainer",
-     MakePackage(kLocalDisplayInfo, {{"conf", "version=\"2.2\"\ncv_min_ver=\"3.0\"\n"}}), "conf"},
-    {"conf_without_version", MakePackage(kLocalDisplayInfo, {{"conf", "maintainer=a\ncv_min_ver=3.0"}}),
-     "conf"},
-    {"needs_newer_camvora",
-     MakePackage(kLocalDisplayInfo, {{"conf", "version=2\nmaintainer=a\ncv_min_ver=3.2-1"}}),
-     "version of Camvora"},
-    {"too_old", MakePackage(kLocalDisplayInfo, {{"conf", "version=0.9\nmaintainer=a\ncv_min_ver=3"}}),
-     "version of the add-on"},
+    {"conf_without_maintainer", Display("version=\"2.2\"\ncv_min_ver=\"3.0\"\n"), "conf"},
+    {"conf_without_version", Display("maintainer=a\ncv_min_ver=3.0"), "conf"},
+    {"needs_newer_camvora", Display("version=2\nmaintainer=a\ncv_min_ver=3.2-1"), "version of Camvora"},
+    {"too_old", Display("version=0.9\nmaintainer=a\ncv_min_ver=3"), "version of the add-on"},
 
     {"too_many_entries",
      MakeDevicePack(std::vector<TarMember>(kLimits.entries - 1, TarMember{"device_pack/a", ""})), "sizes"},
     {"tree_too_large", MakeDevicePack({{"device_pack/a", std::string(kLimits.sizeBytes, 'x')}}), "sizes"},
-    {"tree_of_zeros_without_end",
-     TarOf({kInfoEntry, {"package.tgz", Gzip(kPlainTree + std::string(4 * kLimits.sizeBytes, '\0'))}}),
+    {"tree_of_zeros_without_end", WithTree(Gzip(kPlainTree + std::string(4 * kLimits.sizeBytes, '\0'))),
      "archive"},
-    {"tree_compressed_twice", TarOf({kInfoEntry, {"package.tgz", Gzip(kTree)}}), "archive, tree"},
+    {"tree_compressed_twice", WithTree(Gzip(kTree)), "archive, tree"},
     {"outer_too_large", TarOf({kInfoEntry, kTreeEntry, {"x", std::string(kLimits.sizeBytes, 'x')}}),
      "sizes, free space"},
 };

@@ -8,6 +8,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 FakeReplies Answers(const std::string& request, const FakeReply& reply) {
     return {{request, reply}};
@@ -46,6 +47,10 @@ const CommandCase kProgramCases[] = {
      "Update  Install the add-on that was unpacked, or the last download  [service=] [filePath=]\n"
      "\\x1B    -                                                           -\n",
      ""},
+    {"method", "methods SetAutoUpdate",
+     Answers("GET /api",
+             Success(R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["SetAutoUpdate"]}]})")),
+     0, HasSubstr("Parameter          blEnable, boolean: Whether it is to be on\n"), ""},
     {"method_of_a_later_appliance", "methods New",
      Answers("GET /api", Success(R"({"apis":[{"api":"A.B","version":1,"methods":["New"]}]})")), 0,
      "Method       New\nAPI          A.B, version 1\nDescription  this program knows none\n", ""},
@@ -96,6 +101,15 @@ const CommandCase kProgramCases[] = {
      HasSubstr("within 1 s. The appliance may still be at work")},
     {"huge_reply", "list", Answers("List", {200, std::string(9 << 20, 'x'), "", true}), 1, "",
      HasSubstr(" is too large\n")},
+    {"failure_for_programs", "call Restart --json",
+     Usual({{"Restart", Error(200, R"({"code":400,"data":{"errinfo":{"key":"bad\u0007"}}})")}}), 1,
+     R"x({"error":{"code":400,"data":{"errinfo":{"key":"bad\u0007"}},)x"
+     R"x("log":[{"function":"F","line":9,"source":"s","text":"why","time":"T"}],"request":"r1","status":1,)x"
+     R"x("text":"Restart failed (error 400): the appliance could not do it"}})x"
+     "\n",
+     ""},
+    {"broken_rules_for_programs", "check " SCHEMAS "/list.json --json", kNobody, 4,
+     StartsWith(R"({"error":{"code":0,"data":{"rules":[{"kept":false,"rule":"extension")"), ""},
     {"unknown_number", "start 7", Answers("List", Success(R"({"list":[]})")), 3, "",
      "camvoractl: There is no service 7. \"camvoractl list\" shows all\n"},
     {"unreachable", "list --host http://127.0.0.1:1", kNobody, 6, "",

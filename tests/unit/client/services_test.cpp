@@ -20,11 +20,13 @@ struct TypoCase {
 
 const TypoCase kTypoCases[] = {
     {"one_letter_missing", "device_pak", "Did you mean \"device_pack\"?"},
+    {"two_letters_swapped", "csm", "Did you mean \"cms\"?"},
     {"other_separator", "local-display", "Did you mean \"local_display\"?"},
     {"capitals", "CMS", "Did you mean \"cms\"?"},
     {"only_the_beginning", "loc", "Did you mean \"local_display\"?"},
     {"several_as_near", "service9", "Did you mean \"service3\" or \"service4\"?"},
     {"nothing_near", "printer", "\"camvoractl list\" shows all"},
+    {"short_and_far", "xyz", "\"camvoractl list\" shows all"},
     {"empty", "", "\"camvoractl list\" shows all"},
 };
 

@@ -75,14 +75,4 @@ TEST(SettingsFileTest, LiesWhereTheEnvironmentSays) {
         StartClient("settings", {"XDG_CONFIG_HOME=" + folder.Path()}).Wait().out.find("server      r "));
 }
 
-TEST(QuietTest, LeavesOutcomeAndErrors) {
-    const FakeAppliance appliance(
-        {{"List", Success(R"({"list":[{"service":2,"info":{"shortName":"cms"}}]})")}});
-    EXPECT_EQ("", appliance.Run("call Restart --quiet").err);
-    const Outcome ordered = appliance.Run("restart cms --no-wait --quiet");
-    EXPECT_EQ("", ordered.err);
-    EXPECT_EQ(" was restarted (request r1)\n", ordered.out);
-    EXPECT_NE("", appliance.Run("stop none --quiet").err);
-}
-
 }  // namespace

@@ -92,6 +92,8 @@ const CommandCase kUpdateCases[] = {
          R"(Restore Bearer secret {"description":"restored by camvoractl","service":1,"serviceName":"DP"})")},
     {"restore_dry", "restore 1 -n", kUsual, 0, HasSubstr("Factory copy     its version is not known here\n"),
      _, AsksNo("Restore")},
+    {"restore_of_what_does_not_run", "restore 6 -n", Usual({{"List", ServiceList(true, false)}}), 0,
+     HasSubstr("Stops meanwhile  nothing\n"), _},
     {"restore_nobody_to_ask", "restore 1", kUsual, 2, "", HasSubstr("There is nobody to ask"),
      AsksNo("List")},
     {"restore_without_copy", "restore 1 --yes", Usual({{"GetInfo", Success("{}")}}), 3, "",
