@@ -40,7 +40,8 @@ const CommandCase kControlCases[] = {
      Replies(InTurn({kWithProcess, kInProgress, kStarted}), kDone, kSuccess), 0, "LD is running\n",
      kAsked + kWaiting + kSecondLook + kWaiting + kSecondLook},
     {"stop_that_nobody_waits_for", "disable local_display --no-wait", Replies(kStarted, kNotDone, kNothing),
-     0, "LD is being stopped (request r1)\n", "Asking the appliance to stop LD\n"},
+     0, "LD is being stopped (request r1)\n", "Asking the appliance to stop LD\n",
+     Asks(R"(Disable Bearer secret {"description":"stopped by camvoractl","service":6,"serviceName":"LD"})")},
 
     {"quiet_outcome", "restart 6 --no-wait --quiet", Usual(), 0, "LD was restarted (request r1)\n", ""},
     {"quiet_failure", "stop none --quiet", Usual(), 3, "", testing::HasSubstr("no service \"none\"")},

@@ -106,8 +106,6 @@ const JsonCase kJsonCases[] = {
     {"man", "man"},
     {"error", "status none"},
     {"error", "list --timeout 0"},
-    {"error", "check @/source/tree/a"},
-    {"error", "call Restart", {{"Restart", Error(200, R"({"code":400,"data":{"errinfo":{"key":"a"}}})")}}},
 };
 
 std::string Replaced(std::string line, char sign, const std::string& text) {

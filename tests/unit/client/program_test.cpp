@@ -19,13 +19,12 @@ const FakeReply kHtml{200, "<html>"};
 
 const CommandCase kProgramCases[] = {
     {"list", "list",
-     Answers(
-         "List",
-         Success(
-             R"({"list":[{"service":2,"info":{"service":2,"name":"C\u001b[2JMS","status":7,"blRunning":"?"}}]})")),
+     Answers("List", Success(R"({"list":[{"service":2,"info":{"service":2,"name":"C\u001b[2JMS","status":7,)"
+                             R"("statusName":"7","blRunning":"?","blHasPackages":true,"blFactoryCopy":false,)"
+                             R"("blAutoUpdate":true}}]})")),
      0,
      "Name        Short name  Number  Running  Status  Version  Packages  Factory copy  Automatic update\n"
-     "C\\x1B[2JMS  -           2       ?        -       -        -         -             -\n",
+     "C\\x1B[2JMS  -           2       ?        7       -        yes       no            on\n",
      ""},
     {"status_of_a_number_below_zero", "status -1 --json", Answers("GetInfo", Success(R"({"status":0})")), 0,
      "{\"status\":0}\n", ""},
