@@ -6,6 +6,7 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -25,6 +26,10 @@ const CommandCase kProgramCases[] = {
      0,
      "Name        Short name  Number  Running  Status  Version  Packages  Factory copy  Automatic update\n"
      "C\\x1B[2JMS  -           2       ?        7       -        yes       no            on\n",
+     ""},
+    {"status", "status 1",
+     Answers("GetInfo", Success(R"({"pid":812,"since":"2026-03-01","options":{"0":"yes"}})")), 0,
+     EndsWith("Process           812\nRunning since     2026-03-01\nOptions           {\"0\":\"yes\"}\n"),
      ""},
     {"status_of_a_number_below_zero", "status -1 --json", Answers("GetInfo", Success(R"({"status":0})")), 0,
      "{\"status\":0}\n", ""},
