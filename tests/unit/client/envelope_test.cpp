@@ -1,6 +1,6 @@
 #include "client/envelope.h"
 
-#include "client/failure.h"
+#include "failswith.h"
 
 #include <gtest/gtest.h>
 
@@ -48,13 +48,7 @@ const FailureCase kFailureCases[] = {
 TEST(EnvelopeFailureTest, SaysWhatFailed) {
     for (const FailureCase& row : kFailureCases) {
         SCOPED_TRACE(row.name);
-        try {
-            DataOf({row.httpStatus, row.body, ""}, "X");
-            FAIL() << "was taken for a success";
-        } catch (const Failure& failure) {
-            EXPECT_EQ(row.status, failure.status);
-            EXPECT_STREQ(row.text, failure.what());
-        }
+        EXPECT_THAT([&] { DataOf({row.httpStatus, row.body, ""}, "X"); }, FailsWith(row.status, row.text));
     }
 }
 

@@ -1,8 +1,9 @@
 #include "client/location.h"
 
-#include "client/failure.h"
-#include "fakeappliance.h"
 #include "support/temporaryfolder.h"
+
+#include "failswith.h"
+#include "fakeappliance.h"
 
 #include <gtest/gtest.h>
 
@@ -21,13 +22,7 @@ protected:
 
     static void ExpectFailure(ExitStatus status, const std::string& text, const LocationOptions& options,
                               const std::string& programDir = "") {
-        try {
-            Locate(options, programDir);
-            ADD_FAILURE() << "was found instead of: " << text;
-        } catch (const Failure& failure) {
-            EXPECT_EQ(status, failure.status) << failure.what();
-            EXPECT_EQ(text, failure.what());
-        }
+        EXPECT_THAT([&] { Locate(options, programDir); }, FailsWith(status, text));
     }
 
     TemporaryFolder folder_;

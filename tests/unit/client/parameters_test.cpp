@@ -1,7 +1,8 @@
 #include "client/parameters.h"
 
-#include "client/failure.h"
 #include "client/jsontext.h"
+
+#include "failswith.h"
 
 #include <gtest/gtest.h>
 
@@ -46,12 +47,7 @@ TEST(ParametersTest, RefusesWhatHasNoClearMeaning) {
         {"word"}, {"=1"}, {""}, {"a=1", "a=2"}, {"a=\xFF"}, {"\xC3=1"},
     };
     for (const std::vector<std::string>& words : refused) {
-        try {
-            ParseParameters(words);
-            ADD_FAILURE() << words.back() << " was taken";
-        } catch (const Failure& failure) {
-            EXPECT_EQ(ExitStatus::kUsage, failure.status) << words.back();
-        }
+        EXPECT_THAT([&] { ParseParameters(words); }, FailsWith(ExitStatus::kUsage)) << words.back();
     }
 }
 

@@ -1,7 +1,8 @@
 #include "client/services.h"
 
-#include "client/failure.h"
 #include "client/jsontext.h"
+
+#include "failswith.h"
 
 #include <gtest/gtest.h>
 
@@ -33,14 +34,8 @@ const TypoCase kTypoCases[] = {
 TEST(TypoTest, IsNotFoundWithASuggestion) {
     for (const TypoCase& row : kTypoCases) {
         SCOPED_TRACE(row.name);
-        try {
-            FindByName(kServices, row.typed);
-            FAIL() << "was found";
-        } catch (const Failure& failure) {
-            EXPECT_EQ(ExitStatus::kNotFound, failure.status);
-            EXPECT_EQ("There is no service \"" + std::string(row.typed) + "\". " + row.answer,
-                      failure.what());
-        }
+        const std::string text = "There is no service \"" + std::string(row.typed) + "\". " + row.answer;
+        EXPECT_THAT([&] { FindByName(kServices, row.typed); }, FailsWith(ExitStatus::kNotFound, text));
     }
 }
 
