@@ -2,7 +2,9 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 
 namespace fs = std::filesystem;
 
@@ -48,17 +50,12 @@ Listing ListingOf(const fs::path& folder, const std::set<std::string>& leftOut) 
 }
 
 std::vector<std::string> ChangedPaths(const Listing& before, const Listing& after) {
+    Listing changed;
+    std::set_symmetric_difference(before.begin(), before.end(), after.begin(), after.end(),
+                                  std::inserter(changed, changed.end()));
     std::vector<std::string> paths;
-    for (const auto& [path, entry] : before) {
-        const auto found = after.find(path);
-        if (found == after.end() || found->second != entry) {
-            paths.push_back(path);
-        }
-    }
-    for (const auto& [path, entry] : after) {
-        if (before.count(path) == 0) {
-            paths.push_back(path);
-        }
+    for (const auto& [path, entry] : changed) {
+        paths.push_back(path);
     }
     return paths;
 }

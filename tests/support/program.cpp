@@ -23,8 +23,7 @@ std::vector<char*> Pointers(const std::vector<std::string>& texts) {
 
 }  // namespace
 
-Program::Program(const std::vector<std::string>& command, const std::vector<std::string>& environment,
-                 int outDescriptor) {
+Program::Program(const std::vector<std::string>& command, const std::vector<std::string>& environment) {
     const auto addFile = [this](posix_spawn_file_actions_t& files, int descriptor, const char* name) {
         posix_spawn_file_actions_addopen(&files, descriptor, folder_.PathOf(name).c_str(), O_WRONLY | O_CREAT,
                                          0600);
@@ -33,9 +32,6 @@ Program::Program(const std::vector<std::string>& command, const std::vector<std:
     posix_spawn_file_actions_init(&files);
     addFile(files, STDOUT_FILENO, "out");
     addFile(files, STDERR_FILENO, "err");
-    if (outDescriptor >= 0) {
-        posix_spawn_file_actions_adddup2(&files, outDescriptor, STDOUT_FILENO);
-    }
     const int error = posix_spawn(&pid_, command[0].c_str(), &files, nullptr, Pointers(command).data(),
                                   Pointers(environment).data());
     posix_spawn_file_actions_destroy(&files);

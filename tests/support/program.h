@@ -17,11 +17,9 @@ struct Outcome {
 class Program {
 public:
     // Starts it. Throws std::runtime_error when that fails.
-    //   command        the program's path, and its arguments
-    //   environment    the whole of it, as in "NAME=value"
-    //   outDescriptor  its standard output instead of the one that is collected; stays the caller's
-    Program(const std::vector<std::string>& command, const std::vector<std::string>& environment,
-            int outDescriptor = -1);
+    //   command      the program's path, and its arguments
+    //   environment  the whole of it, as in "NAME=value"
+    Program(const std::vector<std::string>& command, const std::vector<std::string>& environment);
 
     pid_t Pid() const { return pid_; }
 

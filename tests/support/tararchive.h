@@ -1,4 +1,4 @@
-// Archives as only an attacker would make them.
+// Archives of any members, also as only an attacker would make them.
 #pragma once
 
 #include <string>

@@ -1,7 +1,5 @@
 // Starting and stopping: what is asked, how long is waited, and what is made of what was seen.
-#include "fakeappliance.h"
-
-#include <gtest/gtest.h>
+#include "commandcase.h"
 
 namespace {
 
@@ -19,109 +17,49 @@ const FakeReply kNotDone = Success(R"({"blDone":false})");
 const FakeReply kNothing = Success(R"({"entries":[]})");
 const FakeReply kSuccess = Success(R"({"entries":[{"id":9}]})");
 
-const std::string kAsked = "Asking the appliance to start Display\n";
-const std::string kWaiting = "Waiting for Display\n";
-const std::string kSecondLook = "Display is running; looking again in two seconds\n";
-const std::string kReason = "The request was r1\nThe appliance logged:\nT  s:9  F  why\n";
+const std::string kAsked = "Asking the appliance to start LD\n";
+const std::string kWaiting = "Waiting for LD\n";
+const std::string kSecondLook = "LD is running; looking again in two seconds\n";
 
-// One with the service 6, which does what it is asked.
+std::string Missed(const std::string& words, const std::string& look = "") {
+    return kAsked + kWaiting + look + "camvoractl: " + words + "\n" + kWhy;
+}
+
 FakeReplies Replies(const FakeReply& info, const FakeReply& checkDone, const FakeReply& entries) {
-    return {
-        {"List", Success(R"({"list":[{"service":6,"info":{"shortName":"display","name":"Display"}}]})")},
-        {"Enable", Success("null")},
-        {"Disable", Success("null")},
-        {"Restart", Success("null")},
-        {"GetInfo", info},
-        {"CheckEnableDone", checkDone},
-        {"GET /operationlog?request=r1", entries},
-        {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
-    };
+    return Usual(
+        {{"GetInfo", info}, {"CheckEnableDone", checkDone}, {"GET /operationlog?request=r1", entries}});
 }
 
-struct ReachedCase {
-    const char* name;
-    const char* line;
-    FakeReply info;
-    FakeReply entries;
-    std::string out;
-    std::string err;
+const CommandCase kControlCases[] = {
+    {"start", "start local_display", Replies(InTurn({kStopped, kInProgress, kWithProcess}), kDone, kSuccess),
+     0, "LD is running since 12:03:07, pid 812\n", kAsked + kWaiting + kSecondLook},
+    {"start_of_one_that_runs_already_and_is_replaced", "enable 6",
+     Replies(InTurn({kStarted, kWithProcess}), kDone, InTurn({kNothing, kSuccess})), 0,
+     "LD is running since 12:03:07, pid 812\n", kAsked + kWaiting + kSecondLook},
+    {"start_that_another_follows", "start local_display",
+     Replies(InTurn({kWithProcess, kInProgress, kStarted}), kDone, kSuccess), 0, "LD is running\n",
+     kAsked + kWaiting + kSecondLook + kWaiting + kSecondLook},
+    {"stop_that_nobody_waits_for", "disable local_display --no-wait", Replies(kStarted, kNotDone, kNothing),
+     0, "LD is being stopped (request r1)\n", "Asking the appliance to stop LD\n",
+     Asks(R"(Disable Bearer secret {"description":"stopped by camvoractl","service":6,"serviceName":"LD"})")},
+
+    {"quiet_outcome", "restart 6 --no-wait --quiet", Usual(), 0, "LD was restarted (request r1)\n", ""},
+    {"quiet_failure", "stop none --quiet", Usual(), 3, "", testing::HasSubstr("no service \"none\"")},
+
+    {"stays_in_progress", "start 6 --timeout 5", Replies(InTurn({kStopped, kInProgress}), kDone, kNothing), 9,
+     "", Missed("The action did not succeed: LD has the status \"in progress\" and is not running")},
+    {"leaves_all_as_it_was", "start 6 --timeout 5", Replies(kStarted, kDone, kNothing), 9, "",
+     Missed("The action did not succeed: LD has the status \"started\" and is running")},
+    {"is_undone_by_another", "start 6 --timeout 5", Replies(kStopped, kDone, kSuccess), 9, "",
+     Missed("The action is over, but LD has the status \"stopped\" and is not running")},
+    {"lasts_longer_than_the_limit", "start 6 --timeout 5", Replies(kInProgress, kNotDone, kNothing), 8, "",
+     Missed("After 5 s, LD has the status \"in progress\" and is not running; --timeout waits longer")},
+    {"daemon_dies_at_once", "start 6 --timeout 5", Replies(InTurn({kWithProcess, kDead}), kDone, kSuccess), 9,
+     "",
+     Missed("LD was running; two seconds later it has the status \"started\" and is not running",
+            kSecondLook)},
 };
 
-const ReachedCase kReachedCases[] = {
-    {"start", "start display", InTurn({kStopped, kInProgress, kWithProcess}), kSuccess,
-     "Display is running since 12:03:07, pid 812\n", kAsked + kWaiting + kSecondLook},
-    {"start_of_one_that_runs_already_and_is_replaced", "enable 6", InTurn({kStarted, kWithProcess}),
-     InTurn({kNothing, kSuccess}), "Display is running since 12:03:07, pid 812\n",
-     kAsked + kWaiting + kSecondLook},
-    {"start_that_another_follows", "start display", InTurn({kWithProcess, kInProgress, kStarted}), kSuccess,
-     "Display is running\n", kAsked + kWaiting + kSecondLook + kWaiting + kSecondLook},
-    {"start_for_programs", "start display --json", kStarted, kSuccess,
-     "{\"blRunning\":true,\"status\":1,\"statusName\":\"started\"}\n", ""},
-    {"start_that_programs_do_not_wait_for", "start display --no-wait --json", kStopped, kNothing,
-     "{\"request\":\"r1\"}\n", ""},
-    {"stop", "stop display", InTurn({kStarted, kInProgress, kStopped}), kSuccess, "Display is stopped\n",
-     "Asking the appliance to stop Display\n" + kWaiting},
-    {"restart", "restart display", kWithProcess, kNothing, "Display is running since 12:03:07, pid 812\n",
-     "Asking the appliance to restart Display\n" + kWaiting + kSecondLook},
-};
-
-class ControlReachedTest : public testing::TestWithParam<ReachedCase> {};
-
-TEST_P(ControlReachedTest, SaysWhatWasSeen) {
-    const FakeAppliance appliance(Replies(GetParam().info, kDone, GetParam().entries));
-    const Outcome outcome = appliance.Run(GetParam().line);
-    EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ(GetParam().out, outcome.out);
-    EXPECT_EQ(GetParam().err, outcome.err);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ControlReachedTest, testing::ValuesIn(kReachedCases),
-                         [](const auto& c) { return std::string(c.param.name); });
-
-struct MissedCase {
-    const char* name;
-    FakeReply info;
-    FakeReply checkDone;
-    FakeReply entries;
-    int status;
-    std::string err;  // between the first steps and the log
-};
-
-const MissedCase kMissedCases[] = {
-    {"stays_in_progress", InTurn({kStopped, kInProgress}), kDone, kNothing, 9,
-     "camvoractl: The action did not succeed: Display has the status \"in progress\" and is not running\n"},
-    {"leaves_all_as_it_was", kStarted, kDone, kNothing, 9,
-     "camvoractl: The action did not succeed: Display has the status \"started\" and is running\n"},
-    {"is_undone_by_another", kStopped, kDone, kSuccess, 9,
-     "camvoractl: The action is over, but Display has the status \"stopped\" and is not running\n"},
-    {"lasts_longer_than_the_limit", kInProgress, kNotDone, kNothing, 8,
-     "camvoractl: After 5 s, Display has the status \"in progress\" and is not running; "
-     "--timeout waits longer\n"},
-    {"daemon_dies_at_once", InTurn({kWithProcess, kDead}), kDone, kSuccess, 9,
-     kSecondLook + "camvoractl: Display was running; two seconds later it has the status \"started\" and is "
-                   "not running\n"},
-};
-
-class ControlMissedTest : public testing::TestWithParam<MissedCase> {};
-
-TEST_P(ControlMissedTest, SaysWhatIsWrongAndWhy) {
-    const FakeAppliance appliance(Replies(GetParam().info, GetParam().checkDone, GetParam().entries));
-    const Outcome outcome = appliance.Run("start display --timeout 5");
-    EXPECT_EQ(GetParam().status, outcome.status);
-    EXPECT_EQ("", outcome.out);
-    EXPECT_EQ(kAsked + kWaiting + GetParam().err + kReason, outcome.err);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ControlMissedTest, testing::ValuesIn(kMissedCases),
-                         [](const auto& c) { return std::string(c.param.name); });
-
-TEST(ControlRequestTest, TellsTheOperationLogWhoItWas) {
-    FakeAppliance appliance(Replies(kStopped, kDone, kNothing));
-    EXPECT_EQ("Display is being stopped (request r1)\n", appliance.Run("disable display --no-wait").out);
-    ASSERT_EQ(2U, appliance.Requests().size());
-    EXPECT_EQ(R"(Disable Bearer secret )"
-              R"({"description":"stopped by camvoractl","service":6,"serviceName":"Display"})",
-              appliance.Requests()[1]);
-}
+INSTANTIATE_TEST_SUITE_P(Control, CommandTest, testing::ValuesIn(kControlCases), NameOf);
 
 }  // namespace

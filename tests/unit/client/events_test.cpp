@@ -26,26 +26,19 @@ std::string Event(const std::string& id, const std::string& name, const std::str
     return "id: " + id + "\nevent: " + name + "\ndata: " + data + "\n";
 }
 
-// Runs until two streams have ended, there was none for a moment, and one stays.
-Outcome RunWithBreaks(FakeAppliance& appliance, const std::string& line) {
-    const Program run = appliance.Start(line);
-    appliance.AwaitRequests(5);
-    kill(run.Pid(), SIGINT);
-    return run.Wait();
-}
-
-FakeReplies BreakingStreams() {
+// Two streams end, there is none for a moment, and one stays.
+TEST(EventsCommandTest, GoesOnWhereTheConnectionBroke) {
     const std::string first = Event("4", "snapshot", kSnapshot) + Event("5", "notification", kStartOf6) +
                               Event("6", "notification", kUpdated);
     const std::string second = Event("6", "snapshot", kSnapshot) + ": still here\n\ndata: no JSON\n\n" +
                                Event("7", "notification", kOther);
-    return {{"GET /events", InTurn({Stream(first, false), Error(503, R"({"code":1008,"data":null})"),
-                                    Stream(second, false), Stream(": still here\n\n", true)})}};
-}
-
-TEST(EventsCommandTest, GoesOnWhereTheConnectionBroke) {
-    FakeAppliance appliance(BreakingStreams());
-    const Outcome outcome = RunWithBreaks(appliance, "events");
+    FakeAppliance appliance(
+        {{"GET /events", InTurn({Stream(first, false), Error(503, R"({"code":1008,"data":null})"),
+                                 Stream(second, false), Stream(": still here\n\n", true)})}});
+    const Program run = appliance.Start("events");
+    appliance.AwaitRequests(5);
+    kill(run.Pid(), SIGINT);
+    const Outcome outcome = run.Wait();
     EXPECT_EQ(130, outcome.status);
     EXPECT_EQ(
         "2026-03-01 12:03:07  Display  started\n"
@@ -63,13 +56,6 @@ TEST(EventsCommandTest, GoesOnWhereTheConnectionBroke) {
     const std::vector<std::string> expected = {events, events + "6", "GET /log?request=r1 Bearer secret ",
                                                events + "6", events + "7"};
     EXPECT_EQ(expected, appliance.Requests());
-}
-
-TEST(EventsCommandTest, WritesALinePerEventForPrograms) {
-    FakeAppliance appliance(BreakingStreams());
-    const Outcome outcome = RunWithBreaks(appliance, "events --json");
-    EXPECT_EQ(kSnapshot + kStartOf6 + kUpdated + kSnapshot + kOther, outcome.out);
-    EXPECT_EQ("camvoractl: Interrupted\n", outcome.err);
 }
 
 }  // namespace

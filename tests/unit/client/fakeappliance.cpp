@@ -1,6 +1,8 @@
 #include "fakeappliance.h"
 
+#include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <iterator>
 #include <sstream>
 #include <utility>
@@ -9,9 +11,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kPause{20};
 const std::string kMethodPath = "POST /api/ORVA.Camvora.AddOns/v1/";
-
-const FakeReply kNoSuchMethod = {
-    404, R"({"success":false,"error":{"code":1003,"data":{"text":"no such method"}}})"};
 
 std::vector<std::string> WordsOf(const std::string& line) {
     std::istringstream stream(line);
@@ -54,8 +53,8 @@ FakeReply InTurn(const std::vector<FakeReply>& replies) {
     return first;
 }
 
-Program StartClient(const std::string& line, const std::vector<std::string>& environment, int outDescriptor) {
-    return Program(WordsOf(CAMVORACTL " " + line), environment, outDescriptor);
+Program StartClient(const std::string& line, const std::vector<std::string>& environment) {
+    return Program(WordsOf(CAMVORACTL " " + line), environment);
 }
 
 std::vector<std::string> Offered(const std::string& line, const std::string& last,
@@ -101,8 +100,20 @@ FakeAppliance::~FakeAppliance() {
     thread_.join();
 }
 
-Program FakeAppliance::Start(const std::string& line, int outDescriptor) const {
-    return StartClient(line, {"TZ=UTC", "CAMVORA_DIR=" + dir_.Path()}, outDescriptor);
+Program FakeAppliance::Start(const std::string& line) const {
+    return StartClient(line, {"TZ=UTC", "CAMVORA_DIR=" + dir_.Path()});
+}
+
+Outcome FakeAppliance::RunInShell(const std::string& script) const {
+    const std::string folder = std::filesystem::path(CAMVORACTL).parent_path();
+    return Program({"/bin/sh", "-c", script}, {"PATH=/usr/bin:/bin:" + folder, "CAMVORA_DIR=" + dir_.Path()})
+        .Wait();
+}
+
+Outcome FakeAppliance::RunAtTerminal(const std::string& line, const std::string& typed,
+                                     const std::string& settings) const {
+    return RunInShell("printf '" + typed + "' | script -qec 'stty cols 70; " + settings + " camvoractl " +
+                      line + "' /dev/null");
 }
 
 std::vector<std::string> FakeAppliance::Requests() {
@@ -115,6 +126,14 @@ void FakeAppliance::AwaitRequests(std::size_t count) {
     arrived_.wait(lock, [&] { return requests_.size() >= count; });
 }
 
+void FakeAppliance::AwaitRequest(const std::string& beginning) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    arrived_.wait(lock, [&] {
+        return std::any_of(requests_.begin(), requests_.end(),
+                           [&](const std::string& request) { return request.rfind(beginning, 0) == 0; });
+    });
+}
+
 FakeReply FakeAppliance::TakeReply(const httplib::Request& request) {
     const std::string name = NameOf(request);
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -123,7 +142,7 @@ FakeReply FakeAppliance::TakeReply(const httplib::Request& request) {
     arrived_.notify_all();
     const auto found = replies_.find(name);
     if (found == replies_.end()) {
-        return kNoSuchMethod;
+        return Success("null");
     }
     FakeReply reply = found->second;
     if (!reply.next.empty()) {

@@ -35,13 +35,11 @@ FakeReply Error(int httpStatus, const std::string& error);
 // These replies one after the other; there is at least one.
 FakeReply InTurn(const std::vector<FakeReply>& replies);
 
-// By the method of the module, or by "METHOD /path?query". Everything else is a 404.
+// By the method of the module, or by "METHOD /path?query". Everything else is done, with nothing to report.
 using FakeReplies = std::map<std::string, FakeReply>;
 
 // Starts camvoractl; `line` is split at blanks.
-//   environment, outDescriptor  as in Program
-Program StartClient(const std::string& line, const std::vector<std::string>& environment = {},
-                    int outDescriptor = -1);
+Program StartClient(const std::string& line, const std::vector<std::string>& environment = {});
 
 // What a shell is offered in place of the last word of the line, "" for an empty one.
 std::vector<std::string> Offered(const std::string& line, const std::string& last,
@@ -65,17 +63,27 @@ public:
     const std::string& Url() const { return url_; }
 
     // The same in UTC, with CAMVORA_DIR naming this appliance.
-    Program Start(const std::string& line, int outDescriptor = -1) const;
+    Program Start(const std::string& line) const;
 
     // The same until its end.
     Outcome Run(const std::string& line) const { return Start(line).Wait(); }
+
+    // What a shell makes of the script, in which the client is "camvoractl".
+    Outcome RunInShell(const std::string& script) const;
+
+    // The client at a terminal of 70 columns, on which that was typed. All that it shows is the standard
+    // output.
+    //   settings  of its environment, as in "A=1 B=2"
+    Outcome RunAtTerminal(const std::string& line, const std::string& typed = "",
+                          const std::string& settings = "") const;
 
     // What arrived so far, one text each: the request named as above, "Authorization", and the body, the
     // files of a form as "field=name:content", or the "Last-Event-ID", with blanks between.
     std::vector<std::string> Requests();
 
-    // Returns when so many requests have arrived.
+    // These return when so many have arrived, or one that begins so.
     void AwaitRequests(std::size_t count);
+    void AwaitRequest(const std::string& beginning);
 
 private:
     void Answer(const httplib::Request& request, httplib::Response& response);

@@ -1,103 +1,35 @@
 // "install": the plan, the question, and what is said of what was seen.
 #include "support/packages.h"
 
-#include "fakeappliance.h"
+#include "commandcase.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <poll.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <array>
 #include <csignal>
-#include <cstdlib>
+#include <map>
 
 namespace {
 
-std::string Entry(int number, const std::string& name, bool isRunning) {
-    return R"({"service":)" + std::to_string(number) + R"(,"info":{"shortName":")" + name +
-           R"(","name":"The )" + name + R"(","blRunning":)" + (isRunning ? "true}}" : "false}}");
-}
+using testing::EndsWith;
+using testing::HasSubstr;
 
-FakeReply List(bool isDevicePackRunning, bool isDisplayRunning) {
-    return Success(R"({"list":[)" + Entry(1, "device_pack", isDevicePackRunning) + "," +
-                   Entry(6, "local_display", isDisplayRunning) + "]}");
-}
-
-FakeReply Installed(const std::string& version) {
-    return Success(R"({"version":")" + version + "\"}");
-}
-
-FakeReply Programs(const std::string& programs) {
-    return Success(R"({"programs":[)" + programs + "]}");
-}
-
-const FakeReply kOldThenNew = InTurn({Installed("2.1-9"), Installed("2.2-1")});
-const FakeReply kAllRun = List(true, true);
-const FakeReply kUpdateFailed = Error(200, R"({"code":400,"data":null})");
-
-constexpr char kOldRuns[] =
-    R"({"request":"u","path":"/bin/sleep","arguments":[],"durationMs":60000},)"
-    R"({"request":"v","path":"/bin/tar","arguments":[],"durationMs":9000},)"
-    R"({"request":"v","path":"/s/S82camvora.sh","arguments":["stop"],"durationMs":2400},)"
-    R"({"request":"v","path":"/bin/mv","arguments":["-f","/w/device_pack",)"
-    R"("/var/packages/Camvora/target/device_pack"],"durationMs":1100})";
-constexpr char kRuns[] = R"({"path":"/d/script/preinst","arguments":[],"exitStatus":-2},)"
-                         R"({"path":"/bin/mv","arguments":["-f","\u001b"],"exitStatus":1},)"
-                         R"({"path":"/bin/rm","arguments":[],"exitStatus":0},)"
-                         R"({"path":"/d/script/postinst","arguments":[],"exitStatus":-1})";
+const FakeReply kAllRun = ServiceList(true, true);
 
 const std::string kSent = "Sending x.spk\nThe appliance unpacks and checks it\n";
 const std::string kPlan =
-    "Add-on           The device_pack\n"
+    "Add-on           DP\n"
     "Maintainer       Me\n"
     "Installed        2.1-9\n"
     "To install       2.2-1 (newer)\n"
-    "Stops meanwhile  all of Camvora; running now: The device_pack, The local_display\n"
+    "Stops meanwhile  all of Camvora; running now: DP, LD\n"
     "Takes about      4 seconds, as the last time\n";
-const std::string kInstalls = "The appliance installs The device_pack 2.2-1\n";
+const std::string kInstalls = "The appliance installs DP 2.2-1\n";
 const std::string kLooks = "Looking at what is installed and runs\n";
 const std::string kWarnings =
     "Warning: /bin/mv -f \\x1B ended with exit status 1\n"
     "Warning: /d/script/postinst could not be run or did not end by itself\n";
-const std::string kWhy = "The request was r1\nThe appliance logged:\nT  s:9  F  why\n";
-
-// What the terminal shows, up to that text at least. It may come after the program has ended.
-std::string ReadUntil(int terminal, const std::string& text) {
-    constexpr int kLimitMs = 5000;
-    std::string shown;
-    std::array<char, 4096> piece;
-    pollfd ready{terminal, POLLIN, 0};
-    while (shown.find(text) == std::string::npos && poll(&ready, 1, kLimitMs) > 0) {
-        const ssize_t size = read(terminal, piece.data(), piece.size());
-        shown.append(piece.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-    }
-    return shown;
-}
 
 class InstallTest : public testing::Test {
 protected:
     InstallTest() { dir_.Write("x.spk", MakeDevicePack()); }
-
-    static FakeReplies Replies() {
-        return {
-            {"List", kAllRun},
-            {"GetInfo", kOldThenNew},
-            {"Upload", Success(R"({"pkgInfo":{}})")},
-            {"GetPkgInfo", Success(R"({"version":"2.2-1","maintainer":"Me","filePath":"/w/"})")},
-            {"Update", Success("null")},
-            {"GET /programs", Programs(kOldRuns)},
-            {"GET /programs?request=r1", Programs(kRuns)},
-            {kLog, Success(R"({"lines":[{"time":"T","source":"s","line":9,"function":"F","text":"why"}]})")},
-        };
-    }
-
-    static bool IsAsked(FakeAppliance& appliance, const std::string& method) {
-        const std::vector<std::string> requests = appliance.Requests();
-        return std::any_of(requests.begin(), requests.end(),
-                           [&](const std::string& request) { return request.rfind(method, 0) == 0; });
-    }
 
     std::string Line(const std::string& options) const { return "install " + file_ + " " + options; }
 
@@ -106,149 +38,76 @@ protected:
 };
 
 TEST_F(InstallTest, SendsShowsThePlanInstallsAndLooks) {
-    FakeReplies replies = Replies();
-    replies["List"] = InTurn({kAllRun, kAllRun, List(true, false), kAllRun, List(false, true), kAllRun});
-    FakeAppliance appliance(replies);
+    FakeAppliance appliance(Usual({{"List", InTurn({kAllRun, kAllRun, ServiceList(true, false), kAllRun,
+                                                    ServiceList(false, true), kAllRun})}}));
     const Outcome outcome = appliance.Run(Line("--yes"));
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ(kSent + kPlan + kInstalls + kLooks + kWarnings, outcome.err);
     EXPECT_EQ(
-        "The device_pack 2.2-1 is installed, in place of 2.1-9\n"
-        "Running as before: The device_pack, The local_display\n",
+        "DP 2.2-1 is installed, in place of 2.1-9\n"
+        "Running as before: DP, LD\n",
         outcome.out);
-    EXPECT_TRUE(IsAsked(appliance, R"(Update Bearer secret {"filePath":"/w/","service":1})"));
+    EXPECT_THAT(appliance.Requests(), Asks(R"(Update Bearer secret {"filePath":"/w/","service":1})"));
 }
 
-TEST_F(InstallTest, IsJsonForPrograms) {
-    FakeReplies replies = Replies();
-    replies["List"] = List(false, false);
-    replies["GET /programs"] = Error(500, "null");
-    const FakeAppliance appliance(replies);
-    const Outcome outcome = appliance.Run(Line("--yes --json"));
-    EXPECT_EQ("", outcome.err);
-    EXPECT_EQ(0U, outcome.out.find(R"({"change":"update","failedPrograms":[{"arguments":["-f","\u001b"],)"));
-    EXPECT_NE(std::string::npos,
-              outcome.out.find(R"("installedVersion":"2.1-9","maintainer":"Me","request":"r1","service":1,)"
-                               R"("stopping":[],"stopsAll":true,"takesMs":null,"version":"2.2-1"})"))
-        << outcome.out;
+TEST_F(InstallTest, ShowsThePlanAndSendsNothing) {
+    const std::map<std::string, std::string> plans = {
+        {"2.10-1", "\nTo install       2.2-1 (older: a downgrade)\n"},
+        {"2.2-1", "\nTo install       2.2-1 (the same version again)\n"},
+        {"", "\nInstalled        -\nTo install       2.2-1 (nothing is installed now)\n"},
+    };
+    for (const auto& [installed, plan] : plans) {
+        FakeAppliance appliance(Usual({{"GetInfo", Installed(installed)}}));
+        EXPECT_THAT(appliance.Run(Line("-n")).out, HasSubstr(plan));
+        EXPECT_THAT(appliance.Requests(), AsksNo("Upload"));
+    }
 }
 
-struct DryCase {
-    const char* name;
-    const char* installed;
-    const char* words;
-    const char* info = kDevicePackInfo;
-    FakeReply list = kAllRun;
+constexpr char kLine[] = "install " SAMPLES "/device_pack-2.2.0-0140.spk --yes --timeout 5";
+
+const CommandCase kFailedCases[] = {
+    {"refused", kLine,
+     Usual({{"GetPkgInfo", Error(200, R"({"code":400,"data":{"errinfo":{"sec":"device_pack"}}})")}}), 4, "",
+     EndsWith("device_pack/\nerrinfo.sec  device_pack\n" + kWhy)},
+    {"nowhere_unpacked", kLine, Usual({{"GetPkgInfo", Success(R"({"version":"2.2-1","filePath":""})")}}), 1,
+     "", EndsWith("checks it\ncamvoractl: GetPkgInfo failed: the answer names no unpacked package\n")},
+    {"update_failed", kLine, Usual({{"Update", Error(200, R"({"code":400,"data":null})")}}), 1, "",
+     EndsWith(kInstalls + kWarnings + "Installed now: 2.2-1\n" +
+              "camvoractl: Update failed (error 400): the appliance could not do it\n" + kWhy)},
+    {"another_version_is_there", kLine, Usual({{"GetInfo", Installed("2.1-9")}}), 9, "",
+     EndsWith(kLooks + kWarnings + "camvoractl: DP 2.2-1 was to be installed, but 2.1-9 is there\n" + kWhy)},
+    {"a_service_stays_away", kLine,
+     Usual({{"List", InTurn({kAllRun, kAllRun, kAllRun, ServiceList(true, false)})}}), 9, "",
+     EndsWith(kLooks + kWarnings +
+              "camvoractl: DP 2.2-1 is installed, but this does not run as before: "
+              "LD\n" +
+              kWhy)},
 };
 
-const DryCase kDryCases[] = {
-    {"update", "2.1-9", "\nTo install       2.2-1 (newer)\n"},
-    {"downgrade", "2.10-1", "\nTo install       2.2-1 (older: a downgrade)\n"},
-    {"the_same", "2.2-1", "\nTo install       2.2-1 (the same version again)\n"},
-    {"first", "", "\nInstalled        -\nTo install       2.2-1 (nothing is installed now)\n"},
-    {"stops_what_does_not_run", "1", "\nStops meanwhile  all of Camvora; no service runs now\n",
-     kDevicePackInfo, List(false, false)},
-    {"stops_only_the_display", "1", "\nStops meanwhile  The local_display\n", kLocalDisplayInfo},
-    {"stops_nothing", "1", "\nStops meanwhile  nothing\n", kLocalDisplayInfo, List(true, false)},
-};
-
-class InstallDryTest : public InstallTest, public testing::WithParamInterface<DryCase> {};
-
-TEST_P(InstallDryTest, ShowsThePlanAndSendsNothing) {
-    const std::string folder = GetParam().info == kDevicePackInfo ? "device_pack/" : "";
-    dir_.Write("x.spk", MakePackage(GetParam().info, {{folder + "conf", kGoodConf}}));
-    FakeReplies replies = Replies();
-    replies["List"] = GetParam().list;
-    replies["GetInfo"] = Installed(GetParam().installed);
-    FakeAppliance appliance(replies);
-    const Outcome outcome = appliance.Run(Line("-n"));
-    EXPECT_EQ(0, outcome.status) << outcome.err;
-    EXPECT_NE(std::string::npos, outcome.out.find(GetParam().words)) << outcome.out;
-    EXPECT_FALSE(IsAsked(appliance, "Upload"));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, InstallDryTest, testing::ValuesIn(kDryCases),
-                         [](const auto& c) { return std::string(c.param.name); });
-
-struct FailedCase {
-    const char* name;
-    const char* request;
-    FakeReply reply;
-    int status;
-    std::string errTail;
-};
-
-const FailedCase kFailedCases[] = {
-    {"refused", "GetPkgInfo", Error(200, R"({"code":400,"data":{"errinfo":{"sec":"device_pack"}}})"), 4,
-     "The appliance does not take x.spk: device_pack/\nerrinfo.sec  device_pack\n" + kWhy},
-    {"nowhere_unpacked", "GetPkgInfo", Success(R"({"version":"2.2-1","filePath":""})"), 1,
-     kSent + "camvoractl: GetPkgInfo failed: the answer names no unpacked package\n"},
-    {"update_failed", "Update", kUpdateFailed, 1,
-     kInstalls + kWarnings + "Installed now: 2.2-1\n" +
-         "camvoractl: Update failed (error 400): the appliance could not do it\n" + kWhy},
-    {"another_version_is_there", "GetInfo", Installed("2.1-9"), 9,
-     kLooks + kWarnings + "camvoractl: The device_pack 2.2-1 was to be installed, but 2.1-9 is there\n" +
-         kWhy},
-    {"a_service_stays_away", "List", InTurn({kAllRun, kAllRun, kAllRun, List(true, false)}), 9,
-     kLooks + kWarnings +
-         "camvoractl: The device_pack 2.2-1 is installed, but this does not run as before: "
-         "The local_display\n" +
-         kWhy},
-};
-
-class InstallFailedTest : public InstallTest, public testing::WithParamInterface<FailedCase> {};
-
-TEST_P(InstallFailedTest, SaysWhatWasSeen) {
-    FakeReplies replies = Replies();
-    replies[GetParam().request] = GetParam().reply;
-    const FakeAppliance appliance(replies);
-    const Outcome outcome = appliance.Run(Line("--yes --timeout 5"));
-    EXPECT_EQ(GetParam().status, outcome.status);
-    EXPECT_EQ("", outcome.out);
-    const std::size_t tailSize = std::min(outcome.err.size(), GetParam().errTail.size());
-    EXPECT_EQ(GetParam().errTail, outcome.err.substr(outcome.err.size() - tailSize));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, InstallFailedTest, testing::ValuesIn(kFailedCases),
-                         [](const auto& c) { return std::string(c.param.name); });
+INSTANTIATE_TEST_SUITE_P(Install, CommandTest, testing::ValuesIn(kFailedCases), NameOf);
 
 TEST_F(InstallTest, AsksNothingOfTheApplianceInVain) {
-    FakeAppliance appliance(Replies());
+    FakeAppliance appliance(Usual());
     EXPECT_EQ(2, appliance.Run(Line("")).status) << "there is nobody to ask";
-    dir_.Write("x.spk", MakeDevicePack({{"device_pack/a", "/etc", 'l'}}));
+    dir_.Write("x.spk", MakeDevicePack({{"device_pack/a", "", '2', "/etc"}}));
     EXPECT_EQ(4, appliance.Run(Line("--yes")).status);
     EXPECT_EQ(0U, appliance.Requests().size());
 }
 
 TEST_F(InstallTest, AsksAtATerminal) {
     for (const bool isAgreed : {true, false}) {
-        FakeAppliance appliance(Replies());
-        const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-        ASSERT_EQ(0, grantpt(terminal) + unlockpt(terminal));
-        const std::string name = ptsname(terminal);
-        const int answer = open(name.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        ASSERT_EQ(2, write(terminal, isAgreed ? "y\n" : "\n\n", 2));
-        const Outcome outcome =
-            Program({"/bin/sh", "-c", "exec " CAMVORACTL " install " + file_ + " <" + name + " 2>" + name},
-                    {"CAMVORA_DIR=" + appliance.Dir()})
-                .Wait();
+        FakeAppliance appliance(Usual());
+        const Outcome outcome = appliance.RunAtTerminal(Line(""), isAgreed ? "y\n" : "\n\n");
         EXPECT_EQ(isAgreed ? 0 : 1, outcome.status);
-        EXPECT_EQ(isAgreed, IsAsked(appliance, "Update"));
-        const std::string question = "Install it? [y/N] ";
-        EXPECT_NE(std::string::npos, ReadUntil(terminal, question).find(question));
-        close(answer);
-        close(terminal);
+        EXPECT_THAT(appliance.Requests(), isAgreed ? Asks("Update") : AsksNo("Update"));
+        EXPECT_THAT(outcome.out, HasSubstr("Install it? [y/N] "));
     }
 }
 
 TEST_F(InstallTest, SaysThatTheApplianceGoesOnWhenItIsInterrupted) {
-    FakeReplies replies = Replies();
-    replies["Update"] = {200, " ", "", true};
-    FakeAppliance appliance(replies);
+    FakeAppliance appliance(Usual({{"Update", {200, " ", "", true}}}));
     const Program run = appliance.Start(Line("--yes"));
-    while (!IsAsked(appliance, "Update")) {
-        usleep(10'000);
-    }
+    appliance.AwaitRequest("Update");
     kill(run.Pid(), SIGINT);
     const Outcome outcome = run.Wait();
     EXPECT_EQ(130, outcome.status);

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <map>
 
 namespace {
 
@@ -70,40 +71,30 @@ TEST_F(PkgBuildTest, GivesTheSameBytesAgain) {
 
 struct RefusalCase {
     const char* name;
-    void (*spoil)(const TemporaryFolder& dir);
+    const char* spoil;  // in a shell
     int status;
     const char* words;
 };
 
 const RefusalCase kRefusalCases[] = {
-    {"no_folder", [](const TemporaryFolder& dir) { fs::remove_all(dir.PathOf("in")); }, 3,
-     "package.conf: No such"},
-    {"no_tree", [](const TemporaryFolder& dir) { fs::remove_all(dir.PathOf("in/tree")); }, 3,
-     "tree: No such"},
-    {"no_version",
-     [](const TemporaryFolder& dir) { dir.Write("in/package.conf", "package=CamvoraDevicePack"); }, 2,
-     "\"version\" in "},
-    {"no_add_on", [](const TemporaryFolder& dir) { dir.Write("in/package.conf", "package=\"DevicePack\""); },
-     2, "is neither CamvoraDevicePack nor CamvoraLocalDisplay"},
-    {"value_too_long",
-     [](const TemporaryFolder& dir) {
-         dir.Write("in/package.conf", "maintainer=" + std::string(300, 'x') + "\n" + kSettings);
-     },
-     2, "\"maintainer\" in "},
-    {"conf_in_the_tree", [](const TemporaryFolder& dir) { dir.Write("in/tree/conf", ""); }, 1,
-     "has a conf of its own"},
-    {"link_that_leads_out",
-     [](const TemporaryFolder& dir) { fs::create_symlink("../../x", dir.PathOf("in/tree/script/x")); }, 4,
+    {"no_folder", "rm -r in", 3, "package.conf: No such"},
+    {"no_tree", "rm -r in/tree", 3, "tree: No such"},
+    {"no_version", "echo package=CamvoraDevicePack >in/package.conf", 2, "\"version\" in "},
+    {"no_add_on", "echo package=DevicePack >in/package.conf", 2,
+     "is neither CamvoraDevicePack nor CamvoraLocalDisplay"},
+    {"value_too_long", "sed -i s/Me/$(printf %0300d 0)/ in/package.conf", 2, "\"maintainer\" in "},
+    {"conf_in_the_tree", "touch in/tree/conf", 1, "has a conf of its own"},
+    {"link_that_leads_out", "ln -s ../../x in/tree/script/x", 4,
      "would not keep the rules: links and special files\n"},
-    {"pipe", [](const TemporaryFolder& dir) { mkfifo(dir.PathOf("in/tree/pipe").c_str(), 0600); }, 1,
-     "it is no plain file"},
+    {"pipe", "mkfifo in/tree/pipe", 1, "it is no plain file"},
 };
 
 class PkgRefusalTest : public PkgBuildTest, public testing::WithParamInterface<RefusalCase> {};
 
 TEST_P(PkgRefusalTest, LeavesWhatWasThere) {
     dir_.Write("out/x.spk", "old");
-    GetParam().spoil(dir_);
+    const std::string inFolder = "cd " + dir_.Path() + " && ";
+    Program({"/bin/sh", "-c", inFolder + GetParam().spoil}, {"PATH=/usr/bin:/bin"}).Wait();
     const Outcome outcome = Build();
     EXPECT_EQ(GetParam().status, outcome.status);
     EXPECT_NE(std::string::npos, outcome.err.find(GetParam().words)) << outcome.err;
@@ -116,7 +107,7 @@ INSTANTIATE_TEST_SUITE_P(All, PkgRefusalTest, testing::ValuesIn(kRefusalCases),
 
 TEST(CheckTest, ShowsEveryRuleAndEscapesNames) {
     const TemporaryFolder dir;
-    dir.Write("x.spk", MakeDevicePack({{"device_pack/a\x1b[2J", "/etc", 'l'}}));
+    dir.Write("x.spk", MakeDevicePack({{"device_pack/a\x1b[2J", "", '2', "/etc"}}));
     const Outcome outcome = StartClient("check " + dir.PathOf("x.spk")).Wait();
     EXPECT_EQ(4, outcome.status);
     EXPECT_EQ("camvoractl: " + dir.PathOf("x.spk") + " does not keep the rules: links and special files\n",
@@ -127,54 +118,27 @@ TEST(CheckTest, ShowsEveryRuleAndEscapesNames) {
     }
 }
 
-TEST(CheckTest, IsJsonForPrograms) {
-    const TemporaryFolder dir;
-    dir.Write("x.spk", MakeDevicePack());
-    dir.Write("x", "");
-    const std::string held = R"({"kept":true,"rule":"archive","seen":"whole",)";
-    EXPECT_NE(std::string::npos, StartClient("check --json " + dir.PathOf("x.spk")).Wait().out.find(held));
-    const Outcome refused = StartClient("check --json " + dir.PathOf("x")).Wait();
-    EXPECT_EQ(4, refused.status);
-    EXPECT_EQ(0U,
-              refused.out.find(R"({"error":{"code":0,"data":{"rules":[{"kept":false,"rule":"extension")"));
-    EXPECT_EQ(refused.out.size(), refused.out.find('\n') + 1) << "one document";
-}
-
-struct FileCase {
-    const char* file;
-    int status;
-    const char* words;
-};
-
 TEST(CheckTest, NeedsAPlainFile) {
     const TemporaryFolder dir;
-    mkfifo(dir.PathOf("pipe").c_str(), 0600);
-    for (const FileCase& row : {FileCase{"none", 3, "No such file or directory"},
-                                {"pipe", 1, "it is no plain file"},
-                                {"", 1, "it is no plain file"}}) {
-        const Outcome outcome = StartClient("check " + dir.PathOf(row.file)).Wait();
-        EXPECT_EQ(row.status, outcome.status);
-        EXPECT_EQ("camvoractl: Cannot read " + dir.PathOf(row.file) + ": " + row.words + "\n", outcome.err);
-    }
+    const std::string pipe = dir.PathOf("pipe");
+    mkfifo(pipe.c_str(), 0600);
+    EXPECT_EQ("camvoractl: Cannot read " + pipe + ": it is no plain file\n",
+              StartClient("check " + pipe).Wait().err);
 }
 
-struct SampleCase {
-    const char* name;
-    const char* brokenRule;  // the only one, on the appliance as it leaves the factory
-};
-
+// The rule that each breaks, on the appliance as it leaves the factory.
 TEST(SamplesTest, AreTakenOrRefusedAsTheirNamesSay) {
-    for (const SampleCase& row : {SampleCase{"2.0.4-0118", ""},
-                                  {"2.2.0-0140", ""},
-                                  {"2.2.1-0141-failing", ""},
-                                  {"2.2.2-0142-hanging", ""},
-                                  {"2.3.0-0152", ""},
-                                  {"too-old", "version of the add-on"},
-                                  {"other-platform", "platform"},
-                                  {"needs-newer-camvora", "version of Camvora"}}) {
-        const std::string path = std::string(SAMPLES "/device_pack-") + row.name + ".spk";
+    const std::map<std::string, std::string> samples = {{"2.0.4-0118", ""},
+                                                        {"2.2.0-0140", ""},
+                                                        {"2.2.1-0141-failing", ""},
+                                                        {"2.2.2-0142-hanging", ""},
+                                                        {"2.3.0-0152", ""},
+                                                        {"too-old", "version of the add-on"},
+                                                        {"other-platform", "platform"},
+                                                        {"needs-newer-camvora", "version of Camvora"}};
+    for (const auto& [name, rule] : samples) {
+        const std::string path = SAMPLES "/device_pack-" + name + ".spk";
         const Outcome outcome = StartClient("check --dir " FACTORY " " + path).Wait();
-        const std::string rule = row.brokenRule;
         EXPECT_EQ(rule.empty() ? "" : "camvoractl: " + path + " does not keep the rules: " + rule + "\n",
                   outcome.err);
     }

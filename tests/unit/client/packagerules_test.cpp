@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 namespace client {
 namespace {
 
@@ -32,13 +34,19 @@ std::string Broken(const std::string& package, const std::string& fileName = "x.
     return BrokenRules(JudgePackage(fileName, file.SizeBytes(), ScanPackage(file, kLimits), facts));
 }
 
-std::string Outer(const std::vector<TestEntry>& entries) {
-    return MakeTar(entries);
+const std::string kPlainTree = TarOf({{"device_pack/conf", kGoodConf}});
+const std::string kTree = Gzip(kPlainTree);
+const TarMember kInfoEntry{"INFO", kDevicePackInfo};
+const TarMember kTreeEntry{"package.tgz", kTree};
+
+std::string WithTree(const std::string& archive) {
+    return TarOf({kInfoEntry, {"package.tgz", archive}});
 }
 
-const std::string kTree = MakeTar({{"device_pack/conf", kGoodConf}}, true);
-const TestEntry kInfoEntry{"INFO", kDevicePackInfo};
-const TestEntry kTreeEntry{"package.tgz", kTree};
+std::string Display(const std::string& conf) {
+    return MakePackage(kLocalDisplayInfo, {{"conf", conf}});
+}
+
 constexpr char kLinks[] = "links and special files";
 
 struct PackageCase {
@@ -49,60 +57,54 @@ struct PackageCase {
 
 const PackageCase kPackageCases[] = {
     {"whole", MakeDevicePack(), ""},
-    {"local_display", MakePackage(kLocalDisplayInfo, {{"conf", kGoodConf}}), ""},
+    {"local_display", Display(kGoodConf), ""},
     {"dots_in_front",
-     Outer({{"./", "", 'd'},
+     TarOf({{"./", "", '5'},
             {"./INFO", kDevicePackInfo},
-            {"./package.tgz", MakeTar({{"./device_pack/conf", kGoodConf}}, true)}}),
+            {"./package.tgz", Gzip(TarOf({{"./device_pack/conf", kGoodConf}}))}}),
      ""},
-    {"tree_not_compressed", Outer({kInfoEntry, {"package.tgz", MakeTar({{"device_pack/conf", kGoodConf}})}}),
-     ""},
-    {"more_members", Outer({kTreeEntry, {"LICENSE", "x"}, kInfoEntry}), ""},
+    {"tree_not_compressed", WithTree(kPlainTree), ""},
+    {"more_members", TarOf({kTreeEntry, {"LICENSE", "x"}, kInfoEntry}), ""},
     {"links_within_the_tree",
-     MakeDevicePack({{"device_pack/a", "script/../b", 'l'}, {"device_pack/c", "device_pack/conf", 'h'}}), ""},
-    {"other_character_set",
-     Outer({kInfoEntry,
-            {"package.tgz",
-             MakeTar({{"device_pack/conf", kGoodConf}, {"device_pack/\u00e4", "x"}}, true, true)}}),
+     MakeDevicePack(
+         {{"device_pack/a", "", '2', "script/../b"}, {"device_pack/c", "", '1', "device_pack/conf"}}),
      ""},
+    {"other_character_set",
+     MakeDevicePack({{"next", "23 path=device_pack/\u00e4\n", 'x'}, {"device_pack/a", "x"}}), ""},
 
-    {"empty", "", "archive, members, INFO"},
     {"no_archive", std::string(2000, 'x'), "archive, members, INFO"},
-    {"tree_no_archive", Outer({kInfoEntry, {"package.tgz", "x"}}), "archive, tree"},
-    {"tree_cut", Outer({kInfoEntry, {"package.tgz", kTree.substr(0, kTree.size() - 9)}}), "archive, tree"},
-    {"tree_not_compressed_and_cut",
-     Outer({kInfoEntry, {"package.tgz", MakeTar({{"device_pack/conf", kGoodConf}}).substr(0, 1024)}}),
-     "archive"},
-    {"no_end", Outer({kInfoEntry, kTreeEntry}).substr(0, 2048), "archive"},
+    {"tree_no_archive", WithTree("x"), "archive, tree"},
+    {"tree_cut", WithTree(kTree.substr(0, kTree.size() - 9)), "archive, tree"},
+    {"tree_not_compressed_and_cut", WithTree(kPlainTree.substr(0, 1024)), "archive"},
+    {"no_end", TarOf({kInfoEntry, kTreeEntry}).substr(0, 2048), "archive"},
 
-    {"info_missing", Outer({kTreeEntry}), "members, INFO"},
-    {"info_twice", Outer({kInfoEntry, kInfoEntry, kTreeEntry}), "members"},
-    {"info_behind_an_end", Outer({kInfoEntry, kTreeEntry}) + Outer({kInfoEntry}), ""},
-    {"tree_twice", Outer({kInfoEntry, kTreeEntry, {"package.tgz", "x"}}), "members"},
-    {"tree_missing", Outer({kInfoEntry}), "members, tree"},
-    {"info_in_a_folder", Outer({{"a/INFO", kDevicePackInfo}, kTreeEntry}), "members, INFO"},
+    {"info_missing", TarOf({kTreeEntry}), "members, INFO"},
+    {"info_twice", TarOf({kInfoEntry, kInfoEntry, kTreeEntry}), "members"},
+    {"info_behind_an_end", TarOf({kInfoEntry, kTreeEntry}) + TarOf({kInfoEntry}), ""},
+    {"tree_twice", TarOf({kInfoEntry, kTreeEntry, {"package.tgz", "x"}}), "members"},
+    {"tree_missing", TarOf({kInfoEntry}), "members, tree"},
+    {"info_in_a_folder", TarOf({{"a/INFO", kDevicePackInfo}, kTreeEntry}), "members, INFO"},
 
-    {"outer_name_leads_out", Outer({kInfoEntry, kTreeEntry, {"../x", ""}}), "names"},
-    {"outer_name_absolute", Outer({kInfoEntry, kTreeEntry, {"/x", ""}}), "names"},
+    {"outer_name_leads_out", TarOf({kInfoEntry, kTreeEntry, {"../x", ""}}), "names"},
+    {"outer_name_absolute", TarOf({kInfoEntry, kTreeEntry, {"/x", ""}}), "names"},
     {"tree_name_leads_out", MakeDevicePack({{"device_pack/../../x", ""}}), "names, tree"},
 
-    {"info_is_a_link", Outer({{"INFO", "/etc/passwd", 'l'}, kTreeEntry}),
+    {"info_is_a_link", TarOf({{"INFO", "", '2', "/etc/passwd"}, kTreeEntry}),
      "members, links and special files, INFO"},
-    {"tree_is_a_pipe", Outer({kInfoEntry, {"package.tgz", "", 'p'}}),
+    {"tree_is_a_pipe", TarOf({kInfoEntry, {"package.tgz", "", '6'}}),
      "members, links and special files, tree"},
-    {"outer_link", Outer({kInfoEntry, {"device_pack", "conf", 'l'}, kTreeEntry}), kLinks},
-    {"outer_hard_link", Outer({kInfoEntry, {"x", "INFO", 'h'}, kTreeEntry}), kLinks},
-    {"link_absolute", MakeDevicePack({{"device_pack/a", "/etc", 'l'}}), kLinks},
-    {"link_leads_out", MakeDevicePack({{"device_pack/a/b", "../../../x", 'l'}}), kLinks},
-    {"link_to_beside_the_tree", MakeDevicePack({{"device_pack/a", "../INFO", 'l'}}), kLinks},
-    {"hard_link_leads_out", MakeDevicePack({{"device_pack/a", "../../etc/passwd", 'h'}}), kLinks},
-    {"pipe", MakeDevicePack({{"device_pack/a", "", 'p'}}), kLinks},
-    {"conf_is_a_link", MakeDevicePack({{"device_pack/conf", "a", 'l'}}), kLinks},
-    {"top_is_a_link", MakeDevicePack({{"device_pack", "device_pack/a", 'l'}}), kLinks},
-    {"scripts_are_a_link", MakeDevicePack({{"device_pack/script", "a", 'l'}}), kLinks},
-    {"script_is_a_link", MakeDevicePack({{"device_pack/script/preinst", "postinst", 'l'}}), kLinks},
-    {"script_is_a_folder", MakeDevicePack({{"device_pack/script/postupgrade/", "", 'd'}}), kLinks},
-    {"local_display_conf_is_a_link", MakePackage(kLocalDisplayInfo, {{"a", kGoodConf}, {"conf", "a", 'l'}}),
+    {"outer_hard_link", TarOf({kInfoEntry, {"x", "", '1', "INFO"}, kTreeEntry}), kLinks},
+    {"link_leads_out", MakeDevicePack({{"device_pack/a/b", "", '2', "../../../x"}}), kLinks},
+    {"link_to_beside_the_tree", MakeDevicePack({{"device_pack/a", "", '2', "../INFO"}}), kLinks},
+    {"hard_link_leads_out", MakeDevicePack({{"device_pack/a", "", '1', "../../etc/passwd"}}), kLinks},
+    {"pipe", MakeDevicePack({{"device_pack/a", "", '6'}}), kLinks},
+    {"conf_is_a_link", MakeDevicePack({{"device_pack/conf", "", '2', "a"}}), kLinks},
+    {"top_is_a_link", MakeDevicePack({{"device_pack", "", '2', "device_pack/a"}}), kLinks},
+    {"scripts_are_a_link", MakeDevicePack({{"device_pack/script", "", '2', "a"}}), kLinks},
+    {"script_is_a_link", MakeDevicePack({{"device_pack/script/preinst", "", '2', "postinst"}}), kLinks},
+    {"script_is_a_folder", MakeDevicePack({{"device_pack/script/postupgrade/", "", '5'}}), kLinks},
+    {"local_display_conf_is_a_link",
+     MakePackage(kLocalDisplayInfo, {{"a", kGoodConf}, {"conf", "", '2', "a"}}),
      "links and special files, tree"},
 
     {"info_of_another", MakePackage("package=\"device_pack\"\narch=\"plat1\"", {{"conf", kGoodConf}}),
@@ -110,51 +112,34 @@ const PackageCase kPackageCases[] = {
     {"info_without_arch", MakePackage("package=\"CamvoraLocalDisplay\"", {{"conf", kGoodConf}}), "INFO"},
     {"tree_of_the_other", MakePackage(kDevicePackInfo, {{"conf", kGoodConf}}), "tree"},
     {"tree_besides_device_pack", MakeDevicePack({{"INFO", kLocalDisplayInfo}}), "tree"},
-    {"conf_without_maintainer",
-     MakePackage(kLocalDisplayInfo, {{"conf", "version=\"2.2\"\ncv_min_ver=\"3.0\"\n"}}), "conf"},
-    {"conf_without_version", MakePackage(kLocalDisplayInfo, {{"conf", "maintainer=a\ncv_min_ver=3.0"}}),
-     "conf"},
-    {"needs_newer_camvora",
-     MakePackage(kLocalDisplayInfo, {{"conf", "version=2\nmaintainer=a\ncv_min_ver=3.2-1"}}),
-     "version of Camvora"},
-    {"too_old", MakePackage(kLocalDisplayInfo, {{"conf", "version=0.9\nmaintainer=a\ncv_min_ver=3"}}),
-     "version of the add-on"},
+    {"conf_without_maintainer", Display("version=\"2.2\"\ncv_min_ver=\"3.0\"\n"), "conf"},
+    {"conf_without_version", Display("maintainer=a\ncv_min_ver=3.0"), "conf"},
+    {"needs_newer_camvora", Display("version=2\nmaintainer=a\ncv_min_ver=3.2-1"), "version of Camvora"},
+    {"too_old", Display("version=0.9\nmaintainer=a\ncv_min_ver=3"), "version of the add-on"},
 
     {"too_many_entries",
-     MakeDevicePack(std::vector<TestEntry>(kLimits.entries - 1, TestEntry{"device_pack/a", ""})), "sizes"},
+     MakeDevicePack(std::vector<TarMember>(kLimits.entries - 1, TarMember{"device_pack/a", ""})), "sizes"},
     {"tree_too_large", MakeDevicePack({{"device_pack/a", std::string(kLimits.sizeBytes, 'x')}}), "sizes"},
-    {"tree_of_zeros_without_end",
-     Outer({kInfoEntry,
-            {"package.tgz",
-             Gzip(MakeTar({{"device_pack/conf", kGoodConf}}) + std::string(4 * kLimits.sizeBytes, '\0'))}}),
+    {"tree_of_zeros_without_end", WithTree(Gzip(kPlainTree + std::string(4 * kLimits.sizeBytes, '\0'))),
      "archive"},
-    {"tree_compressed_twice", Outer({kInfoEntry, {"package.tgz", Gzip(kTree)}}), "archive, tree"},
-    {"outer_too_large", Outer({kInfoEntry, kTreeEntry, {"x", std::string(kLimits.sizeBytes, 'x')}}),
+    {"tree_compressed_twice", WithTree(Gzip(kTree)), "archive, tree"},
+    {"outer_too_large", TarOf({kInfoEntry, kTreeEntry, {"x", std::string(kLimits.sizeBytes, 'x')}}),
      "sizes, free space"},
 };
 
-class PackageRulesTest : public testing::TestWithParam<PackageCase> {};
-
-TEST_P(PackageRulesTest, FindsWhatIsBroken) {
-    EXPECT_EQ(GetParam().broken, Broken(GetParam().package));
+TEST(PackageRulesTest, FindsWhatIsBroken) {
+    for (const PackageCase& row : kPackageCases) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(row.broken, Broken(row.package));
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, PackageRulesTest, testing::ValuesIn(kPackageCases),
-                         [](const auto& c) { return std::string(c.param.name); });
-
-struct NameCase {
-    const char* name;
-    const char* fileName;
-    bool isTaken;
-};
-
 TEST(PackageExtensionTest, IsWhatFollowsTheLastDot) {
-    for (const NameCase& row : {NameCase{"two", "x.tar.spk", true},
-                                {"alone", "spk", true},
-                                {"case", "x.SPK", false},
-                                {"other", "x.spk.gz", false},
-                                {"part", "xspk", false}}) {
-        EXPECT_EQ(row.isTaken ? "" : "extension", Broken(MakeDevicePack(), row.fileName)) << row.name;
+    for (const char* taken : {"x.tar.spk", "spk"}) {
+        EXPECT_EQ("", Broken(MakeDevicePack(), taken));
+    }
+    for (const char* refused : {"x.SPK", "x.spk.gz", "xspk"}) {
+        EXPECT_EQ("extension", Broken(MakeDevicePack(), refused));
     }
 }
 
@@ -178,16 +163,14 @@ const FactsCase kFactsCases[] = {
     {"no_room", [](ApplianceFacts& f) { f.freeBytes = 1024; }, "free space"},
 };
 
-class ApplianceRulesTest : public testing::TestWithParam<FactsCase> {};
-
-TEST_P(ApplianceRulesTest, CompareWithTheAppliance) {
-    ApplianceFacts facts = Facts();
-    GetParam().change(facts);
-    EXPECT_EQ(GetParam().broken, Broken(MakeDevicePack(), "x.spk", facts));
+TEST(ApplianceRulesTest, CompareWithTheAppliance) {
+    for (const FactsCase& row : kFactsCases) {
+        SCOPED_TRACE(row.name);
+        ApplianceFacts facts = Facts();
+        row.change(facts);
+        EXPECT_EQ(row.broken, Broken(MakeDevicePack(), "x.spk", facts));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, ApplianceRulesTest, testing::ValuesIn(kFactsCases),
-                         [](const auto& c) { return std::string(c.param.name); });
 
 TEST(PackageDamageTest, IsFoundWhereverThePackageIsCut) {
     const std::string package = MakeDevicePack();
@@ -197,18 +180,13 @@ TEST(PackageDamageTest, IsFoundWhereverThePackageIsCut) {
 }
 
 TEST(PackageDamageTest, NeitherCrashesNorHangs) {
-    const std::string package = MakeDevicePack({{"device_pack/a", "script", 'l'}});
+    const std::string package = MakeDevicePack({{"device_pack/a", "", '2', "script"}});
     for (std::size_t at = 0; at < package.size(); at += 5) {
         std::string damaged = package;
         damaged[at] = static_cast<char>(damaged[at] ^ static_cast<char>(1U << at % 8));
         (void)Broken(damaged);
     }
 }
-
-struct UniqueCase {
-    const char* unique;
-    const char* platform;
-};
 
 TEST(ApplianceFactsTest, AreReadFromItsFolder) {
     const TemporaryFolder folder;
@@ -225,10 +203,11 @@ TEST(ApplianceFactsTest, AreReadFromItsFolder) {
     EXPECT_GT(facts.freeBytes.value_or(0), 0U);
     EXPECT_EQ(7U, ReadScanLimits(folder.Path()).entries);
     EXPECT_EQ(2048U << 20U, ReadScanLimits(folder.Path()).sizeBytes);
-    for (const UniqueCase& row :
-         {UniqueCase{"aaa_bbb_ccc", "bbb"}, {"a_b_c_d", "b_c"}, {"a_b", ""}, {"ab", ""}, {"a__b", ""}}) {
-        folder.Write("etc.defaults/orvainfo.conf", "unique=\"" + std::string(row.unique) + "\"\n");
-        EXPECT_EQ(row.platform, ReadApplianceFacts(folder.Path())->platform) << row.unique;
+    const std::map<std::string, std::string> platforms = {
+        {"aaa_bbb_ccc", "bbb"}, {"a_b_c_d", "b_c"}, {"a_b", ""}, {"ab", ""}, {"a__b", ""}};
+    for (const auto& [unique, platform] : platforms) {
+        folder.Write("etc.defaults/orvainfo.conf", "unique=\"" + unique + "\"\n");
+        EXPECT_EQ(platform, ReadApplianceFacts(folder.Path())->platform) << unique;
     }
 }
 

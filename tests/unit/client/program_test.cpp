@@ -1,163 +1,168 @@
-// The whole program when all goes well: what it asks the host, and what it writes where.
-#include "fakeappliance.h"
+// The whole program: what it asks the host, what it writes where, and its exit status.
+#include "commandcase.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <sstream>
 
 namespace {
 
-const std::string kDevicePack =
-    R"({"service":1,"name":"Device Pack","shortName":"device_pack","status":1,"statusName":"started",)"
-    R"("blRunning":true,"version":"3.2-12","blHasPackages":true,"blFactoryCopy":false,"blAutoUpdate":true,)"
-    R"("pid":812,"since":"2026-03-01T12:03:07.000Z","options":{"0":"yes"}})";
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 
-const std::string kServices =
-    R"({"list":[{"service":1,"info":)" + kDevicePack + R"(},{"service":2,"info":)" +
-    R"({"service":2,"name":"C\u001b[2JMS","shortName":"cms","status":7,"statusName":"7","blRunning":"?"}}]})";
+FakeReplies Answers(const std::string& request, const FakeReply& reply) {
+    return {{request, reply}};
+}
 
-struct ProgramCase {
-    const char* name;
-    const char* line;
-    const char* request;
-    std::string data;
-    const char* out;
-    const char* err = "";
-};
+const FakeReplies kNobody;
+const FakeReply kHtml{200, "<html>"};
 
-const ProgramCase kProgramCases[] = {
-    {"list", "list", "List", kServices,
-     "Name         Short name   Number  Running  Status   Version  Packages  Factory copy  Automatic update\n"
-     "Device Pack  device_pack  1       yes      started  3.2-12   yes       no            on\n"
-     "C\\x1B[2JMS   cms          2       ?        7        -        -         -             -\n"},
-    {"status", "status 1", "GetInfo", kDevicePack,
-     "Name              Device Pack\n"
-     "Short name        device_pack\n"
-     "Number            1\n"
-     "Running           yes\n"
-     "Status            started\n"
-     "Version           3.2-12\n"
-     "Packages          yes\n"
-     "Factory copy      no\n"
-     "Automatic update  on\n"
-     "Process           812\n"
-     "Running since     2026-03-01T12:03:07.000Z\n"
-     "Options           {\"0\":\"yes\"}\n"},
-    {"status_of_a_number_below_zero", "status -1 --json", "GetInfo", R"({"status":0})", "{\"status\":0}\n"},
-    {"apps", "apps --lang de", "GetAppsStatus",
-     R"({"appsStatus":{"live":{"title":"Live\nBild","path":"live/","blEnabled":true},"odd":[1]}})",
-     "Application  Title       Path   Enabled\n"
-     "live         Live\\nBild  live/  yes\n"
-     "odd          -           -      -\n"},
-    {"methods", "methods", "GET /api",
-     R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["Update","\u001b"]},{"methods":"x"},2]})",
+const CommandCase kProgramCases[] = {
+    {"list", "list",
+     Answers("List", Success(R"({"list":[{"service":2,"info":{"service":2,"name":"C\u001b[2JMS","status":7,)"
+                             R"("statusName":"7","blRunning":"?","blHasPackages":true,"blFactoryCopy":false,)"
+                             R"("blAutoUpdate":true}}]})")),
+     0,
+     "Name        Short name  Number  Running  Status  Version  Packages  Factory copy  Automatic update\n"
+     "C\\x1B[2JMS  -           2       ?        7       -        yes       no            on\n",
+     ""},
+    {"status", "status 1",
+     Answers("GetInfo", Success(R"({"pid":812,"since":"2026-03-01","options":{"0":"yes"}})")), 0,
+     EndsWith("Process           812\nRunning since     2026-03-01\nOptions           {\"0\":\"yes\"}\n"),
+     ""},
+    {"status_of_a_number_below_zero", "status -1 --json", Answers("GetInfo", Success(R"({"status":0})")), 0,
+     "{\"status\":0}\n", ""},
+    {"apps", "apps --lang de",
+     Answers("GetAppsStatus",
+             Success(R"({"appsStatus":{"live":{"title":"Live\nBild","blEnabled":true},"odd":[1]}})")),
+     0,
+     "Application  Title       Path  Enabled\n"
+     "live         Live\\nBild  -     yes\n"
+     "odd          -           -     -\n",
+     ""},
+    {"methods", "methods",
+     Answers(
+         "GET /api",
+         Success(
+             R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["Update","\u001b"]},{"methods":"x"},2]})")),
+     0,
      "Method  What it does                                                Parameters\n"
      "Update  Install the add-on that was unpacked, or the last download  [service=] [filePath=]\n"
-     "\\x1B    -                                                           -\n"},
-    {"method", "methods SetAutoUpdate", "GET /api",
-     R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["SetAutoUpdate"]}]})",
-     "Method             SetAutoUpdate\n"
-     "API                ORVA.Camvora.AddOns, version 1\n"
-     "What it does       Switch the automatic update of an add-on\n"
-     "Changes something  yes\n"
-     "Parameter          service, integer: Number of the add-on, 1 or 6. Default: 0\n"
-     "Parameter          blEnable, boolean: Whether it is to be on\n"
-     "Answers            Nothing\n"},
-    {"method_of_a_later_appliance", "methods New", "GET /api",
-     R"({"apis":[{"api":"A.B","version":1,"methods":["New"]}]})",
-     "Method       New\n"
-     "API          A.B, version 1\n"
-     "Description  this program knows none\n"},
-    {"call_shows_every_value", "call List", "List", R"({"a":[{"b":"x"},2],"c":{},"d":true})",
-     "a[0].b  x\n"
-     "a[1]    2\n"
-     "c       {}\n"
-     "d       true\n"},
-    {"call_with_nothing_to_report", "call Restart service=1", "Restart", "null", "",
-     "Done. The appliance had nothing to report.\n"},
-    {"log", "log r1", kLog,
-     R"({"lines":[{"time":"T","source":"addons","line":9,"function":"F","text":"a\u001b"},3]})",
+     "\\x1B    -                                                           -\n",
+     ""},
+    {"method", "methods SetAutoUpdate",
+     Answers("GET /api",
+             Success(R"({"apis":[{"api":"ORVA.Camvora.AddOns","version":1,"methods":["SetAutoUpdate"]}]})")),
+     0, HasSubstr("Parameter          blEnable, boolean: Whether it is to be on\n"), ""},
+    {"method_of_a_later_appliance", "methods New",
+     Answers("GET /api", Success(R"({"apis":[{"api":"A.B","version":1,"methods":["New"]}]})")), 0,
+     "Method       New\nAPI          A.B, version 1\nDescription  this program knows none\n", ""},
+    {"call_shows_every_value", "call List",
+     Answers("List", Success(R"({"a":[{"b":"x"},2],"c":{},"d":true})")), 0,
+     "a[0].b  x\na[1]    2\nc       {}\nd       true\n", ""},
+    {"call_with_parameters", "call X a=1 b=x=y c=\u00e4\" d=[true]", kNobody, 0, "",
+     "Done. The appliance had nothing to report.\n",
+     ElementsAre(R"(X Bearer secret {"a":1,"b":"x=y","c":"\u00e4\"","d":[true]})")},
+    {"call_on_a_paired_server", "call X --server r-1 --json",
+     Answers("POST /servers/r-1/api/ORVA.Camvora.AddOns/v1/X", Success(R"({"a":1})")), 0, "{\"a\":1}\n", ""},
+    {"log", "log r1",
+     Answers(
+         kLog,
+         Success(R"({"lines":[{"time":"T","source":"addons","line":9,"function":"F","text":"a\u001b"},3]})")),
+     0,
      "Time  Source    Function  Text\n"
      "T     addons:9  F         a\\x1B\n"
-     "-     -         -         -\n"},
-    {"call_on_a_paired_server", "call X --server r-1 --json",
-     "POST /servers/r-1/api/ORVA.Camvora.AddOns/v1/X", R"({"a":1})", "{\"a\":1}\n"},
-    {"pairs", "pair list", "GET /pairs",
-     R"({"pairs":[{"name":"a\u001b","role":"server","address":"http://r:1"},2]})",
-     "Name   Role    Address\n"
-     "a\\x1B  server  http://r:1\n"
-     "-      -       -\n"},
-    {"pairing_code", "pair code r --json", "POST /pairing/codes", R"({"code":"A-B","validS":600})",
-     "{\"code\":\"A-B\",\"validS\":600}\n"},
-    {"pair_removed", "pair remove r", "DELETE /pairs?name=r", "null", "",
-     "r is no longer paired with this appliance. The other side still keeps the pair.\n"},
-    {"log_for_programs", "log r1 --json", kLog, R"({"lines":[{"text":"a"}]})", "[{\"text\":\"a\"}]\n"},
+     "-     -         -         -\n",
+     ""},
+    {"pairs", "pair list",
+     Answers("GET /pairs", Success(R"({"pairs":[{"name":"a\u001b","role":"server"},2]})")), 0,
+     "Name   Role    Address\na\\x1B  server  -\n-      -       -\n", ""},
+
+    {"stream_refused", "events",
+     Answers("GET /events", Error(401, R"({"code":1005,"data":{"text":"No token."}})")), 7, "",
+     "camvoractl: The stream of events failed (error 1005): No token.\nThe request was r1\n"},
+    {"stream_that_is_none", "events", Answers("GET /events", kHtml), 1, "",
+     "camvoractl: The stream of events failed: the reply is not an appliance's\n"},
+    {"no_list", "list", Answers("List", Success(R"({"list":{"a":1}})")), 1, "",
+     "camvoractl: List failed: the answer holds no list\n"},
+    {"no_description", "status 1", Answers("GetInfo", Success("[]")), 1, "",
+     "camvoractl: GetInfo failed: the answer describes no service\n"},
+    {"no_applications", "apps", Answers("GetAppsStatus", Success(R"({"appsStatus":"none"})")), 1, "",
+     "camvoractl: GetAppsStatus failed: the answer describes no applications\n"},
+    {"no_methods", "methods", Answers("GET /api", Success("null")), 1, "",
+     "camvoractl: The list of methods failed: the answer holds no APIs\n"},
+    {"no_log_lines", "log r1", Answers(kLog, Success("1")), 1, "",
+     "camvoractl: The log failed: the answer holds no lines\n"},
+    {"nothing_logged", "log r1", Answers(kLog, Success(R"({"lines":[]})")), 3, "",
+     "camvoractl: The appliance has logged nothing for request r1\n"},
+    {"failed_with_details", "call Restart",
+     Answers("Restart", Error(200, R"({"code":400,"data":{"errinfo":{"key":"bad\u0007"}}})")), 1, "",
+     "camvoractl: Restart failed (error 400): the appliance could not do it\n"
+     "errinfo.key  bad\\x07\n"
+     "The request was r1\n"},
+    {"reply_without_end", "list --timeout 1", Answers("List", {200, "<p>", "", true}), 8, "",
+     HasSubstr("within 1 s. The appliance may still be at work")},
+    {"huge_reply", "list", Answers("List", {200, std::string(9 << 20, 'x'), "", true}), 1, "",
+     HasSubstr(" is too large\n")},
+    {"failure_for_programs", "call Restart --json",
+     Usual({{"Restart", Error(200, R"({"code":400,"data":{"errinfo":{"key":"bad\u0007"}}})")}}), 1,
+     R"x({"error":{"code":400,"data":{"errinfo":{"key":"bad\u0007"}},)x"
+     R"x("log":[{"function":"F","line":9,"source":"s","text":"why","time":"T"}],"request":"r1","status":1,)x"
+     R"x("text":"Restart failed (error 400): the appliance could not do it"}})x"
+     "\n",
+     ""},
+    {"broken_rules_for_programs", "check " SCHEMAS "/list.json --json", kNobody, 4,
+     StartsWith(R"({"error":{"code":0,"data":{"rules":[{"kept":false,"rule":"extension")"), ""},
+    {"unknown_number", "start 7", Answers("List", Success(R"({"list":[]})")), 3, "",
+     "camvoractl: There is no service 7. \"camvoractl list\" shows all\n"},
+    {"unreachable", "list --host http://127.0.0.1:1", kNobody, 6, "",
+     "camvoractl: No appliance answers at http://127.0.0.1:1\n"},
+    {"huge_service", "status 99999999999", kNobody, 2, "",
+     "camvoractl: 99999999999 is beyond the numbers a service can have\n"},
+    {"method_that_is_a_path", "call ../x", kNobody, 2, "",
+     "camvoractl: \"../x\" cannot be the name of a method\n"},
+    {"own_address_for_a_far_host", "pair join http://far:1 X --own-url http://127.0.0.1:2", kNobody, 2, "",
+     "camvoractl: The host cannot reach http://127.0.0.1:2. Give --own-url http://HOST:PORT\n"},
+    {"unknown_command", "lst", kNobody, 2, "",
+     "camvoractl: There is no command \"lst\". See camvoractl --help\n"},
+    {"unknown_option", "--foo lst", kNobody, 2, "",
+     "camvoractl: There is no option \"--foo\". See camvoractl --help\n"},
 };
 
-class ProgramTest : public testing::TestWithParam<ProgramCase> {};
-
-TEST_P(ProgramTest, WritesTheOutcome) {
-    const FakeAppliance appliance({{GetParam().request, Success(GetParam().data)}});
-    const Outcome outcome = appliance.Run(GetParam().line);
-    EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ(GetParam().out, outcome.out);
-    EXPECT_EQ(GetParam().err, outcome.err);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ProgramTest, testing::ValuesIn(kProgramCases),
-                         [](const auto& c) { return std::string(c.param.name); });
-
-TEST(ProgramRequestTest, CarriesTokenAndParameters) {
-    FakeAppliance appliance({});
-    appliance.Run("call Restart a=1 b=x=y c=\u00e4\" d=[true]");
-    ASSERT_EQ(1U, appliance.Requests().size());
-    EXPECT_EQ(R"(Restart Bearer secret {"a":1,"b":"x=y","c":"\u00e4\"","d":[true]})",
-              appliance.Requests()[0]);
-}
-
-TEST(ProgramRequestTest, AsksForTheServiceThatWasNamed) {
-    FakeAppliance appliance({{"List", Success(kServices)}, {"GetInfo", Success("{}")}});
-    EXPECT_EQ("{}\n", appliance.Run("status cms --json").out);
-    ASSERT_EQ(2U, appliance.Requests().size());
-    EXPECT_EQ(R"(GetInfo Bearer secret {"service":2})", appliance.Requests()[1]);
-}
-
-// What stands in the help behind "camvoractl", without what other programs do with it.
-std::vector<std::string> ExamplesIn(const std::string& help) {
-    std::vector<std::string> examples;
-    std::istringstream lines(help.substr(std::min(help.find("\nExamples:\n"), help.size())));
-    for (std::string line; std::getline(lines, line);) {
-        if (line.rfind("  camvoractl ", 0) == 0) {
-            examples.push_back(line.substr(13, line.find_first_of("|>", 13) - 13));
-        }
-    }
-    return examples;
-}
+INSTANTIATE_TEST_SUITE_P(Program, CommandTest, testing::ValuesIn(kProgramCases), NameOf);
 
 // Nobody serves there: examples get as far as that, or to a file that is not there.
 TEST(ProgramHelpTest, ShowsExamplesOfEachCommandThatAreUnderstood) {
     const TemporaryFolder folder;
     const std::string nobody = " --host http://127.0.0.1:1 --timeout 1 --dir " + folder.Path();
     for (const std::string& command : AllCommands()) {
-        const auto examples = ExamplesIn(StartClient(command + " --help").Wait().out);
-        EXPECT_FALSE(examples.empty()) << command;
-        for (const std::string& example : examples) {
-            EXPECT_EQ(0U, (example + " ").rfind(command + " ", 0)) << example;
+        std::istringstream help(StartClient(command + " --help").Wait().out);
+        std::size_t examples = 0;
+        for (std::string line; std::getline(help, line);) {
+            if (line.rfind("  camvoractl " + command, 0) != 0) {
+                continue;
+            }
+            ++examples;
             if (command.rfind("feed ", 0) != 0) {  // as that would make files
-                const Outcome outcome = StartClient(example + nobody).Wait();
-                EXPECT_EQ(std::string::npos, outcome.err.find("See camvoractl --help")) << outcome.err;
+                const std::string example = line.substr(13, line.find_first_of("|>", 13) - 13);
+                EXPECT_THAT(StartClient(example + nobody).Wait().err,
+                            Not(HasSubstr("See camvoractl --help")));
             }
         }
+        EXPECT_LT(0U, examples) << command;
     }
 }
 
-TEST(ProgramHelpTest, ListsCommandsAndExitStatuses) {
-    const Outcome outcome = StartClient("--help").Wait();
-    EXPECT_EQ(0, outcome.status);
-    for (const char* line : {"\n  status ", "\n    9  finished, but the outcome", "\n  130  interrupted\n"}) {
-        EXPECT_NE(std::string::npos, outcome.out.find(line)) << line;
-    }
+TEST(ProgramReplyTest, NamesTheFolderOfAnApplianceThatWasKilled) {
+    const TemporaryFolder dir;
+    dir.Write("token", "secret\n");
+    dir.Write(kAddressFile, "http://127.0.0.1:1\n");
+    const Outcome outcome = StartClient("list --dir " + dir.Path(), {"CAMVORA_DIR=/no/such"}).Wait();
+    EXPECT_EQ(6, outcome.status);
+    EXPECT_EQ(
+        "camvoractl: No appliance answers at http://127.0.0.1:1; start it with " + dir.Path() + "/launch\n",
+        outcome.err);
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 #include "client/services.h"
 
-#include "client/failure.h"
 #include "client/jsontext.h"
+
+#include "failswith.h"
 
 #include <gtest/gtest.h>
 
@@ -30,21 +31,13 @@ const TypoCase kTypoCases[] = {
     {"empty", "", "\"camvoractl list\" shows all"},
 };
 
-class TypoTest : public testing::TestWithParam<TypoCase> {};
-
-TEST_P(TypoTest, IsNotFoundWithASuggestion) {
-    try {
-        FindByName(kServices, GetParam().typed);
-        FAIL() << "was found";
-    } catch (const Failure& failure) {
-        EXPECT_EQ(ExitStatus::kNotFound, failure.status);
-        EXPECT_EQ("There is no service \"" + std::string(GetParam().typed) + "\". " + GetParam().answer,
-                  failure.what());
+TEST(TypoTest, IsNotFoundWithASuggestion) {
+    for (const TypoCase& row : kTypoCases) {
+        SCOPED_TRACE(row.name);
+        const std::string text = "There is no service \"" + std::string(row.typed) + "\". " + row.answer;
+        EXPECT_THAT([&] { FindByName(kServices, row.typed); }, FailsWith(ExitStatus::kNotFound, text));
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, TypoTest, testing::ValuesIn(kTypoCases),
-                         [](const auto& c) { return std::string(c.param.name); });
 
 TEST(ServicesTest, PassesOverEntriesOfAnotherForm) {
     Json::Value data;

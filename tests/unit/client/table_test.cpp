@@ -25,11 +25,6 @@ struct FitCase {
 };
 
 const FitCase kFitCases[] = {
-    {60,
-     "Name         Notes               Automatic\n"
-     "device_pack  better than before  yes\n"
-     "cms          \u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d\u6587\u4e2d  no\n",
-     0},
     {41,
      "Name         Notes              Automatic\n"
      "device_pack  better than befo\u2026  yes\n"
@@ -57,24 +52,6 @@ TEST(TableTest, CutsItsWidestCellsAndLeavesOutItsLastColumnsToFit) {
     Table plain;
     plain.AddRow({"Notes", "better than before"});
     EXPECT_EQ(plain.Text(), plain.Text({10, false}));
-}
-
-TEST(TableTest, IsColouredOnlyWhereThereAreColours) {
-    Table table;
-    table.AddRow({"started", "x"});
-    table.Paint(0, Colour::kGreen);
-    EXPECT_EQ("started  x\n", table.Text());
-    EXPECT_EQ("\x1b[32mstarted\x1b[0m  x\n", table.Text({80, true}));
-}
-
-TEST(TableTest, KeepsARowOnItsLineWhateverItsCellsHold) {
-    Table table;
-    table.AddRow({"evil\n\x1b[2Jname", "v"});
-    table.AddRow({"n", "\xFF"});
-    EXPECT_EQ(
-        "evil\\n\\x1B[2Jname  v\n"
-        "n                  \\xFF\n",
-        table.Text());
 }
 
 }  // namespace

@@ -32,16 +32,14 @@ const PrintableCase kPrintableCases[] = {
     {"never_a_lead", "\xff"sv, R"(\xFF)", 4},
 };
 
-class PrintableTest : public testing::TestWithParam<PrintableCase> {};
-
-TEST_P(PrintableTest, EscapesWhatActsOnATerminal) {
-    const std::string printable = Printable(GetParam().text);
-    EXPECT_EQ(GetParam().printable, printable);
-    EXPECT_EQ(GetParam().width, WidthOf(printable));
+TEST(PrintableTest, EscapesWhatActsOnATerminal) {
+    for (const PrintableCase& row : kPrintableCases) {
+        SCOPED_TRACE(row.name);
+        const std::string printable = Printable(row.text);
+        EXPECT_EQ(row.printable, printable);
+        EXPECT_EQ(row.width, WidthOf(printable));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, PrintableTest, testing::ValuesIn(kPrintableCases),
-                         [](const auto& c) { return std::string(c.param.name); });
 
 }  // namespace
 }  // namespace client

@@ -2,28 +2,20 @@
 // say of what was seen.
 #include "client/transferrate.h"
 
-#include "fakeappliance.h"
+#include "commandcase.h"
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 
 namespace {
 
-const std::string kRelease =
-    R"({"service":1,"version":"2.2-1","date":"2026-11-25","notes":"Better\nmore","size":3145728})";
+using testing::_;
+using testing::EndsWith;
+using testing::HasSubstr;
 
 FakeReply State(int status) {
     return Success("{\"status\":" + std::to_string(status) + "}");
-}
-
-FakeReply Progress(int status, const std::string& version = "2.2-1") {
-    return Success(R"({"version":"device_pack )" + version + R"(","percent":9,"status":)" +
-                   std::to_string(status) + "}");
 }
 
 FakeReply Downloads(int status, const std::string& problem = "") {
@@ -31,208 +23,87 @@ FakeReply Downloads(int status, const std::string& problem = "") {
                    std::to_string(status) + R"(,"problem":")" + problem + "\"}]}");
 }
 
-FakeReply Info(const std::string& version, bool isAutoUpdate = false) {
-    return Success(R"({"version":")" + version + R"(","blFactoryCopy":true,"blAutoUpdate":)" +
-                   (isAutoUpdate ? "true}" : "false}"));
+FakeReplies With(int state) {
+    return Usual({{"CheckUpdateInfo", State(state)}});
 }
 
-// Where a newer release of the Device Pack can be downloaded.
-FakeReplies Replies() {
-    return {
-        {"List", Success(R"({"list":[{"service":1,"info":{"shortName":"device_pack","name":"DP",)"
-                         R"("blHasPackages":true,"blRunning":true,"version":"2.1-9","blAutoUpdate":true}},)"
-                         R"({"service":2,"info":{"shortName":"cms","name":"CMS","blHasPackages":false}}]})")},
-        {"CheckUpdateInfo", State(2)},
-        {"GET /releases", Success("{\"releases\":[" + kRelease + "]}")},
-        {"GET /downloads", Success(R"({"downloads":[]})")},
-        {"DownloadStart", Success("null")},
-        {"DownloadProgress", InTurn({Progress(1), Progress(2)})},
-        {"DownloadCancel", Success("null")},
-        {"GetInfo", InTurn({Info("2.1-9"), Info("2.2-1")})},
-        {"Update", Success("null")},
-        {"Restore", Success("null")},
-        {"SetAutoUpdate", Success("null")},
-        {"GET /programs", Success(R"({"programs":[]})")},
-        {"GET /programs?request=r1",
-         Success(R"({"programs":[{"path":"/s/restore","arguments":[],"exitStatus":3}]})")},
-        {kLog, Success(R"({"lines":[]})")},
-    };
+FakeReplies With(const FakeReply& progress, const FakeReply& downloads = Success(R"({"downloads":[]})")) {
+    return Usual({{"DownloadProgress", progress}, {"GET /downloads", downloads}});
 }
 
-bool IsAsked(FakeAppliance& appliance, const std::string& beginning) {
-    const std::vector<std::string> requests = appliance.Requests();
-    return std::any_of(requests.begin(), requests.end(),
-                       [&](const std::string& request) { return request.rfind(beginning, 0) == 0; });
-}
+const FakeReplies kUsual = Usual();
+const FakeReplies kUpToDate = With(1);
+const FakeReplies kIsDownloaded = Usual({{"CheckUpdateInfo", State(3)}, {"DownloadProgress", Progress(2)}});
+const FakeReplies kIsUpdating = With(6);
+const FakeReplies kCheckFailed = With(7);
+const FakeReplies kFailedBefore =
+    Usual({{"CheckUpdateInfo", State(5)},
+           {"GET /downloads", Downloads(4, "no space")},
+           {"DownloadProgress", InTurn({Progress(4), Progress(1), Progress(2)})}});
 
-struct UpdateCase {
-    const char* name;
-    std::string line;
-    FakeReplies replies;  // other than those above
-    int status;
-    std::string shown;          // on one of the two outputs
-    std::string asked = {};     // the beginning of a request
-    std::string notAsked = {};  // likewise
+const CommandCase kUpdateCases[] = {
+    {"updates_failed_download", "updates", kFailedBefore, 0, HasSubstr("download failed: no space"), _},
+    {"updates_there", "updates --exit-code", kIsDownloaded, 10, HasSubstr("is downloaded"), _},
+    {"updates_none", "updates --exit-code", kUpToDate, 0, HasSubstr("up to date"), _},
+    {"updates_under_way", "updates --exit-code", kIsUpdating, 0, HasSubstr("is under way"), _},
+    {"updates_not_known", "updates --exit-code", kCheckFailed, 1, HasSubstr("the check failed"), _},
+
+    {"download", "download device_pack", kUsual, 0, "DP 2.2-1 is downloaded\n", _,
+     Asks(R"(DownloadStart Bearer secret {"service":1})")},
+    {"download_joins", "download 1", With(4), 0, HasSubstr("is downloaded"), _, AsksNo("DownloadStart")},
+    {"download_is_there", "download 1", kIsDownloaded, 0, HasSubstr("is downloaded"), _,
+     AsksNo("DownloadStart")},
+    {"download_nothing_newer", "download 1", kUpToDate, 0, HasSubstr("no newer release of DP"), _,
+     AsksNo("DownloadStart")},
+    {"download_during_update", "download 1", kIsUpdating, 5, "", HasSubstr("an update is under way")},
+    {"download_unknown", "download 1", kCheckFailed, 1, "", HasSubstr("the check failed")},
+    {"download_fails", "download 1", With(Progress(4), Downloads(4, "wrong \x1B hash")), 1, "",
+     EndsWith("The download of DP failed: wrong \\x1B hash\n" + kWhy)},
+    {"download_after_a_failure", "download 1", kFailedBefore, 0, "DP 2.2-1 is downloaded\n", _,
+     Asks("DownloadStart")},
+    {"download_ended_by_others", "download 1", With(Progress(4)), 1, "",
+     HasSubstr("was cancelled, or never began")},
+    {"download_too_slow", "download 1 --timeout 1", With(Progress(1)), 8, "",
+     HasSubstr("the appliance goes on downloading")},
+    {"cancel", "cancel 1", kUsual, 0, "No download of DP is under way now\n", _, Asks("DownloadCancel")},
+    {"cancel_too_late", "cancel 1", With(Progress(2), Downloads(2)), 0,
+     HasSubstr("2.2-1 was downloaded before"), _},
+
+    {"update", "update 1 --yes", kUsual, 0,
+     "DP 2.2-1 is installed, in place of 2.1-9\nRunning as before: DP, LD\n", _,
+     Asks(R"(Update Bearer secret {"service":1})")},
+    {"update_dry", "update 1 -n", kUsual, 0, HasSubstr("To install       2.2-1 (newer)\n"), _,
+     AsksNo("DownloadStart")},
+    {"update_nobody_to_ask", "update 1", kUsual, 2, "", HasSubstr("There is nobody to ask"),
+     AsksNo("CheckUpdateInfo")},
+    {"update_nothing_newer", "update 1 --yes", kUpToDate, 0, HasSubstr("no newer release"), _,
+     AsksNo("Update")},
+    {"update_of_another_release", "update 1 --yes", With(Progress(2, "2.3-1")), 9, "",
+     HasSubstr("DP 2.2-1 was to be downloaded, but 2.3-1 was; nothing was installed"), AsksNo("Update")},
+
+    {"auto_update_has_no_effect", "auto-update 1 on", kUsual, 9, "", HasSubstr("is off"),
+     Asks(R"(SetAutoUpdate Bearer secret {"blEnable":true,"service":1})")},
+    {"auto_update_wrong_word", "auto-update 1 yes", kUsual, 2, "", HasSubstr("neither \"on\" nor \"off\""),
+     AsksNo("SetAutoUpdate")},
+
+    {"restore_tells_of_failed_scripts", "restore 1 --yes", kUsual, 0, _,
+     HasSubstr("Warning: /bin/mv -f \\x1B ended with exit status 1"),
+     Asks(
+         R"(Restore Bearer secret {"description":"restored by camvoractl","service":1,"serviceName":"DP"})")},
+    {"restore_dry", "restore 1 -n", kUsual, 0, HasSubstr("Factory copy     its version is not known here\n"),
+     _, AsksNo("Restore")},
+    {"restore_of_what_does_not_run", "restore 6 -n", Usual({{"List", ServiceList(true, false)}}), 0,
+     HasSubstr("Stops meanwhile  nothing\n"), _},
+    {"restore_nobody_to_ask", "restore 1", kUsual, 2, "", HasSubstr("There is nobody to ask"),
+     AsksNo("List")},
+    {"restore_without_copy", "restore 1 --yes", Usual({{"GetInfo", Success("{}")}}), 3, "",
+     HasSubstr("DP has no factory copy"), AsksNo("Restore")},
 };
 
-const FakeReplies kFailedBefore = {{"CheckUpdateInfo", State(5)},
-                                   {"GET /downloads", Downloads(4, "no space")}};
-
-const UpdateCase kUpdateCases[] = {
-    {"updates",
-     "updates",
-     {},
-     0,
-     "Add-on  Installed  Newer  Date        Size     State              Automatic update  Notes\n"
-     "DP      2.1-9      2.2-1  2026-11-25  3.0 MiB  can be downloaded  on                Better\n"},
-    {"updates_for_programs",
-     "updates --json",
-     {},
-     0,
-     R"({"updates":[{"blAutoUpdate":true,"download":null,"installedVersion":"2.1-9","release":{"date":)"},
-    {"updates_failed_download", "updates", kFailedBefore, 0, "download failed: no space"},
-    {"updates_there", "updates --exit-code", {{"CheckUpdateInfo", State(3)}}, 10, "is downloaded"},
-    {"updates_none", "updates --exit-code", {{"CheckUpdateInfo", State(1)}}, 0, "up to date"},
-    {"updates_under_way", "updates --exit-code", {{"CheckUpdateInfo", State(6)}}, 0, "is under way"},
-    {"updates_not_known", "updates --exit-code", {{"CheckUpdateInfo", State(7)}}, 1, "the check failed"},
-
-    {"download",
-     "download device_pack",
-     {},
-     0,
-     "DP 2.2-1 is downloaded\n",
-     R"(DownloadStart Bearer secret {"service":1})"},
-    {"download_joins",
-     "download 1",
-     {{"CheckUpdateInfo", State(4)}},
-     0,
-     "is downloaded",
-     "",
-     "DownloadStart"},
-    {"download_is_there",
-     "download 1 --json",
-     {{"CheckUpdateInfo", State(3)}, {"DownloadProgress", Progress(2)}},
-     0,
-     R"({"service":1,"status":3,"version":"2.2-1"})",
-     "",
-     "DownloadStart"},
-    {"download_nothing_newer",
-     "download 1",
-     {{"CheckUpdateInfo", State(1)}},
-     0,
-     "no newer release of DP",
-     "",
-     "DownloadStart"},
-    {"download_during_update", "download 1", {{"CheckUpdateInfo", State(6)}}, 5, "an update is under way"},
-    {"download_unknown", "download 1", {{"CheckUpdateInfo", State(7)}}, 1, "the check failed"},
-    {"download_fails",
-     "download 1",
-     {{"DownloadProgress", Progress(4)}, {"GET /downloads", Downloads(4, "wrong \x1B hash")}},
-     1,
-     "The download of DP failed: wrong \\x1B hash\nThe request was r1\n"},
-    {"download_after_a_failure",
-     "download 1",
-     {{"CheckUpdateInfo", State(5)},
-      {"GET /downloads", Downloads(4, "no space")},
-      {"DownloadProgress", InTurn({Progress(4), Progress(1), Progress(2)})}},
-     0,
-     "DP 2.2-1 is downloaded\n",
-     "DownloadStart"},
-    {"download_ended_by_others",
-     "download 1",
-     {{"DownloadProgress", Progress(4)}},
-     1,
-     "was cancelled, or never began"},
-    {"download_too_slow",
-     "download 1 --timeout 1",
-     {{"DownloadProgress", Progress(1)}},
-     8,
-     "the appliance goes on downloading"},
-    {"cancel", "cancel 1", {}, 0, "No download of DP is under way now\n", "DownloadCancel"},
-    {"cancel_too_late", "cancel 1", {{"GET /downloads", Downloads(2)}}, 0, "2.2-1 was downloaded before"},
-
-    {"update",
-     "update 1 --yes",
-     {},
-     0,
-     "DP 2.2-1 is installed, in place of 2.1-9\nRunning as before: DP\n",
-     R"(Update Bearer secret {"service":1})"},
-    {"update_plan",
-     "update 1 --dry-run",
-     {},
-     0,
-     "Add-on           DP\nInstalled        2.1-9\nTo install       2.2-1 (newer)\n"
-     "Stops meanwhile  all of Camvora; running now: DP\nReleased         2026-11-25\nNotes            "
-     "Better\n"},
-    {"update_dry", "update 1 -n --json", {}, 0, R"("version":"2.2-1")", "", "DownloadStart"},
-    {"update_nobody_to_ask", "update 1", {}, 2, "There is nobody to ask", "", "CheckUpdateInfo"},
-    {"update_nothing_newer",
-     "update 1 --yes",
-     {{"CheckUpdateInfo", State(1)}},
-     0,
-     "no newer release",
-     "",
-     "Update"},
-    {"update_of_another_release",
-     "update 1 --yes",
-     {{"DownloadProgress", Progress(2, "2.3-1")}},
-     9,
-     "DP 2.2-1 was to be downloaded, but 2.3-1 was; nothing was installed",
-     "",
-     "Update"},
-
-    {"auto_update",
-     "auto-update 1 on",
-     {{"GetInfo", Info("1", true)}},
-     0,
-     "Automatic update of DP is on\n",
-     R"(SetAutoUpdate Bearer secret {"blEnable":true,"service":1})"},
-    {"auto_update_has_no_effect", "auto-update 1 on", {{"GetInfo", Info("1", false)}}, 9, "is off"},
-    {"auto_update_wrong_word", "auto-update 1 yes", {}, 2, "neither \"on\" nor \"off\"", "", "SetAutoUpdate"},
-
-    {"restore",
-     "restore 1 --yes",
-     {{"GetInfo", InTurn({Info("2.2-1"), Info("2.2-1"), Info("2.1-0")})}},
-     0,
-     "DP 2.1-0 is installed, in place of 2.2-1\n",
-     R"(Restore Bearer secret {"description":"restored by camvoractl","service":1,"serviceName":"DP"})"},
-    {"restore_tells_of_failed_scripts",
-     "restore 1 --yes",
-     {},
-     0,
-     "Warning: /s/restore ended with exit status 3"},
-    {"restore_dry", "restore 1 -n", {}, 0, "Factory copy     its version is not known here\n", "", "Restore"},
-    {"restore_nobody_to_ask", "restore 1", {}, 2, "There is nobody to ask", "", "List"},
-    {"restore_without_copy",
-     "restore 1 --yes",
-     {{"GetInfo", Success("{}")}},
-     3,
-     "DP has no factory copy",
-     "",
-     "Restore"},
-};
-
-class UpdateTest : public testing::TestWithParam<UpdateCase> {};
-
-TEST_P(UpdateTest, DoesAndSays) {
-    FakeReplies replies = Replies();
-    for (const auto& [request, reply] : GetParam().replies) {
-        replies[request] = reply;
-    }
-    FakeAppliance appliance(replies);
-    const Outcome outcome = appliance.Run(GetParam().line);
-    EXPECT_EQ(GetParam().status, outcome.status);
-    EXPECT_NE(std::string::npos, (outcome.err + outcome.out).find(GetParam().shown))
-        << outcome.err << outcome.out;
-    EXPECT_TRUE(GetParam().asked.empty() || IsAsked(appliance, GetParam().asked));
-    EXPECT_FALSE(!GetParam().notAsked.empty() && IsAsked(appliance, GetParam().notAsked));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, UpdateTest, testing::ValuesIn(kUpdateCases),
-                         [](const auto& c) { return std::string(c.param.name); });
+INSTANTIATE_TEST_SUITE_P(Update, CommandTest, testing::ValuesIn(kUpdateCases), NameOf);
 
 TEST(RestoreTest, ComparesWithTheFactoryCopyInTheFolder) {
-    const FakeAppliance appliance(Replies());
+    const FakeAppliance appliance(Usual());
     const std::filesystem::path copy = appliance.Dir() + "/var/packages/Camvora/target/device_pack.default";
     std::filesystem::create_directory(copy);
     std::ofstream(copy / "conf") << "version=\"2.0-1\"\n";
@@ -243,18 +114,13 @@ TEST(RestoreTest, ComparesWithTheFactoryCopyInTheFolder) {
 
 TEST(DownloadTest, IsCancelledByAnInterruptAndLeftByASecondOne) {
     for (const bool isAnswered : {true, false}) {
-        FakeReplies replies = Replies();
-        replies["DownloadProgress"] = Progress(1);
-        replies["DownloadCancel"] = isAnswered ? Success("null") : FakeReply{200, " ", "", true};
-        FakeAppliance appliance(replies);
+        FakeAppliance appliance(
+            Usual({{"DownloadProgress", Progress(1)},
+                   {"DownloadCancel", isAnswered ? Success("null") : FakeReply{200, " ", "", true}}}));
         const Program run = appliance.Start("download 1");
-        while (!IsAsked(appliance, "DownloadProgress")) {
-            usleep(10'000);
-        }
+        appliance.AwaitRequest("DownloadProgress");
         kill(run.Pid(), SIGINT);
-        while (!IsAsked(appliance, "DownloadCancel")) {
-            usleep(10'000);
-        }
+        appliance.AwaitRequest("DownloadCancel");
         if (!isAnswered) {
             kill(run.Pid(), SIGINT);
         }

@@ -1,45 +1,19 @@
 // "upload": what is sent, and what is said of what comes back.
-#include "fakeappliance.h"
-
-#include <gtest/gtest.h>
-
-#include <csignal>
+#include "commandcase.h"
 
 namespace {
 
-constexpr char kServices[] =
-    R"({"list":[{"service":6,"info":{"shortName":"local_display","name":"Local Display"}}]})";
-constexpr char kStored[] = R"({"pkgInfo":{"fileName":"a","filePath":"/u/1"}})";
-
-class UploadTest : public testing::Test {
-protected:
-    FakeReplies Replies(const FakeReply& upload, const FakeReply& info) const {
-        return {{"List", Success(kServices)}, {"Upload", upload}, {"GetPkgInfo", info}};
-    }
-
-    std::string Line(const std::string& name = "x.spk") const {
-        return "upload " + dir_.PathOf(name) + " local_display";
-    }
-
-    TemporaryFolder dir_;
-};
-
-TEST_F(UploadTest, SendsTheFileThenAsksWhatItIs) {
+TEST(UploadTest, SendsTheFileThenAsksWhatItIs) {
+    const TemporaryFolder folder;
     const std::string content(200'000, '\0');
-    dir_.Write("a\"\r.spk", content);
+    folder.Write("a\"\r.spk", content);
     FakeAppliance appliance(
-        Replies(Success(kStored),
-                Success(R"({"version":"1.6","maintainer":"M\u001b","filePath":"/w/","errinfo":null})")));
-    const Outcome sent = Program({CAMVORACTL, "upload", dir_.PathOf("a\"\r.spk"), "local_display"},
+        Usual({{"GetPkgInfo",
+                Success(R"({"version":"1.6","maintainer":"M\u001b","filePath":"/w/","errinfo":null})")}}));
+    const Outcome sent = Program({CAMVORACTL, "upload", folder.PathOf("a\"\r.spk"), "local_display"},
                                  {"CAMVORA_DIR=" + appliance.Dir()})
                              .Wait();
     EXPECT_EQ(0, sent.status) << sent.err;
-    EXPECT_EQ(
-        "Add-on          Local Display\n"
-        "Version         1.6\n"
-        "Maintainer      M\\x1B\n"
-        "Work directory  /w/\n",
-        sent.out);
     EXPECT_EQ("Sending a\"\\r.spk\nThe appliance unpacks and checks it\n", sent.err);
     ASSERT_EQ(3U, appliance.Requests().size());
     EXPECT_EQ("Upload Bearer secret addonsSpkFile=a%22%0D.spk:" + content, appliance.Requests()[1]);
@@ -47,98 +21,47 @@ TEST_F(UploadTest, SendsTheFileThenAsksWhatItIs) {
               appliance.Requests()[2]);
 }
 
-struct RefusalCase {
-    const char* name;
-    const char* errInfo;
-    const char* err;
-};
-
-const RefusalCase kRefusalCases[] = {
-    {"invalid", R"({"sec":"localdisplay","key":"invalid_file"})",
-     "it is no valid package for this service\n"},
-    {"platform", R"({"sec":"device_pack","key":"plat_not_support","param1":"plat1 \u001bplat2"})",
-     "it is not for the platform of this appliance, which is plat1 \\x1Bplat2\n"},
-    {"main_too_old", R"({"sec":"device_pack","key":"cv_ver_too_old","param1":"4.0"})",
-     "it needs Camvora 4.0 or newer\n"},
-    {"too_old", R"({"sec":"addons","key":"forbid_downgrade","param1":"%2","param2":"1.4","param3":"1.3"})",
-     "%2 has to be 1.4 or newer, and this is 1.3\n"},
-    {"no_file", R"({"sec":"device_pack","key":"sel_file"})", "no file arrived\n"},
-    {"unknown", R"({"sec":"addons","key":"sel_file","param1":7})",
-     "addons/sel_file\nerrinfo.key     sel_file\nerrinfo.param1  7\nerrinfo.sec     addons\n"},
-};
-
-class UploadRefusalTest : public UploadTest, public testing::WithParamInterface<RefusalCase> {};
-
-TEST_P(UploadRefusalTest, IsSaidInPlainWords) {
-    dir_.Write("x.spk", "");
-    const FakeAppliance appliance(
-        Replies(Success(kStored),
-                Error(200, R"({"code":400,"data":{"errinfo":)" + std::string(GetParam().errInfo) + "}}")));
-    const Outcome outcome = appliance.Run(Line());
-    EXPECT_EQ(4, outcome.status);
-    EXPECT_EQ("", outcome.out);
-    EXPECT_EQ(
-        "Sending x.spk\nThe appliance unpacks and checks it\ncamvoractl: The appliance does not take "
-        "x.spk: " +
-            std::string(GetParam().err) + "The request was r1\n",
-        outcome.err);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, UploadRefusalTest, testing::ValuesIn(kRefusalCases),
-                         [](const auto& c) { return std::string(c.param.name); });
-
-struct UploadFailureCase {
-    const char* name;
-    FakeReply upload;
-    FakeReply info;
-    int status;
-    const char* words;
-};
-
-const UploadFailureCase kUploadFailureCases[] = {
-    {"no_file_arrived",
-     Error(200, R"({"code":400,"data":{"errinfo":{"sec":"device_pack","key":"sel_file"}}})"),
-     {},
-     4,
-     "camvoractl: The appliance does not take x.spk: no file arrived\n"},
-    {"too_large",
-     Error(413, R"({"code":1006,"data":{"text":"The request is too large"}})"),
-     {},
-     4,
-     "camvoractl: Upload failed (error 1006): The request is too large\n"},
-    {"nowhere_stored", Success("null"), {}, 1, "the answer names no stored file\n"},
-    {"failed_without_a_reason", Success(kStored), Error(200, R"({"code":400,"data":{"errinfo":null}})"), 1,
-     "GetPkgInfo failed (error 400): the appliance could not do it\n"},
-};
-
-class UploadFailureTest : public UploadTest, public testing::WithParamInterface<UploadFailureCase> {};
-
-TEST_P(UploadFailureTest, SaysWhy) {
-    dir_.Write("x.spk", "x");
-    const FakeAppliance appliance(Replies(GetParam().upload, GetParam().info));
-    const Outcome outcome = appliance.Run(Line());
-    EXPECT_EQ(GetParam().status, outcome.status);
-    EXPECT_NE(std::string::npos, outcome.err.find(GetParam().words)) << outcome.err;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, UploadFailureTest, testing::ValuesIn(kUploadFailureCases),
-                         [](const auto& c) { return std::string(c.param.name); });
-
-TEST_F(UploadTest, AsksNobodyWithoutAFile) {
-    FakeAppliance appliance({});
-    EXPECT_EQ(3, appliance.Run(Line()).status);
-    EXPECT_EQ(0U, appliance.Requests().size());
-}
-
-TEST_F(UploadTest, EndsWhenItIsInterrupted) {
-    dir_.Write("x.spk", "x");
-    FakeAppliance appliance(Replies({200, " ", "", true}, {}));
-    const Program run = appliance.Start(Line());
+TEST(UploadTest, EndsWhenItIsInterrupted) {
+    FakeAppliance appliance(Usual({{"Upload", {200, " ", "", true}}}));
+    const Program run({CAMVORACTL, "upload", SAMPLES "/device_pack-2.2.0-0140.spk", "6"},
+                      {"CAMVORA_DIR=" + appliance.Dir()});
     appliance.AwaitRequests(2);
     kill(run.Pid(), SIGINT);
     const Outcome outcome = run.Wait();
     EXPECT_EQ(130, outcome.status);
-    EXPECT_EQ("Sending x.spk\ncamvoractl: Interrupted\n", outcome.err);
+    EXPECT_EQ("Sending device_pack-2.2.0-0140.spk\ncamvoractl: Interrupted\n", outcome.err);
 }
+
+constexpr char kLine[] = "upload " SAMPLES "/device_pack-2.2.0-0140.spk 6";
+
+FakeReplies Refused(const std::string& errInfo) {
+    return Usual({{"GetPkgInfo", Error(200, R"({"code":400,"data":{"errinfo":)" + errInfo + "}}")}});
+}
+
+Text SaysInTheEnd(const std::string& words) {
+    return testing::EndsWith(words + "\n" + kWhy);
+}
+
+const CommandCase kRefusalCases[] = {
+    {"platform", kLine,
+     Refused(R"({"sec":"device_pack","key":"plat_not_support","param1":"plat1 \u001bplat2"})"), 4, "",
+     SaysInTheEnd("it is not for the platform of this appliance, which is plat1 \\x1Bplat2")},
+    {"main_too_old", kLine, Refused(R"({"sec":"device_pack","key":"cv_ver_too_old","param1":"4.0"})"), 4, "",
+     SaysInTheEnd("it needs Camvora 4.0 or newer")},
+    {"too_old", kLine,
+     Refused(R"({"sec":"addons","key":"forbid_downgrade","param1":"%2","param2":"1.4","param3":"1.3"})"), 4,
+     "", SaysInTheEnd("%2 has to be 1.4 or newer, and this is 1.3")},
+    {"no_file", kLine, Refused(R"({"sec":"device_pack","key":"sel_file"})"), 4, "",
+     SaysInTheEnd("The appliance does not take device_pack-2.2.0-0140.spk: no file arrived")},
+    {"unknown", kLine, Refused(R"({"sec":"addons","key":"sel_file","param1":7})"), 4, "",
+     SaysInTheEnd("addons/sel_file\nerrinfo.key     sel_file\nerrinfo.param1  7\nerrinfo.sec     addons")},
+    {"without_a_reason", kLine, Refused("null"), 1, "",
+     SaysInTheEnd("GetPkgInfo failed (error 400): the appliance could not do it\nerrinfo  -")},
+    {"nowhere_stored", kLine, Usual({{"Upload", Success("null")}}), 1, "",
+     testing::EndsWith("the answer names no stored file\n")},
+    {"no_file_here", "upload /no/such 6", Usual(), 3, "", testing::_, testing::IsEmpty()},
+};
+
+INSTANTIATE_TEST_SUITE_P(Upload, CommandTest, testing::ValuesIn(kRefusalCases), NameOf);
 
 }  // namespace
