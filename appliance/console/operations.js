@@ -3,7 +3,7 @@ import { page } from "./api.js";
 
 export const kKept = 300; // of each kind of what has happened
 
-const kLookMs = 300;
+const kLookMs = 500;
 const kChanging = ["Enable", "Disable", "Restart", "Update", "Restore"];
 
 const isRunning = (operation) => operation.outcome === "running";

@@ -90,7 +90,7 @@ test("ten events a second take little of the processor, and thousands leave noth
   await browser.close();
   host.end();
   // What else runs on the machine makes this dearer: the bound is above what is aimed at, 5 % of a core.
-  assert.ok(share < 15, "the processor");
+  assert.ok(share < 10, "the processor");
   assert.ok(grownKiB < 1024, "the heap");
   assert.ok(last.Nodes - after.Nodes < 200, "the nodes");
 });

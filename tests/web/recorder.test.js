@@ -70,6 +70,7 @@ test("a late answer of a recorder leaves the view of the appliance alone", async
 });
 
 test("one that is away is named, and comes back by itself", async () => {
+  await its.user.becomesUsable(its.user.button("Start: Service 4"));
   await recorder.stop();
   await its.user.sees(new RegExp(`The recorder .*${kRecorder}.* does not answer`));
   assert.equal(await its.user.isOff(its.user.button("Start: Service 4")), true);

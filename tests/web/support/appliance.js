@@ -57,8 +57,11 @@ export class Appliance {
     this.#port = Number(new URL(this.url).port);
   }
 
-  // Ends it; its state stays.
+  // Ends it, if it has not ended; its state stays.
   async stop() {
+    if (this.#launcher.exitCode !== null || this.#launcher.signalCode !== null) {
+      return;
+    }
     const ended = new Promise((resolve) => this.#launcher.once("exit", resolve));
     this.#launcher.kill("SIGTERM");
     await ended;
