@@ -2,7 +2,6 @@
 
 #include "host/jsonparams.h"
 
-#include "libcamvora/checkedreleases.h"
 #include "libcamvora/downloadstates.h"
 #include "libcamvora/notifications.h"
 #include "libcamvora/operations.h"
@@ -50,26 +49,25 @@ std::optional<Entry> EntryOf(const std::vector<Entry>& entries, int service) {
     return entry == entries.end() ? std::nullopt : std::make_optional(*entry);
 }
 
-bool IsBeingCancelled(int service) {
-    const std::vector<camvora::Operation> running = camvora::RunningOperations();
-    return std::any_of(running.begin(), running.end(), [service](const camvora::Operation& operation) {
-        return operation.service == service && operation.method == "DownloadCancel";
+bool WasCancelled(const camvora::Operation& download) {
+    const std::vector<camvora::Operation> later =
+        camvora::OperationsAfter(download.id, camvora::kOperationsKept);
+    return std::any_of(later.begin(), later.end(), [&download](const camvora::Operation& operation) {
+        return operation.service == download.service && operation.method == "DownloadCancel";
     });
 }
 
-// A cancel kills the download before it forgets it; an older release that was ready is there again then.
-OperationEnd EndOfDownload(int service) {
-    const bool isBeingCancelled =
-        IsBeingCancelled(service);  // asked first: its end comes after the forgetting
-    const auto download = EntryOf(camvora::DownloadStates(), service);
-    const auto checked = EntryOf(camvora::CheckedServices(), service);
-    const bool isOlder = download && checked && download->version != checked->newest.version;
-    const bool isReady = download && download->status == kDownloadReady;
-    if (!download || isOlder || (isBeingCancelled && !isReady)) {
+// What is ready may be of an older download; a cancel is recorded before it kills one.
+OperationEnd EndOfDownload(const camvora::Operation& operation) {
+    const std::string& version = operation.end.toVersion;
+    const auto download = EntryOf(camvora::DownloadStates(), operation.service);
+    if (download && download->status == kDownloadReady && download->version == version) {
+        return {camvora::kOperationDone, version, 0, ""};
+    }
+    if (WasCancelled(operation)) {
         return {camvora::kOperationCancelled, "", 0, ""};
     }
-    return {isReady ? camvora::kOperationDone : camvora::kOperationFailed, download->version, 0,
-            download->problem};
+    return {camvora::kOperationFailed, version, 0, download ? download->problem : ""};
 }
 
 // Only a start or a stop that went well is notified.
@@ -97,7 +95,7 @@ void RecordAnswered(const std::string& requestId, const Reply& reply) {
 
 void RecordOutcome(const std::string& requestId) {
     Record(requestId, [](const camvora::Operation& operation) {
-        return operation.method == "DownloadStart" ? EndOfDownload(operation.service)
+        return operation.method == "DownloadStart" ? EndOfDownload(operation)
                                                    : EndOfControl(operation.requestId);
     });
 }

@@ -4,6 +4,7 @@
 #include "libcamvora/downloadfiles.h"
 #include "libcamvora/downloadlock.h"
 #include "libcamvora/downloadstate.h"
+#include "libcamvora/operations.h"
 #include "libcamvora/packagefetch.h"
 #include "libcamvora/releasecheck.h"
 
@@ -70,6 +71,7 @@ private:
         if (!release) {
             throw UpdateFailure("there is no newer release");
         }
+        SetOperationVersion(store_, release->version);
         if (!isReady || last->info.version != release->version) {
             Replace(*release);
         }

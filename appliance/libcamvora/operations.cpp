@@ -99,6 +99,16 @@ void BeginPlannedOperation() {
     });
 }
 
+void SetOperationVersion(Store& store, const std::string& version) {
+    (void)store.WriteLater([&](SQLite::Database& database) {
+        SQLite::Statement statement(
+            database,
+            std::string("UPDATE operations SET to_version = ? WHERE request = ? AND ") + kIsRunning);
+        SQLite::bind(statement, version, RequestId());
+        statement.exec();
+    });
+}
+
 void EndOperation(const std::string& requestId, const OperationEnd& end) {
     (void)TheStore().WriteLater([&](SQLite::Database& database) {
         SQLite::Statement statement(database,

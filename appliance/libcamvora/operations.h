@@ -7,6 +7,8 @@
 
 namespace camvora {
 
+class Store;
+
 inline constexpr int kOperationsKept = 10000;
 
 // The outcomes; "running" before that.
@@ -17,7 +19,7 @@ inline constexpr char kOperationLost[] = "lost";  // nobody was there to see its
 
 struct OperationEnd {
     std::string outcome;
-    std::string toVersion;  // what it has led to; empty where that is no version, or not known
+    std::string toVersion;  // what it leads to; empty where that is no version, or not known
     int code = 0;           // of the error that was answered
     std::string problem;    // in words; empty where there are none
 };
@@ -40,6 +42,10 @@ void PlanOperation(const std::string& method, int service);
 
 // Records the planned operation as running; does nothing where none is planned, or it is recorded already.
 void BeginPlannedOperation();
+
+// Records the version to which the running operation of this process will lead, where that is known before
+// its end. Called by the process that works for it, with the store that it has open.
+void SetOperationVersion(Store& store, const std::string& version);
 
 // Records the end of the running operation that the request `requestId` is, if it is one.
 void EndOperation(const std::string& requestId, const OperationEnd& end);

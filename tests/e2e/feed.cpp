@@ -57,7 +57,11 @@ void Feed::Publish(const std::string& sample) const {
 void Feed::SendIndex(const httplib::Request& request, httplib::Response& response) {
     ++checks_;
     checksAtOnce_ = std::max<int>(checksAtOnce_, ++checksUnderWay_);
-    response.set_content(ReadFile(folder_.Path() + request.path), "application/json");
+    if (answers_-- > 0) {
+        response.set_content(ReadFile(folder_.Path() + request.path), "application/json");
+    } else {
+        response.status = 503;
+    }
     --checksUnderWay_;
 }
 

@@ -28,6 +28,11 @@ public:
     // From the next package file on.
     void Send(Sending how) { how_ = how; }
 
+    static constexpr int kAllChecks = 1'000'000;
+
+    // From now on so many, then no more.
+    void AnswerChecks(int count) { answers_ = count; }
+
     // How many indexes were asked for, and how many of them at the same time at most.
     int Checks() const { return checks_; }
     int ChecksAtOnce() const { return checksAtOnce_; }
@@ -41,6 +46,7 @@ private:
     const TemporaryFolder folder_;
     const TemporaryFolder keys_;
     std::atomic<Sending> how_{Sending::kAtOnce};
+    std::atomic<int> answers_{kAllChecks};
     std::atomic<int> checks_{0};
     std::atomic<int> checksUnderWay_{0};
     std::atomic<int> checksAtOnce_{0};

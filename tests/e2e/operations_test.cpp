@@ -57,6 +57,12 @@ TEST_F(OperationsTest, TellWhatBecameOfDownloads) {
     Download(*appliance_, kDevicePackService);
     WaitForNewest("client DownloadStart 1: 2.1.0-0130 > 2.2.0-0140 done 0");
 
+    feed.AnswerChecks(1);  // of the request, but not of the download
+    ASSERT_TRUE(owner_.AddOns("DownloadStart", Param("service", kDevicePackService)).Succeeded());
+    WaitForNewest("client DownloadStart 1: 2.1.0-0130 >  failed 0");
+    EXPECT_EQ(2, DownloadStateOf(*appliance_, kDevicePackService));  // what was ready before
+    feed.AnswerChecks(Feed::kAllChecks);
+
     feed.Publish("device_pack-2.3.0-0152");
     feed.Send(Sending::kByteByByte);
     const Json::Value service = Param("service", kDevicePackService);
