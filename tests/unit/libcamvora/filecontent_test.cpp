@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -67,13 +68,18 @@ TEST_F(FileContent, IsTheSameAfterBothWays) {
     EXPECT_EQ(fs::perms(0600), fs::status(folder_.PathOf("file")).permissions());
 }
 
-TEST_F(FileContent, OfNoFileIsNone) {
-    unsigned char other = 0;
-    unsigned char* buffer = &other;
-    std::size_t size = 1;
-    EXPECT_EQ(-1, ReadContentFromFileToBuf(folder_.PathOf("missing"), true, buffer, size));
-    EXPECT_EQ(nullptr, buffer);
-    EXPECT_EQ(0U, size);
+TEST_F(FileContent, OfNoPlainFileIsNone) {
+    folder_.Write("plain", "text");
+    fs::create_symlink("plain", folder_.PathOf("link"));
+    ASSERT_EQ(0, mkfifo(folder_.PathOf("fifo").c_str(), 0600));
+    for (const char* name : {"missing", "", "link", "fifo"}) {
+        unsigned char other = 0;
+        unsigned char* buffer = &other;
+        std::size_t size = 1;
+        EXPECT_EQ(-1, ReadContentFromFileToBuf(folder_.PathOf(name), true, buffer, size)) << name;
+        EXPECT_EQ(nullptr, buffer);
+        EXPECT_EQ(0U, size);
+    }
 }
 
 TEST_F(FileContent, OfAWrongTextIsNotWritten) {
