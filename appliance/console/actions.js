@@ -1,7 +1,10 @@
 // What the buttons of a service do.
 import { call } from "./api.js";
+import { announce } from "./dom.js";
+import { nameOf } from "./happenings.js";
 import { alone, alongside, carryOut, order } from "./orders.js";
 import { holdView, store } from "./store.js";
+import { text } from "./texts.js";
 
 const kActions = {
   start: ({ service }) => order(service, "Enable"),
@@ -44,6 +47,7 @@ async function look(service) {
     const { data } = await call("CheckUpdateInfo", { service });
     if (isShown()) {
       store.checks.set(service, data.status);
+      announce("announce.news", { name: nameOf(service), words: text(`check.${data.status}`) });
     }
   });
 }

@@ -7,10 +7,12 @@ import { store } from "./store.js";
 import { foreign, redraw, text } from "./texts.js";
 
 const kPage = 40;
+const kTypingMs = 700; // the longest pause between two keys of a word
 
 export class Activity {
   #sources = []; // of what is shown
   #shown = kPage;
+  #telling; // a timer
   #service = this.#filter("select", "activity.service");
   #kind = this.#filter("select", "activity.kind");
   #words = this.#filter("input", "activity.search", { type: "search" });
@@ -57,7 +59,9 @@ export class Activity {
     const control = make(tag, attributes);
     control.addEventListener("input", () => {
       this.#shown = kPage;
-      announce("activity.matches", { count: this.#showAll() });
+      const count = this.#showAll();
+      clearTimeout(this.#telling);
+      this.#telling = setTimeout(() => announce("activity.matches", { count }), kTypingMs);
     });
     make("label", { class: "field" }, make("span", { text: key }), control);
     return control;
@@ -125,6 +129,6 @@ function showRow(row, { kind, id, name, time: when, who, words, outcome }) {
 }
 
 async function open(id) {
-  const { openOperation } = await import("./operationview.js"); // loaded when it is wanted for the first time
-  openOperation(id);
+  const view = await import("./operationview.js").catch(() => undefined); // when it is wanted for the first time
+  view?.openOperation(id); // without it the host does not answer, and the banner says so
 }

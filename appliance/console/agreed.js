@@ -33,15 +33,19 @@ export async function restore(info) {
 export function install(info, filePath, checked) {
   return orderAgreed(info, "Update", { filePath }, () => {
     const isAnother = store.operations.last(info.service, "GetPkgInfo")?.request !== checked;
-    refuseIf((store.recorder === "" && isAnother) || infoOf(info.service)?.version !== info.version);
+    refuseIf(store.recorder === "" && isAnother);
   });
 }
 
-async function orderAgreed(info, method, params, check) {
+// `info` is what was shown of the service.
+async function orderAgreed(info, method, params, check = () => {}) {
   if (isBusy(info.service)) {
     tell(`failed.${method}`, {}, ["refusal.busy", { name: info.name }]);
   } else {
-    await order(info.service, method, params, check);
+    await order(info.service, method, params, async () => {
+      refuseIf(infoOf(info.service)?.version !== info.version);
+      await check();
+    });
   }
 }
 

@@ -1,6 +1,5 @@
 // The card of a service: built once, then changed where something else is to be shown.
 import { act, installDropped } from "./actions.js";
-import { CommandList } from "./commands.js";
 import { announce, button, isEnabled, make, nameAction, setAttribute, setEnabled, setShown, setText } from "./dom.js";
 import { FailureStrip } from "./failurestrip.js";
 import { time, today } from "./format.js";
@@ -25,13 +24,15 @@ export class Card {
   #power = button("action.start", () => this.#act(this.#known.info.blRunning ? "stop" : "start"), { class: "power" });
   #buttons = new Map(["restart", ...kPackageActions].map((action) =>
     [action, button(`action.${action}`, () => this.#act(action))]));
-  #commands = new CommandList();
+  #commands; // the lines for `camvoractl`, once they were wanted
+  #commandsField = make("details", { class: "commands", ontoggle: () => void this.#unfoldCommands() },
+    make("summary", { text: "commands.title", class: "button-like" }));
   #packages = make("div", { class: "buttons quiet-buttons" },
     ...kPackageActions.map((action) => this.#buttons.get(action)));
   element = make("article", { class: "card", tabindex: "-1" }, this.#bar,
     make("header", {}, this.#name, this.#state), make("div", { class: "facts-line" }, this.#line, this.#autoField),
     this.#failure.element, this.#release.element,
-    make("div", { class: "buttons" }, this.#power, this.#buttons.get("restart"), this.#commands.element),
+    make("div", { class: "buttons" }, this.#power, this.#buttons.get("restart"), this.#commandsField),
     this.#packages);
 
   constructor(service) {
@@ -53,6 +54,7 @@ export class Card {
     fill(this.#state, `state.${state}`);
     this.#showLine(known);
     const news = [text(`state.${state}`), this.#failure.show(known), this.#release.show(known, isUsable)];
+    const ids = ["", known.failure?.request, ""];
     this.#showButton(this.#power, info.blRunning ? "stop" : "start", isUsable);
     this.#buttons.forEach((element, action) => this.#showButton(element, action, isUsable));
     setAttribute(this.#auto, "aria-checked", info.blAutoUpdate);
@@ -60,21 +62,27 @@ export class Card {
     setShown(this.#autoField, info.blHasPackages);
     setShown(this.#packages, info.blHasPackages);
     setShown(this.#buttons.get("restore"), info.blFactoryCopy);
-    this.#commands.show(known);
-    this.#say(news);
+    this.#commands?.show(known);
+    if (isUsable) {
+      this.#say(news, ids);
+    }
     const focused = document.activeElement;
     if (hasFocus && (!this.element.contains(focused) || focused.closest("[hidden]"))) {
       this.element.focus();
     }
   }
 
-  // `news`: the state, the failure and the release in words, "" for none. What is there at first is no news.
-  #say(news) {
-    const fresh = news.filter((words, index) => words && words !== this.#said[index]);
-    if (this.#said.length > 0) {
-      fresh.forEach((words) => announce("announce.news", { name: this.#known.info.name, words }));
-    }
-    this.#said = news;
+  // `news`: the state, the failure and the release in words, "" for none, each with its id. What is there at first is
+  // no news, nor is what comes back.
+  #say(news, ids) {
+    const isFirst = this.#said.length === 0;
+    news.forEach((words, index) => {
+      const saying = `${words} ${ids[index]}`;
+      if (words && saying !== this.#said[index] && !isFirst) {
+        announce("announce.news", { name: this.#known.info.name, words });
+      }
+      this.#said[index] = words ? saying : this.#said[index] ?? "";
+    });
   }
 
   #showLine({ info, work }) {
@@ -86,6 +94,12 @@ export class Card {
   #showButton(element, action, isUsable) {
     nameAction(element, action, this.#known.info.name);
     setEnabled(element, isUsable && this.#known.actions.has(action));
+  }
+
+  async #unfoldCommands() {
+    const loaded = await import("./commands.js").catch(() => undefined); // nothing while nobody answers
+    this.#commands ??= loaded && new loaded.CommandList(this.#commandsField);
+    this.#commands?.show(this.#known);
   }
 
   #act(action) {

@@ -29,23 +29,22 @@ export function commandFor(action, info, recorder) {
   return ["camvoractl", ...server, ...kLines[action](info.shortName)].map(quoted).join(" ");
 }
 
-// A list to unfold; `show` takes what `stateOf` says of the service.
+// What unfolds in `element`, a "details"; `show` takes what `stateOf` says of the service.
 export class CommandList {
   #list = make("ul");
   #none = make("p", { class: "quiet", text: "commands.none" });
-  element = make("details", { class: "commands" }, make("summary", { text: "commands.title", class: "button-like" }),
-    this.#none, this.#list);
 
-  constructor() {
-    this.element.addEventListener("focusout", ({ relatedTarget }) => {
-      if (relatedTarget && !this.element.contains(relatedTarget)) {
-        this.element.open = false;
+  constructor(element) {
+    element.append(this.#none, this.#list);
+    element.addEventListener("focusout", ({ relatedTarget }) => {
+      if (relatedTarget && !element.contains(relatedTarget)) {
+        element.open = false;
       }
     });
-    this.element.addEventListener("keydown", ({ key }) => {
+    element.addEventListener("keydown", ({ key }) => {
       if (key === "Escape") {
-        this.element.open = false;
-        this.element.firstChild.focus();
+        element.open = false;
+        element.firstChild.focus();
       }
     });
   }

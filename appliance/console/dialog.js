@@ -1,7 +1,10 @@
 // Windows over the page: for a question, or for work that wants the whole attention.
 import { button, make, setEnabled, setShown } from "./dom.js";
+import { titleOf } from "./header.js";
 import { store, whenChanged } from "./store.js";
 import { fill } from "./texts.js";
+
+const kTroubles = ["lost", "refused"];
 
 await loadStyles();
 
@@ -21,7 +24,7 @@ function loadStyles() {
 // On the page until it is closed; the focus then is where it was before.
 export class Dialog {
   #title = make("h2", { id: `dialog-${++lastId}`, tabindex: "-1" });
-  #trouble = make("p", { class: "warning", role: "status", text: "lost.title" });
+  #trouble = make("p", { class: "warning", role: "status" });
   #body = make("div", { class: "dialog-body" });
   #actions = make("div", { class: "dialog-actions" });
   #doers = [];
@@ -55,7 +58,11 @@ export class Dialog {
 
   // While nobody answers, that is said, and nothing can be done here.
   showConnection() {
-    setShown(this.#trouble, store.connection === "lost");
+    const { connection } = store;
+    setShown(this.#trouble, kTroubles.includes(connection));
+    if (kTroubles.includes(connection)) {
+      fill(this.#trouble, ...titleOf(connection, store));
+    }
     this.#doers.forEach((doer) => setEnabled(doer, store.connection === "live"));
   }
 

@@ -68,7 +68,8 @@ export class Banner {
   }
 }
 
-function titleOf(trouble, { error, recorder }) {
+// `trouble`: "lost", "refused" or "halted". Returns a key of the texts, with its values.
+export function titleOf(trouble, { error, recorder }) {
   if (trouble !== "lost" || !(error instanceof CallError) || error.code === kUnreachable) {
     return [`${trouble}.title`];
   }

@@ -10,15 +10,21 @@ const kSettleMs = 4000;
 const kSettleStepMs = 150;
 
 let stream;
+let losses = 0; // of connections
 let entriesTimer;
 
 // `onRefused` is called when nobody is signed in any more.
 export function start(onRefused) {
   stream = new EventStream({
     onEvent: takeEvent, onRefused,
-    onHidden: () => setConnection("connecting"),
-    onLost: (error) => setConnection("lost", error),
+    onHidden: () => takeLoss("connecting"),
+    onLost: (error) => takeLoss("lost", error),
   });
+}
+
+function takeLoss(connection, error) {
+  ++losses;
+  setConnection(connection, error);
 }
 
 export function stop() {
@@ -40,10 +46,9 @@ export async function readAppliance() {
   }
 }
 
-// Reads them where the calls go; `signal` may abort that.
-export async function readServices(signal) {
+export async function readServices() {
   const isShown = holdView();
-  const { data } = await call("List", {}, signal);
+  const { data } = await call("List");
   if (isShown()) {
     take({ services: data.list.map((entry) => entry.info) });
   }
@@ -81,13 +86,15 @@ function takeEvent(name, data) {
 // Only with what has happened before the stream began the appliance is shown as it is.
 async function catchUp() {
   const isShown = holdView();
+  const before = losses;
+  const isOpen = () => isShown() && losses === before;
   try {
     await store.operations.catchUp();
-    if (isShown()) {
+    if (isOpen()) {
       setConnection("live");
     }
   } catch (error) {
-    if (isShown()) {
+    if (isOpen()) {
       stream.drop(error);
     }
   }

@@ -8,7 +8,7 @@ import { wordsFor } from "./problems.js";
 import { Services } from "./services.js";
 import { kDownload } from "./servicestate.js";
 import { hasCode, signIn, SignInView, signOut, takeCode } from "./signin.js";
-import { changed, forget, forgetAppliance, holdView, setConnection, store, whenChanged } from "./store.js";
+import { changed, forget, forgetAppliance, setConnection, store, whenChanged } from "./store.js";
 
 const kRetryMs = 2000;
 const kLookMs = 60_000; // another day may have begun
@@ -24,6 +24,7 @@ const views = [banner, new Services(), new Activity()];
 
 let retryTimer;
 let source; // what follows the appliance that is shown: `live`, or recorder.js
+let wanted = ""; // what was chosen last to be shown
 let isSignedIn = false;
 
 function show() {
@@ -77,16 +78,22 @@ async function open() {
 
 // Shows the paired recorder of that name, "" for the appliance itself.
 async function choose(name) {
-  source?.stop();
-  forget();
-  store.recorder = name;
-  callAt(name);
-  const isShown = holdView();
-  const chosen = name === "" ? live : await import("./recorder.js"); // loaded when one is wanted for the first time
-  if (isShown()) {
-    source = chosen;
+  wanted = name;
+  const next = name === "" ? live : await loadRecorder();
+  if (next && isSignedIn && wanted === name) {
+    source?.stop();
+    forget();
+    store.recorder = name;
+    callAt(name);
+    source = next;
     source.start(end);
   }
+  changed(true); // the choice, too, goes back where nothing came of it
+}
+
+// When one is wanted for the first time; nothing where the host does not answer.
+function loadRecorder() {
+  return import("./recorder.js").catch(() => undefined);
 }
 
 async function leave() {
@@ -98,8 +105,14 @@ async function leave() {
   }
 }
 
+// Where not even the window can be loaded, the banner says it.
 async function tellRefusal(title, error) {
-  (await import("./dialog.js")).tell(title, {}, ["refusal.call", { reason: wordsFor(error) }]);
+  const dialog = await import("./dialog.js").catch(() => undefined);
+  if (dialog) {
+    dialog.tell(title, {}, ["refusal.call", { reason: wordsFor(error) }]);
+  } else {
+    setConnection("lost", error);
+  }
 }
 
 async function begin() {

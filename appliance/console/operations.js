@@ -4,6 +4,7 @@ import { page } from "./api.js";
 export const kKept = 300; // of each kind of what has happened
 
 const kLookMs = 500;
+const kRetryMs = 5000;
 const kChanging = ["Enable", "Disable", "Restart", "Update", "Restore"];
 
 const isRunning = (operation) => operation.outcome === "running";
@@ -103,7 +104,7 @@ export class Operations {
         await Promise.all(this.#unseen().map((operation) => this.read(operation.id)));
         this.#lookIfUnseen();
       } catch {
-        // the next event, or the next connection, brings another look
+        setTimeout(() => this.#lookIfUnseen(), kRetryMs);
       }
     }, kLookMs);
   }

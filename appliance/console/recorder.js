@@ -1,5 +1,5 @@
 // A recorder that is paired with the appliance, asked again and again, as it tells nothing by itself.
-import { isRefusal } from "./api.js";
+import { CallError, isRefusal, kRecorderAway } from "./api.js";
 import { readServices } from "./live.js";
 import { holdView, infoOf, setConnection } from "./store.js";
 
@@ -42,9 +42,15 @@ export async function settle(service, isRunning) {
 
 async function poll(mine) {
   for (; mine.isWanted; await pause(kPauseMs)) {
-    const error = await readServices(AbortSignal.timeout(kSilenceMs)).catch((problem) => problem);
-    if (mine.isWanted) {
-      setConnection(!error ? "live" : isRefusal(error) ? "refused" : "lost", error);
-    }
+    const silence = setTimeout(() => tell(mine, new CallError(kRecorderAway, null, "")), kSilenceMs);
+    const error = await readServices().catch((problem) => problem);
+    clearTimeout(silence);
+    tell(mine, error);
+  }
+}
+
+function tell(mine, error) {
+  if (mine.isWanted) {
+    setConnection(!error ? "live" : isRefusal(error) ? "refused" : "lost", error);
   }
 }

@@ -17,16 +17,15 @@ export class ReleaseStrip {
     this.element = make("div", { class: "strip release" }, this.#words, this.#button);
   }
 
-  // Returns the first of what it says, "" for nothing.
+  // Returns what it says of a release, "" for nothing.
   show({ info, release, download, check, actions }, isUsable) {
     const isRunning = download?.status === kDownload.running;
     const isHere = isRunning || download?.status === kDownload.ready;
     const words = isHere
       ? [isRunning ? "download.running" : "download.ready", { version: download.version }]
       : release ? ["release.new", { version: release.version }] : [`check.${check}`];
-    const isShown = isHere || release !== undefined || check !== undefined;
     const second = isRunning && Math.floor(performance.now() / 1000); // the rate of one that stands still, too
-    setShown(this.element, isShown);
+    setShown(this.element, isHere || release || check !== undefined);
     redraw(this.#words, [words, download?.bytes, release, second], () => [
       make("strong", { text: words }),
       ...(isRunning ? this.#progressOf(download) : release ? newsOf(release) : []),
@@ -37,7 +36,7 @@ export class ReleaseStrip {
     setShown(this.#button, isHere || release || action);
     nameAction(this.#button, this.#action, info.name);
     setEnabled(this.#button, isUsable && action !== undefined);
-    return isShown ? this.#words.firstChild.textContent : "";
+    return isHere || release ? this.#words.firstChild.textContent : "";
   }
 
   #progressOf({ bytes, size: all }) {

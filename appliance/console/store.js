@@ -50,7 +50,7 @@ function tellAll() {
 export function setConnection(connection, error) {
   store.connection = connection;
   store.error = error;
-  changed();
+  changed(true);
 }
 
 // Takes over what `news` has of services, downloads and releases, of the appliance and its pairs.
@@ -72,7 +72,6 @@ export function forget() {
     store[name].clear();
   }
   setConnection("connecting");
-  changed(true);
 }
 
 // Returns a function that tells, after a wait, whether it is still the same that is shown.

@@ -8,6 +8,7 @@ import { eventually } from "./support/eventually.js";
 import { useConsole } from "./support/fixture.js";
 
 const kLookMs = 1000; // the console looks at what it knows more often
+const kSilenceMs = 16_000;
 const kRecorder = "gate.house-2";
 
 const its = useConsole({ prepare });
@@ -20,6 +21,7 @@ async function prepare({ appliance, user }) {
   appliance.breakActions("service4");
   await appliance.call("Enable", { service: 4 });
   await user.sees("CMS host");
+  await user.page.clock.install();
   await user.page.getByLabel("Shown").selectOption(kRecorder);
   await user.sees(new RegExp(`You see the recorder .*${kRecorder}`));
 }
@@ -75,6 +77,17 @@ test("one that is away is named, and comes back by itself", async () => {
   await its.user.sees(new RegExp(`The recorder .*${kRecorder}.* does not answer`));
   assert.equal(await its.user.isOff(its.user.button("Start: Service 4")), true);
   await recorder.launch();
+  await its.user.becomesUsable(its.user.button("Start: Service 4"));
+});
+
+test("so is one that keeps its connections but says nothing for fifteen seconds", async () => {
+  const { clock } = its.user.page;
+  const thaw = recorder.freeze();
+  const isNamed = async () => {
+    await clock.fastForward(kSilenceMs);
+    return its.user.page.getByText(new RegExp(`The recorder .*${kRecorder}.* does not answer`)).isVisible();
+  };
+  await eventually(isNamed, "it is named").finally(thaw);
   await its.user.becomesUsable(its.user.button("Start: Service 4"));
 });
 
