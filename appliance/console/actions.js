@@ -2,9 +2,14 @@
 import { call } from "./api.js";
 import { announce } from "./dom.js";
 import { nameOf } from "./happenings.js";
+import { load } from "./load.js";
 import { alone, alongside, carryOut, order } from "./orders.js";
 import { holdView, store } from "./store.js";
 import { text } from "./texts.js";
+
+const kInstalling = "./install.js";
+const kAgreeing = "./agreed.js";
+const kNewer = 2; // an answer about releases
 
 const kActions = {
   start: ({ service }) => order(service, "Enable"),
@@ -13,21 +18,17 @@ const kActions = {
   check: ({ service }) => look(service),
   download: ({ service }) => download(service),
   cancel: ({ service }) => cancel(service),
-  install: async ({ service }) => (await installing()).chooseFile(service),
+  install: async ({ service }) => (await load(kInstalling))?.chooseFile(service),
   autoOn: ({ service }) => order(service, "SetAutoUpdate", { blEnable: true }),
   autoOff: ({ service }) => order(service, "SetAutoUpdate", { blEnable: false }),
-  update: async (info) => (await agreeing()).update(info),
-  restore: async (info) => (await agreeing()).restore(info),
+  update: async (info) => (await load(kAgreeing))?.update(info),
+  restore: async (info) => (await load(kAgreeing))?.restore(info),
 };
-
-// Loaded when they are wanted for the first time.
-const installing = () => import("./install.js");
-const agreeing = () => import("./agreed.js");
 
 // `service`: where the files were dropped, undefined for nowhere in particular. An open window comes first.
 export async function installDropped(files, service) {
   if (!document.querySelector("dialog")) {
-    (await installing()).installDropped(files, service);
+    (await load(kInstalling))?.installDropped(files, service);
   }
 }
 
@@ -47,7 +48,9 @@ async function look(service) {
     const { data } = await call("CheckUpdateInfo", { service });
     if (isShown()) {
       store.checks.set(service, data.status);
-      announce("announce.news", { name: nameOf(service), words: text(`check.${data.status}`) });
+      if (data.status !== kNewer) { // which release that is, is said by its card
+        announce("announce.news", { name: nameOf(service), words: text(`check.${data.status}`) });
+      }
     }
   });
 }

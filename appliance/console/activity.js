@@ -2,6 +2,7 @@
 import { announce, button, make, reconcile, setAttribute, setShown, setText } from "./dom.js";
 import { time, today } from "./format.js";
 import { happenings, kKinds } from "./happenings.js";
+import { load } from "./load.js";
 import { kKept } from "./operations.js";
 import { store } from "./store.js";
 import { foreign, redraw, text } from "./texts.js";
@@ -90,6 +91,7 @@ export class Activity {
   #showEmpty(key) {
     const reset = () => {
       [this.#service, this.#kind, this.#words].forEach((control) => (control.value = ""));
+      clearTimeout(this.#telling);
       this.#showAll();
       this.#words.focus();
     };
@@ -129,6 +131,5 @@ function showRow(row, { kind, id, name, time: when, who, words, outcome }) {
 }
 
 async function open(id) {
-  const view = await import("./operationview.js").catch(() => undefined); // when it is wanted for the first time
-  view?.openOperation(id); // without it the host does not answer, and the banner says so
+  (await load("./operationview.js"))?.openOperation(id);
 }

@@ -26,9 +26,9 @@ export function whenSessionEnds(listener) {
   onSessionEnd = listener;
 }
 
-// Calls a method. Returns its data and the request's id; throws a CallError.
-export function call(method, params = {}) {
-  return watched(relay + kMethods + method, "POST", params);
+// Calls a method. Returns its data and the request's id; throws a CallError, or what `signal` aborts it with.
+export function call(method, params = {}, signal = undefined) {
+  return watched(relay + kMethods + method, "POST", params, signal);
 }
 
 // The data of one of the host's pages; throws a CallError.
@@ -37,11 +37,11 @@ export async function page(path) {
 }
 
 // As both of them, where a refusal does not mean that the session is over.
-export async function exchange(path, method, params) {
+export async function exchange(path, method, params, signal) {
   const body = params && JSON.stringify(params);
   let response;
   try {
-    response = await fetch(path, { method, body, headers: body && { "Content-Type": "application/json" } });
+    response = await fetch(path, { method, body, signal, headers: body && { "Content-Type": "application/json" } });
     return readReply(await response.json(), idOf(response));
   } catch (error) {
     throw error instanceof CallError ? error : new CallError(kUnreachable, null, response ? idOf(response) : "");

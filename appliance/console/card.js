@@ -3,6 +3,7 @@ import { act, installDropped } from "./actions.js";
 import { announce, button, isEnabled, make, nameAction, setAttribute, setEnabled, setShown, setText } from "./dom.js";
 import { FailureStrip } from "./failurestrip.js";
 import { time, today } from "./format.js";
+import { load } from "./load.js";
 import { ReleaseStrip } from "./releasestrip.js";
 import { store } from "./store.js";
 import { fill, foreign, redraw, text } from "./texts.js";
@@ -54,7 +55,7 @@ export class Card {
     fill(this.#state, `state.${state}`);
     this.#showLine(known);
     const news = [text(`state.${state}`), this.#failure.show(known), this.#release.show(known, isUsable)];
-    const ids = ["", known.failure?.request, ""];
+    const ids = ["", known.failure?.request || known.failure?.begin, ""];
     this.#showButton(this.#power, info.blRunning ? "stop" : "start", isUsable);
     this.#buttons.forEach((element, action) => this.#showButton(element, action, isUsable));
     setAttribute(this.#auto, "aria-checked", info.blAutoUpdate);
@@ -97,7 +98,7 @@ export class Card {
   }
 
   async #unfoldCommands() {
-    const loaded = await import("./commands.js").catch(() => undefined); // nothing while nobody answers
+    const loaded = await load("./commands.js");
     this.#commands ??= loaded && new loaded.CommandList(this.#commandsField);
     this.#commands?.show(this.#known);
   }

@@ -33,6 +33,11 @@ export function stop() {
   entriesTimer = undefined;
 }
 
+// Opens a new stream.
+export function reconnect() {
+  stream?.drop();
+}
+
 export function retryNow() {
   stream.retryNow();
 }
@@ -46,9 +51,10 @@ export async function readAppliance() {
   }
 }
 
-export async function readServices() {
+// Reads them where the calls go, unless `signal` aborts that.
+export async function readServices(signal) {
   const isShown = holdView();
-  const { data } = await call("List");
+  const { data } = await call("List", {}, signal);
   if (isShown()) {
     take({ services: data.list.map((entry) => entry.info) });
   }

@@ -4,6 +4,7 @@ import { callAt, isRefusal, whenSessionEnds } from "./api.js";
 import { guardClicks } from "./dom.js";
 import { Banner, prepareHeader, showHeader } from "./header.js";
 import * as live from "./live.js";
+import { load } from "./load.js";
 import { wordsFor } from "./problems.js";
 import { Services } from "./services.js";
 import { kDownload } from "./servicestate.js";
@@ -79,7 +80,7 @@ async function open() {
 // Shows the paired recorder of that name, "" for the appliance itself.
 async function choose(name) {
   wanted = name;
-  const next = name === "" ? live : await loadRecorder();
+  const next = name === "" ? live : await load("./recorder.js");
   if (next && isSignedIn && wanted === name) {
     source?.stop();
     forget();
@@ -91,11 +92,6 @@ async function choose(name) {
   changed(true); // the choice, too, goes back where nothing came of it
 }
 
-// When one is wanted for the first time; nothing where the host does not answer.
-function loadRecorder() {
-  return import("./recorder.js").catch(() => undefined);
-}
-
 async function leave() {
   try {
     await signOut();
@@ -105,14 +101,8 @@ async function leave() {
   }
 }
 
-// Where not even the window can be loaded, the banner says it.
 async function tellRefusal(title, error) {
-  const dialog = await import("./dialog.js").catch(() => undefined);
-  if (dialog) {
-    dialog.tell(title, {}, ["refusal.call", { reason: wordsFor(error) }]);
-  } else {
-    setConnection("lost", error);
-  }
+  (await load("./dialog.js"))?.tell(title, {}, ["refusal.call", { reason: wordsFor(error) }]);
 }
 
 async function begin() {

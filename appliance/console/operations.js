@@ -104,7 +104,7 @@ export class Operations {
         await Promise.all(this.#unseen().map((operation) => this.read(operation.id)));
         this.#lookIfUnseen();
       } catch {
-        setTimeout(() => this.#lookIfUnseen(), kRetryMs);
+        setTimeout(() => era === this.#era && this.#look(), kRetryMs);
       }
     }, kLookMs);
   }

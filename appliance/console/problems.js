@@ -6,7 +6,8 @@ import { hasText, text } from "./texts.js";
 export function problemOf(error, method) {
   const isOpen = isCut(error) && hasText(`operation.${method}`);
   const words = error.code === undefined ? error.message : wordsFor(error);
-  return { method, text: isOpen ? "" : words, request: error.request, isOpen };
+  const begin = new Date().toISOString();
+  return { method, begin, text: isOpen ? "" : words, request: error.request, isOpen };
 }
 
 // The words for a CallError: the console's where it knows the code, else the appliance's.

@@ -5,6 +5,7 @@ import { holdView, infoOf, setConnection } from "./store.js";
 
 const kPauseMs = 2000;
 const kSilenceMs = 15_000;
+const kSilentPauseMs = 60_000; // the host goes on waiting for each answer
 const kSettleMs = 20_000;
 const kSettleStepMs = 500;
 
@@ -19,6 +20,7 @@ export function start() {
 
 export function stop() {
   run.isWanted = false;
+  run.attempt?.abort();
 }
 
 export function retryNow() {
@@ -41,16 +43,15 @@ export async function settle(service, isRunning) {
 }
 
 async function poll(mine) {
-  for (; mine.isWanted; await pause(kPauseMs)) {
-    const silence = setTimeout(() => tell(mine, new CallError(kRecorderAway, null, "")), kSilenceMs);
-    const error = await readServices().catch((problem) => problem);
-    clearTimeout(silence);
-    tell(mine, error);
-  }
-}
-
-function tell(mine, error) {
-  if (mine.isWanted) {
-    setConnection(!error ? "live" : isRefusal(error) ? "refused" : "lost", error);
+  while (mine.isWanted) {
+    mine.attempt = new AbortController();
+    const silence = new CallError(kRecorderAway, null, "");
+    const timer = setTimeout(() => mine.attempt.abort(silence), kSilenceMs);
+    const error = await readServices(mine.attempt.signal).catch((problem) => problem);
+    clearTimeout(timer);
+    if (mine.isWanted) {
+      setConnection(!error ? "live" : isRefusal(error) ? "refused" : "lost", error);
+      await pause(error === silence ? kSilentPauseMs : kPauseMs);
+    }
   }
 }

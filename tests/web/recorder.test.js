@@ -88,6 +88,7 @@ test("so is one that keeps its connections but says nothing for fifteen seconds"
     return its.user.page.getByText(new RegExp(`The recorder .*${kRecorder}.* does not answer`)).isVisible();
   };
   await eventually(isNamed, "it is named").finally(thaw);
+  await its.user.button("Try now").click();
   await its.user.becomesUsable(its.user.button("Start: Service 4"));
 });
 
