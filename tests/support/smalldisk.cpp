@@ -2,6 +2,7 @@
 
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -31,6 +32,15 @@ bool EnterNamespace() {
 }
 
 }  // namespace
+
+bool CanMountSmallDisk() {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        _exit(MountSmallDisk("/tmp", 1 << 20) ? 0 : 1);
+    }
+    int status = 1;
+    return waitpid(pid, &status, 0) == pid && status == 0;
+}
 
 bool MountSmallDisk(const std::string& folder, std::size_t sizeBytes) {
     const std::string options = "size=" + std::to_string(sizeBytes);
