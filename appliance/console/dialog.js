@@ -59,11 +59,12 @@ export class Dialog {
   // While nobody answers, that is said, and nothing can be done here.
   showConnection() {
     const { connection } = store;
-    setShown(this.#trouble, kTroubles.includes(connection));
-    if (kTroubles.includes(connection)) {
+    const isTrouble = kTroubles.includes(connection);
+    setShown(this.#trouble, isTrouble);
+    if (isTrouble) {
       fill(this.#trouble, ...titleOf(connection, store));
     }
-    this.#doers.forEach((doer) => setEnabled(doer, store.connection === "live"));
+    this.#doers.forEach((doer) => setEnabled(doer, connection === "live"));
   }
 
   // A button that closes it.
