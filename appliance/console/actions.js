@@ -45,10 +45,11 @@ export function lookForAll() {
 async function look(service) {
   await alone(service, "CheckUpdateInfo", async () => {
     const isShown = holdView();
+    const isKnown = store.releases.some((release) => release.service === service && release.version !== "");
     const { data } = await call("CheckUpdateInfo", { service });
     if (isShown()) {
       store.checks.set(service, data.status);
-      if (data.status !== kNewer) { // which release that is, is said by its card
+      if (data.status !== kNewer || isKnown) { // a release that is news is said by its card
         announce("announce.news", { name: nameOf(service), words: text(`check.${data.status}`) });
       }
     }

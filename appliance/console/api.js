@@ -70,7 +70,7 @@ async function watched(path, ...request) {
     return await exchange(path, ...request);
   } catch (error) {
     if (isRefusal(error)) {
-      await (path.startsWith("/servers/") ? page("/appliance").catch(() => {}) : onSessionEnd());
+      void (path.startsWith("/servers/") ? page("/appliance").catch(() => {}) : onSessionEnd());
     }
     throw error;
   }
